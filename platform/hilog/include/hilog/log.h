@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef HILOG_LOG_H
+#define HILOG_LOG_H
+
+#ifdef __cplusplus
+extern "C" {
+#else
+#include <stdbool.h>
+#endif
+
+/** Who logs: an application, the start-up, or a core service. Printed as A, I and C. */
+typedef enum {
+    LOG_APP = 0,
+    LOG_INIT = 1,
+    LOG_CORE = 3,
+} LogType;
+
+/** How much a message matters. Printed as D, I, W, E and F; LOG_FATAL ends nothing. */
+typedef enum {
+    LOG_DEBUG = 3,
+    LOG_INFO,
+    LOG_WARN,
+    LOG_ERROR,
+    LOG_FATAL,
+} LogLevel;
+
+/**
+ * Logs one message. `fmt` is printf's, with a privacy in each placeholder: "%{public}s" prints its argument,
+ * "%{private}s" and a bare "%s" print "<private>". Where a placeholder cannot be understood, the rest of `fmt` is
+ * printed as it stands. "%n", numbered arguments and wide characters are not supported.
+ *
+ * A message whose level reaches the environment's HILOG_LEVEL (D, I, W, E, F or OFF, read once; else I) goes to
+ * standard error as one line and one write, so that lines do not mix; a line is cut at 8 KiB. Any thread may log.
+ * Allocates nothing and keeps errno. Returns 0, or -1 for a null `fmt`.
+ */
+int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, ...);
+
+/** True if messages of `level` are printed; domain and tag make no difference. */
+bool HiLogIsLoggable(unsigned int domain, const char* tag, LogLevel level);
+
+/** Receives a message without the line's head. `tag` and `msg` are valid during the call only. */
+typedef void (*LogCallback)(
+    const LogType type, const LogLevel level, const unsigned int domain, const char* tag, const char* msg);
+
+/**
+ * Hands every message of every level, printed or not, to `callback` from now on, on the thread that logs; null ends
+ * it. A call that has already begun on another thread may still be running when this returns.
+ */
+void LOG_SetCallback(LogCallback callback);
+
+#ifdef __cplusplus
+} // extern "C"
+
+namespace OHOS {
+namespace HiviewDFX {
+
+/** What the messages of one source have in common. `tag` must outlive every use of the label. */
+struct HiLogLabel {
+    LogType type;
+    unsigned int domain;
+    const char* tag;
+};
+
+/** HiLogPrint with a label, one function a level. */
+class HiLog {
+public:
+    static int Debug(const HiLogLabel& label, const char* fmt, ...);
+    static int Info(const HiLogLabel& label, const char* fmt, ...);
+    static int Warn(const HiLogLabel& label, const char* fmt, ...);
+    static int Error(const HiLogLabel& label, const char* fmt, ...);
+    static int Fatal(const HiLogLabel& label, const char* fmt, ...);
+};
+
+} // namespace HiviewDFX
+} // namespace OHOS
+#endif
+
+#endif // HILOG_LOG_H

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef OST_LOG_H
+#define OST_LOG_H
+
+#include <cstdint>
+#include <string>
+
+#include "hilog/log.h"
+
+namespace OHOS {
+namespace Korvane {
+namespace Quenlar {
+namespace Util {
+namespace OstLog {
+
+/** What all log lines of one source file have in common. Immutable, so that any thread may read it. */
+class Tag {
+public:
+    // Inline, so that they are ready for the static initialisers of every file that includes this header.
+    static inline const std::string DEFAULT_SUB_SYSTEM_TAG = "KRV";
+    static inline const std::string DEFAULT_COMPONENT_TAG = "QNL";
+    static inline const std::string DEFAULT_MODULE_TAG = "default";
+
+    /** Makes a tag of the component's log type and domain. */
+    static Tag Create(const std::string& module, const std::string& component, const std::string& subSystem);
+
+    /** The log type for HiLogPrint. */
+    LogType GetLogType() const;
+
+    /** The domain for HiLogPrint. */
+    uint32_t GetDomain() const;
+
+    /** The tag for HiLogPrint. This and the next two references are valid as long as the Tag. */
+    const std::string& GetSubSystemTag() const;
+
+    /** The first field of a line. */
+    const std::string& GetComponentTag() const;
+
+    /** The second field of a line. */
+    const std::string& GetModuleTag() const;
+
+private:
+    Tag(const std::string& module, const std::string& component, const std::string& subSystem);
+
+    std::string module_;
+    std::string component_;
+    std::string subSystem_;
+};
+
+} // namespace OstLog
+} // namespace Util
+} // namespace Quenlar
+} // namespace Korvane
+} // namespace OHOS
+
+#endif // OST_LOG_H

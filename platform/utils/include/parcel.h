@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef PARCEL_H
+#define PARCEL_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "refbase.h"
+
+namespace OHOS {
+
+class Parcel;
+
+/**
+ * Something that a parcel can carry. To be read back, a class also has a static `T* Unmarshalling(Parcel&)`, which
+ * returns a new object that the caller owns, or null.
+ */
+class Parcelable : public virtual RefBase {
+public:
+    ~Parcelable() override = default;
+
+    /** Appends the object to `parcel`. False if a write failed; what was written before it stays. */
+    virtual bool Marshalling(Parcel& parcel) const = 0;
+};
+
+/**
+ * A growing run of bytes with a read cursor. Items are little-endian and padded with zeros to 4 bytes. Not
+ * thread-safe.
+ *
+ * A write returns false, and writes nothing, when it would pass the maximum capacity or when memory is short. (A
+ * parcelable may have written some of its parts.) `bool ReadX(X&)` returns false when the item is cut or malformed; the
+ * cursor and the value then stay as they were, but a string is emptied. `X ReadX()` gives 0, false or an empty string
+ * instead. Padding that is missing at the very end is forgiven. A bool is written as 0 or 1, and read as true from
+ * anything but 0.
+ */
+class Parcel {
+public:
+    Parcel() = default;
+    Parcel(const Parcel&) = delete;
+    Parcel& operator=(const Parcel&) = delete;
+    virtual ~Parcel();
+
+    /** Bytes written, padding included. */
+    size_t GetDataSize() const;
+
+    /** Bytes from the read cursor to the end. */
+    size_t GetReadableBytes() const;
+
+    /** The read cursor, in bytes from the start. */
+    size_t GetReadPosition() const;
+
+    /** Bytes that GetDataSize() may reach: 204800 at first. */
+    size_t GetMaxCapacity() const;
+
+    /** Raises the maximum capacity. False, and no change, unless `maxCapacity` is greater than the present one. */
+    bool SetMaxCapacity(size_t maxCapacity);
+
+    /** Sets the read cursor. False, and no change, behind the end. */
+    bool RewindRead(size_t position);
+
+    /** Address of the bytes, which belong to the parcel and may move at the next write; 0 before the first one. */
+    uintptr_t GetData() const;
+
+    bool WriteBool(bool value);
+    bool WriteInt32(int32_t value);
+    bool WriteUint32(uint32_t value);
+    bool WriteInt64(int64_t value);
+    bool WriteUint64(uint64_t value);
+    bool WriteFloat(float value);
+    bool WriteDouble(double value);
+
+    /** The length as int32, the characters, a NUL. False, too, for more than INT32_MAX characters. */
+    bool WriteString(const std::string& value);
+    bool WriteString16(const std::u16string& value);
+
+    /** An int32 1 and the object's Marshalling; an int32 0 for null. */
+    bool WriteParcelable(const Parcelable* object);
+    bool WriteStrongParcelable(const sptr<Parcelable>& object);
+
+    /** Copies `size` bytes, without a length before them. False for null. */
+    bool WriteBuffer(const void* data, size_t size);
+
+    bool ReadBool(bool& value);
+    bool ReadInt32(int32_t& value);
+    bool ReadUint32(uint32_t& value);
+    bool ReadInt64(int64_t& value);
+    bool ReadUint64(uint64_t& value);
+    bool ReadFloat(float& value);
+    bool ReadDouble(double& value);
+    bool ReadString(std::string& value);
+    bool ReadString16(std::u16string& value);
+
+    bool ReadBool();
+    int32_t ReadInt32();
+    uint32_t ReadUint32();
+    int64_t ReadInt64();
+    uint64_t ReadUint64();
+    float ReadFloat();
+    double ReadDouble();
+    std::string ReadString();
+    std::u16string ReadString16();
+
+    /** A new object that the caller owns; null if null was written, or if the flag or the object is malformed. */
+    template <typename T>
+    T* ReadParcelable()
+    {
+        return ReadInt32() != 0 ? T::Unmarshalling(*this) : nullptr;
+    }
+
+    template <typename T>
+    sptr<T> ReadStrongParcelable()
+    {
+        return sptr<T>(ReadParcelable<T>());
+    }
+
+    /** The next `size` bytes, to be used before the next write; null, and no change, if there are fewer. */
+    const uint8_t* ReadBuffer(size_t size);
+
+protected:
+    /**
+     * Appends `size` bytes and their padding, and returns where the caller must fill the bytes in before anything else
+     * is written; null, and no change, over the maximum capacity or without memory.
+     */
+    uint8_t* Extend(size_t size);
+
+    /** Cuts the data to `size` bytes: data from outside, once copied in, need not end with padding. */
+    void Truncate(size_t size);
+
+    /** Moves the read cursor past `size` bytes and their padding. As ReadBuffer. */
+    const uint8_t* Take(size_t size);
+    bool Skip(size_t size);
+
+private:
+    template <typename T>
+    bool Write(T value);
+    template <typename T>
+    bool Read(T& value);
+    template <typename Char>
+    bool WriteText(const std::basic_string<Char>& text);
+    template <typename Char>
+    bool ReadText(std::basic_string<Char>& text);
+
+    uint8_t* data_ = nullptr;
+    size_t dataSize_ = 0;
+    size_t capacity_ = 0; // Bytes allocated at data_.
+    size_t maxCapacity_ = 204800;
+    size_t readPosition_ = 0;
+};
+
+} // namespace OHOS
+
+#endif // PARCEL_H

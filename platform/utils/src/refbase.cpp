@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "refbase.h"
+
+namespace OHOS {
+
+bool RefCounter::IncStrong()
+{
+    return strong_.fetch_add(1, std::memory_order_relaxed) == 0;
+}
+
+bool RefCounter::TryIncStrong()
+{
+    int count = strong_.load(std::memory_order_relaxed);
+    // Never from 0: whoever took the last reference away is deleting the object.
+    while (count > 0) {
+        if (strong_.compare_exchange_weak(count, count + 1, std::memory_order_acquire, std::memory_order_relaxed)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool RefCounter::DecStrong()
+{
+    // What every holder did to the object must have happened before the last one deletes it.
+    return strong_.fetch_sub(1, std::memory_order_acq_rel) == 1;
+}
+
+int RefCounter::GetStrong() const
+{
+    return strong_.load(std::memory_order_relaxed);
+}
+
+void RefCounter::IncWeak()
+{
+    weak_.fetch_add(1, std::memory_order_relaxed);
+}
+
+void RefCounter::DecWeak()
+{
+    if (weak_.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        delete this;
+    }
+}
+
+RefBase::RefBase(const RefBase& /* other */) noexcept {}
+
+// Counts belong to the object and not to its value, so there is nothing to assign.
+RefBase& RefBase::operator=(const RefBase& /* other */) noexcept // NOLINT(bugprone-unhandled-self-assignment)
+{
+    return *this;
+}
+
+RefBase::~RefBase()
+{
+    RefCounter* counter = counter_.load(std::memory_order_acquire);
+    if (counter != nullptr) {
+        counter->DecWeak();
+    }
+}
+
+RefCounter* RefBase::GetRefCounter() const
+{
+    RefCounter* counter = counter_.load(std::memory_order_acquire);
+    if (counter != nullptr) {
+        return counter;
+    }
+    auto* fresh = new RefCounter;
+    if (counter_.compare_exchange_strong(counter, fresh, std::memory_order_acq_rel, std::memory_order_acquire)) {
+        return fresh;
+    }
+    delete fresh;
+    return counter;
+}
+
+void RefBase::IncStrongRef(const void* objectId)
+{
+    if (GetRefCounter()->IncStrong()) {
+        OnFirstStrongRef(objectId);
+    }
+}
+
+void RefBase::DecStrongRef(const void* objectId)
+{
+    if (GetRefCounter()->DecStrong()) {
+        OnLastStrongRef(objectId);
+        delete this;
+    }
+}
+
+int RefBase::GetSptrRefCount() const
+{
+    const RefCounter* counter = counter_.load(std::memory_order_acquire);
+    return counter != nullptr ? counter->GetStrong() : 0;
+}
+
+void RefBase::OnFirstStrongRef(const void* /* objectId */) {}
+
+void RefBase::OnLastStrongRef(const void* /* objectId */) {}
+
+} // namespace OHOS
