@@ -1,0 +1,47 @@
+# SPDX-License-Identifier: Apache-2.0
+# What a builder may choose, and the flags that everything here is compiled with.
+
+set(QNL_PLATFORM standin CACHE STRING "The platform to build against: standin (platform/) or external")
+set_property(CACHE QNL_PLATFORM PROPERTY STRINGS standin external)
+set(QNL_PLATFORM_INCLUDE_DIRS "" CACHE STRING "The external platform's header folders")
+set(QNL_PLATFORM_LIBRARY_DIRS "" CACHE STRING "The external platform's library folders")
+set(QNL_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
+
+if(NOT QNL_PLATFORM MATCHES "^(standin|external)$")
+    message(FATAL_ERROR "QNL_PLATFORM is '${QNL_PLATFORM}': it must be standin or external.")
+endif()
+if(QNL_PLATFORM STREQUAL "external" AND NOT QNL_PLATFORM_INCLUDE_DIRS)
+    message(FATAL_ERROR "QNL_PLATFORM is external: name its header folders in QNL_PLATFORM_INCLUDE_DIRS.")
+endif()
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+if(NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE Release)
+endif()
+string(REPLACE "-O3" "-O2" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+add_link_options(-Wl,--enable-new-dtags)
+
+if(QNL_SANITIZE)
+    add_compile_options(-fsanitize=${QNL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${QNL_SANITIZE})
+endif()
+
+# The thread sanitizer's shadow memory has no room for the address randomisation of newer kernels.
+if(QNL_SANITIZE MATCHES "thread")
+    execute_process(COMMAND setarch -R true RESULT_VARIABLE setarch_failed OUTPUT_QUIET ERROR_QUIET)
+    if(NOT setarch_failed)
+        set(CMAKE_CROSSCOMPILING_EMULATOR setarch -R)
+    endif()
+endif()
+
+# A clang sanitizer's runtime is in the program alone, so its shared libraries cannot be linked whole.
+if(NOT (QNL_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang"))
+    set(QNL_LINK_WHOLE -Wl,--no-undefined)
+endif()
