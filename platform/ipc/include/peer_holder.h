@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef PEER_HOLDER_H
+#define PEER_HOLDER_H
+
+#include "iremote_object.h"
+
+namespace OHOS {
+
+/** Holds the remote object behind a proxy. */
+class PeerHolder {
+protected:
+    explicit PeerHolder(const sptr<IRemoteObject>& object) : remote_(object) {}
+    virtual ~PeerHolder() = default;
+
+    /** The remote object; null if the proxy was made without one. */
+    sptr<IRemoteObject> Remote()
+    {
+        return remote_;
+    }
+
+private:
+    const sptr<IRemoteObject> remote_;
+};
+
+} // namespace OHOS
+
+#endif // PEER_HOLDER_H

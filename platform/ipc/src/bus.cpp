@@ -1,0 +1,625 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "bus.h"
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <optional>
+#include <utility>
+
+#include "exports.h"
+#include "notices.h"
+#include "process.h"
+
+namespace OHOS::Transport {
+
+namespace {
+
+constexpr const char* ADDRESS_VARIABLE = "OHOS_BUS_ADDRESS";
+constexpr const char* DAEMON = "org.freedesktop.DBus";
+constexpr const char* DAEMON_PATH = "/org/freedesktop/DBus";
+constexpr const char* PEER_PATH = "/ohos/ipc";
+constexpr const char* PEER_INTERFACE = "ohos.ipc.Peer";
+
+constexpr std::chrono::seconds DAEMON_PATIENCE{8};
+constexpr std::chrono::seconds LAST_WORDS_PATIENCE{2};
+constexpr std::chrono::milliseconds BLOCKED_RETRY{500};
+
+constexpr uint32_t DO_NOT_QUEUE = 4;
+constexpr uint32_t NAME_IS_OURS = 1;
+constexpr uint32_t NAME_WAS_OURS = 4;
+constexpr uint32_t NAME_IS_RELEASED = 1;
+
+// Entries of one Release message: far below what the daemon takes.
+constexpr size_t MAX_RELEASES = 1000;
+
+// What a thread waits for and the bus thread brings, perhaps too late. Shared by both.
+template <typename T>
+class Answer {
+public:
+    void Set(T value)
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        value_ = std::move(value);
+        set_.notify_all();
+    }
+
+    T AwaitUntil(Clock::time_point deadline, T otherwise)
+    {
+        std::unique_lock<std::mutex> lock(mutex_);
+        set_.wait_until(lock, deadline, [this] { return value_.has_value(); });
+        return value_.has_value() ? std::move(*value_) : std::move(otherwise);
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable set_;
+    std::optional<T> value_;
+};
+
+struct Connection {
+    Descriptor descriptor;
+    int error;
+};
+
+bool IsAnswer(sd_bus_message* reply)
+{
+    return reply != nullptr && sd_bus_message_is_method_error(reply, nullptr) == 0;
+}
+
+std::string ReadName(sd_bus_message* reply)
+{
+    const char* name = nullptr;
+    return IsAnswer(reply) && sd_bus_message_read(reply, "s", &name) > 0 ? name : "";
+}
+
+int ErrorOf(sd_bus_message* reply)
+{
+    if (reply == nullptr) {
+        return ERR_DEAD_OBJECT;
+    }
+    for (const char* timedOut : {SD_BUS_ERROR_NO_REPLY, SD_BUS_ERROR_TIMEOUT, "System.Error.ETIMEDOUT"}) {
+        if (sd_bus_message_is_method_error(reply, timedOut) > 0) {
+            return ERR_TIMED_OUT;
+        }
+    }
+    for (const char* gone : {SD_BUS_ERROR_SERVICE_UNKNOWN, SD_BUS_ERROR_NAME_HAS_NO_OWNER, SD_BUS_ERROR_DISCONNECTED}) {
+        if (sd_bus_message_is_method_error(reply, gone) > 0) {
+            return ERR_DEAD_OBJECT;
+        }
+    }
+    return ERR_REFUSED;
+}
+
+bool ReadCredentials(sd_bus_message* reply, Peer::Credentials& credentials)
+{
+    if (!IsAnswer(reply) || sd_bus_message_enter_container(reply, 'a', "{sv}") <= 0) {
+        return false;
+    }
+    int found = 0;
+    while (sd_bus_message_enter_container(reply, 'e', "sv") > 0) {
+        const char* key = nullptr;
+        uint32_t value = 0;
+        if (sd_bus_message_read(reply, "s", &key) <= 0) {
+            return false;
+        }
+        const std::string name(key);
+        if (name == "UnixUserID" || name == "ProcessID") {
+            if (sd_bus_message_read(reply, "v", "u", &value) <= 0) {
+                return false;
+            }
+            ++found;
+            if (name == "UnixUserID") {
+                credentials.uid = value;
+            } else {
+                credentials.pid = static_cast<pid_t>(value);
+            }
+        } else if (sd_bus_message_skip(reply, "v") < 0) {
+            return false;
+        }
+        sd_bus_message_exit_container(reply);
+    }
+    return found == 2;
+}
+
+// The descriptor in a Connect's reply, if it is the socket that was asked for; it belongs to the reply. Else -1.
+int SocketIn(sd_bus_message* reply)
+{
+    int fd = -1;
+    int domain = 0;
+    int type = 0;
+    socklen_t length = sizeof(int);
+    const bool isSocket = IsAnswer(reply) && sd_bus_message_read_basic(reply, 'h', &fd) > 0 &&
+                          getsockopt(fd, SOL_SOCKET, SO_DOMAIN, &domain, &length) == 0 && domain == AF_UNIX &&
+                          getsockopt(fd, SOL_SOCKET, SO_TYPE, &type, &length) == 0 && type == SOCK_SEQPACKET;
+    return isSocket ? fd : -1;
+}
+
+} // namespace
+
+Bus& Bus::Get()
+{
+    static auto& bus = *new Bus();
+    return bus;
+}
+
+bool Bus::IsConfigured()
+{
+    static const bool isConfigured = secure_getenv(ADDRESS_VARIABLE) != nullptr;
+    return isConfigured;
+}
+
+void Bus::SetObservers(OwnerChange ownerChange, Loss loss)
+{
+    ownerChange_ = std::move(ownerChange);
+    loss_ = std::move(loss);
+}
+
+bool Bus::Connect()
+{
+    if (!Process::IsUsable()) {
+        return false;
+    }
+    if (state_ == State::UNTRIED) {
+        std::lock_guard<std::mutex> lock(connectMutex_);
+        if (state_ == State::UNTRIED && Open()) {
+            state_ = State::UP;
+            if (!Process::StartThread([this] { Run(); })) {
+                Close();
+                state_ = State::UNTRIED;
+            }
+        }
+    }
+    return state_ == State::UP;
+}
+
+bool Bus::Open()
+{
+    const char* address = secure_getenv(ADDRESS_VARIABLE);
+    wake_ = Descriptor::Event();
+    if (address == nullptr || !wake_ || sd_bus_new(&bus_) < 0) {
+        return false;
+    }
+    const auto deadline = Clock::now() + DAEMON_PATIENCE;
+    bool isOpen = sd_bus_set_address(bus_, address) >= 0 && sd_bus_set_bus_client(bus_, 1) >= 0 &&
+                  sd_bus_negotiate_fds(bus_, 1) >= 0 &&
+                  sd_bus_set_method_call_timeout(bus_, std::chrono::microseconds(DAEMON_PATIENCE).count()) >= 0;
+    if (isOpen) {
+        std::lock_guard<std::mutex> gate(Descriptor::ForkGate());
+        isOpen = sd_bus_start(bus_) >= 0;
+        if (isOpen) {
+            busFd_ = sd_bus_get_fd(bus_);
+            Descriptor::CloseAtFork(busFd_);
+        }
+    }
+    while (isOpen && sd_bus_is_ready(bus_) == 0) {
+        const auto left = std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now()).count();
+        const int done = left > 0 ? sd_bus_process(bus_, nullptr) : -ETIMEDOUT;
+        isOpen = done > 0 || (done == 0 && sd_bus_wait(bus_, static_cast<uint64_t>(left)) >= 0) || done == -EINTR;
+    }
+    const char* name = nullptr;
+    if (!isOpen || sd_bus_is_ready(bus_) <= 0 || sd_bus_get_unique_name(bus_, &name) < 0 ||
+        sd_bus_match_signal(bus_, nullptr, DAEMON, DAEMON_PATH, DAEMON, "NameOwnerChanged", &Bus::OnOwnerChange, this) <
+            0 ||
+        sd_bus_add_object(bus_, nullptr, PEER_PATH, &Bus::OnMessage, this) < 0) {
+        Close();
+        return false;
+    }
+    ownName_ = name;
+    spare_ = Descriptor::Copy(wake_.Get());
+    return true;
+}
+
+void Bus::Close()
+{
+    Descriptor::Disown(busFd_);
+    bus_ = sd_bus_close_unref(bus_);
+}
+
+void Bus::Post(std::function<void()> task)
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    tasks_.push_back(std::move(task));
+    eventfd_write(wake_.Get(), 1);
+}
+
+void Bus::Run()
+{
+    for (;;) {
+        RunTasks();
+        const bool isBusy = bus_ != nullptr && ProcessOne();
+        const auto now = Clock::now();
+        while (!dying_.empty() && dying_.front().deadline <= now) {
+            Forget(dying_.front().peer);
+        }
+        if (!isBusy) {
+            Wait();
+        }
+    }
+}
+
+void Bus::RunTasks()
+{
+    std::deque<std::function<void()>> tasks;
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        tasks.swap(tasks_);
+    }
+    for (const auto& task : tasks) {
+        task();
+    }
+}
+
+bool Bus::ProcessOne()
+{
+    int done = 0;
+    {
+        std::lock_guard<std::mutex> gate(Descriptor::ForkGate());
+        if (connectsOut_ > 0) {
+            spare_ = {};
+        }
+        done = sd_bus_process(bus_, nullptr); // One message at most is read, with one descriptor at most.
+        if (!spare_) {
+            spare_ = Descriptor::Copy(wake_.Get());
+        }
+    }
+    if (done < 0 && done != -EINTR && done != -EAGAIN) {
+        Lose();
+    }
+    return done != 0;
+}
+
+void Bus::Wait()
+{
+    std::vector<pollfd> waits{{wake_.Get(), POLLIN, 0}};
+    int64_t timeout = -1; // In microseconds; negative for ever.
+    const auto limit = [&timeout](int64_t left) {
+        const int64_t least = std::max<int64_t>(left, 0);
+        timeout = timeout < 0 ? least : std::min(timeout, least);
+    };
+    const auto now = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now().time_since_epoch());
+    if (bus_ != nullptr) {
+        const int events = sd_bus_get_events(bus_);
+        uint64_t due = UINT64_MAX;
+        if (events < 0 || sd_bus_get_timeout(bus_, &due) < 0) {
+            limit(0);
+        } else {
+            waits.push_back({busFd_, static_cast<short>(events), 0});
+        }
+        if (due != UINT64_MAX) {
+            limit(static_cast<int64_t>(due) - now.count());
+        }
+    }
+    if (!dying_.empty()) {
+        limit(
+            std::chrono::duration_cast<std::chrono::microseconds>(dying_.front().deadline.time_since_epoch()).count() -
+            now.count());
+    }
+    for (const auto& peer : blocked_) {
+        waits.push_back({peer->OneWayConnection(), POLLOUT, 0});
+        limit(std::chrono::microseconds(BLOCKED_RETRY).count());
+    }
+    const timespec relative{timeout / 1'000'000, timeout % 1'000'000 * 1000};
+    ppoll(waits.data(), waits.size(), timeout < 0 ? nullptr : &relative, nullptr);
+    eventfd_t count = 0;
+    eventfd_read(wake_.Get(), &count);
+    for (const auto& peer : std::exchange(blocked_, {})) {
+        FlushReleases(peer);
+    }
+}
+
+void Bus::Lose()
+{
+    state_ = State::LOST;
+    Close();
+    while (!peers_.empty()) {
+        MarkDead(peers_.begin()->first);
+    }
+    while (!dying_.empty()) {
+        Forget(dying_.front().peer);
+    }
+    while (!pending_.empty()) {
+        const Reply done = std::move(pending_.front().done);
+        pending_.pop_front();
+        done(nullptr);
+    }
+    loss_();
+}
+
+void Bus::Call(sd_bus_message* call, std::chrono::microseconds patience, Reply done)
+{
+    pending_.push_front({this, {}, std::move(done)});
+    pending_.front().self = pending_.begin();
+    const auto timeout = static_cast<uint64_t>(std::max<int64_t>(patience.count(), 1000)); // 0 is sd-bus's default.
+    if (call == nullptr || bus_ == nullptr ||
+        sd_bus_call_async(bus_, nullptr, call, &Bus::OnReply, &pending_.front(), timeout) < 0) {
+        const Reply failed = std::move(pending_.front().done);
+        pending_.pop_front();
+        failed(nullptr);
+    }
+    sd_bus_message_unref(call);
+}
+
+int Bus::OnReply(sd_bus_message* reply, void* pending, sd_bus_error* /* error */)
+{
+    auto* found = static_cast<Pending*>(pending);
+    const Reply done = std::move(found->done);
+    found->bus->pending_.erase(found->self);
+    done(reply);
+    return 0;
+}
+
+void Bus::CallDaemon(const char* member, const std::string& name, const uint32_t* flags, Reply done)
+{
+    sd_bus_message* call = nullptr;
+    if (bus_ != nullptr && sd_bus_message_new_method_call(bus_, &call, DAEMON, DAEMON_PATH, DAEMON, member) >= 0) {
+        sd_bus_message_append(call, "s", name.c_str());
+        if (flags != nullptr) {
+            sd_bus_message_append(call, "u", *flags);
+        }
+    }
+    Call(call, DAEMON_PATIENCE, std::move(done));
+}
+
+int Bus::AskForName(const char* member, const std::string& name, const uint32_t* flags)
+{
+    const auto answer = std::make_shared<Answer<int>>();
+    Post([this, member, name, hasFlags = flags != nullptr, flag = flags != nullptr ? *flags : 0, answer] {
+        CallDaemon(member, name, hasFlags ? &flag : nullptr, [answer, hasFlags](sd_bus_message* reply) {
+            uint32_t result = 0;
+            if (!IsAnswer(reply) || sd_bus_message_read(reply, "u", &result) <= 0) {
+                answer->Set(ErrorOf(reply));
+                return;
+            }
+            const bool isDone =
+                hasFlags ? result == NAME_IS_OURS || result == NAME_WAS_OURS : result == NAME_IS_RELEASED;
+            answer->Set(isDone ? ERR_NONE : ERR_REFUSED);
+        });
+    });
+    return answer->AwaitUntil(Clock::now() + DAEMON_PATIENCE, ERR_TIMED_OUT);
+}
+
+int Bus::RequestName(const std::string& name)
+{
+    return AskForName("RequestName", name, &DO_NOT_QUEUE);
+}
+
+int Bus::ReleaseName(const std::string& name)
+{
+    return AskForName("ReleaseName", name, nullptr);
+}
+
+std::shared_ptr<Peer> Bus::OwnerOf(const std::string& name)
+{
+    const auto answer = std::make_shared<Answer<std::shared_ptr<Peer>>>();
+    Post([this, name, answer] {
+        AskOwner(name, [this, answer](const std::string& owner) {
+            answer->Set(owner.empty() || owner == ownName_ ? nullptr : PeerNamed(owner));
+        });
+    });
+    return answer->AwaitUntil(Clock::now() + DAEMON_PATIENCE, nullptr);
+}
+
+void Bus::AskOwner(const std::string& name, const std::function<void(const std::string& owner)>& done)
+{
+    CallDaemon("GetNameOwner", name, nullptr, [done](sd_bus_message* reply) { done(ReadName(reply)); });
+}
+
+void Bus::AfterLastWords(const std::string& peer, const std::function<void()>& task)
+{
+    // The daemon's answer comes behind the news of a death, so that a dead peer is known to be one by then.
+    CallDaemon("NameHasOwner", peer, nullptr, [this, peer, task](sd_bus_message* /* reply */) {
+        const auto dying = std::find_if(
+            dying_.begin(), dying_.end(), [&peer](const Dying& candidate) { return candidate.peer->Name() == peer; });
+        if (dying != dying_.end()) {
+            dying->tasks.push_back(task);
+        } else {
+            task();
+        }
+    });
+}
+
+Descriptor Bus::OpenConnection(const std::string& peer, Clock::time_point deadline, int& error)
+{
+    // The connection's place in the descriptor table is taken before anyone is asked.
+    const auto place = std::make_shared<Descriptor>(Descriptor::Copy(wake_.Get()));
+    if (!*place) {
+        error = ERR_NO_DESCRIPTOR;
+        return {};
+    }
+    const auto answer = std::make_shared<Answer<Connection>>();
+    Post([this, peer, deadline, place, answer] {
+        if (!spare_) {
+            spare_ = Descriptor::Copy(wake_.Get());
+        }
+        if (!spare_) {
+            answer->Set({{}, ERR_NO_DESCRIPTOR});
+            return;
+        }
+        sd_bus_message* call = nullptr;
+        if (bus_ != nullptr) {
+            sd_bus_message_new_method_call(bus_, &call, peer.c_str(), PEER_PATH, PEER_INTERFACE, "Connect");
+        }
+        ++connectsOut_;
+        const auto patience = std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now());
+        Call(call, patience, [this, place, answer](sd_bus_message* reply) {
+            --connectsOut_;
+            const int fd = SocketIn(reply);
+            if (fd >= 0 && place->Become(fd)) {
+                answer->Set({std::move(*place), ERR_NONE});
+            } else {
+                answer->Set({{}, ErrorOf(reply)});
+            }
+        });
+    });
+    Connection connection = answer->AwaitUntil(deadline, {{}, ERR_TIMED_OUT});
+    error = connection.error;
+    return std::move(connection.descriptor);
+}
+
+std::shared_ptr<Peer> Bus::PeerNamed(const std::string& name)
+{
+    std::shared_ptr<Peer>& peer = peers_[name];
+    if (peer == nullptr) {
+        peer = std::make_shared<Peer>(name);
+    }
+    return peer;
+}
+
+void Bus::MarkDead(const std::string& name)
+{
+    const auto found = peers_.find(name);
+    if (found == peers_.end()) {
+        return;
+    }
+    const std::shared_ptr<Peer> peer = found->second;
+    peers_.erase(found);
+    peer->Die();
+    dying_.push_back({peer, Clock::now() + LAST_WORDS_PATIENCE, {}});
+    ForgetIfRead(peer);
+}
+
+void Bus::ForgetIfRead(const std::shared_ptr<Peer>& peer)
+{
+    if (!peer->IsBeingServed()) {
+        Forget(peer);
+    }
+}
+
+void Bus::Forget(const std::shared_ptr<Peer>& peer)
+{
+    std::vector<std::function<void()>> tasks;
+    const auto dying =
+        std::find_if(dying_.begin(), dying_.end(), [&peer](const Dying& candidate) { return candidate.peer == peer; });
+    if (dying == dying_.end()) {
+        return;
+    }
+    tasks = std::move(dying->tasks);
+    dying_.erase(dying);
+    peer->StopServing();
+    Notices::Post([peer, objects = Exports::Get().Forget(*peer)] { peer->SendObituaries(); });
+    for (const auto& task : tasks) {
+        task();
+    }
+}
+
+void Bus::FlushReleases(const std::shared_ptr<Peer>& peer)
+{
+    const bool isFlushed = peer->FlushReleases([this, &peer](const Peer::Releases& releases) {
+        auto next = releases.begin();
+        while (bus_ != nullptr && next != releases.end()) {
+            sd_bus_message* message = nullptr;
+            if (sd_bus_message_new_method_call(
+                    bus_, &message, peer->Name().c_str(), PEER_PATH, PEER_INTERFACE, "Release") < 0) {
+                return;
+            }
+            sd_bus_message_open_container(message, 'a', "(tu)");
+            for (size_t i = 0; i < MAX_RELEASES && next != releases.end(); ++i, ++next) {
+                sd_bus_message_append(message, "(tu)", next->first, next->second);
+            }
+            sd_bus_message_close_container(message);
+            sd_bus_message_set_expect_reply(message, 0);
+            sd_bus_send(bus_, message, nullptr);
+            sd_bus_message_unref(message);
+        }
+    });
+    if (!isFlushed && std::find(blocked_.begin(), blocked_.end(), peer) == blocked_.end()) {
+        blocked_.push_back(peer);
+    }
+}
+
+int Bus::OnMessage(sd_bus_message* message, void* bus, sd_bus_error* /* error */)
+{
+    if (sd_bus_message_get_sender(message) == nullptr) {
+        return 0;
+    }
+    if (sd_bus_message_is_method_call(message, PEER_INTERFACE, "Connect") > 0) {
+        static_cast<Bus*>(bus)->OnConnect(message);
+        return 1;
+    }
+    if (sd_bus_message_is_method_call(message, PEER_INTERFACE, "Release") > 0) {
+        static_cast<Bus*>(bus)->OnRelease(message);
+        return 1;
+    }
+    return 0;
+}
+
+void Bus::OnConnect(sd_bus_message* call)
+{
+    const std::shared_ptr<Peer> peer = PeerNamed(sd_bus_message_get_sender(call));
+    if (!Process::IsUsable() || !Exports::Get().Welcomes(*peer)) {
+        sd_bus_reply_method_errorf(call, SD_BUS_ERROR_ACCESS_DENIED, "Nothing here is yours to call");
+        return;
+    }
+    if (!peer->ReserveConnection()) {
+        sd_bus_reply_method_errorf(call, SD_BUS_ERROR_LIMITS_EXCEEDED, "Too many connections");
+        return;
+    }
+    if (peer->HasCredentials()) {
+        Grant(call, peer);
+        return;
+    }
+    sd_bus_message_ref(call);
+    CallDaemon("GetConnectionCredentials", peer->Name(), nullptr, [this, call, peer](sd_bus_message* reply) {
+        Peer::Credentials credentials{};
+        if (ReadCredentials(reply, credentials)) {
+            if (!peer->HasCredentials()) {
+                peer->SetCredentials(credentials);
+            }
+            Grant(call, peer);
+        } else {
+            peer->CancelConnection();
+            sd_bus_reply_method_errorf(call, SD_BUS_ERROR_ACCESS_DENIED, "Who are you?");
+        }
+        sd_bus_message_unref(call);
+    });
+}
+
+void Bus::Grant(sd_bus_message* call, const std::shared_ptr<Peer>& peer)
+{
+    Descriptor ours;
+    Descriptor theirs;
+    if (!Descriptor::MakePair(ours, theirs)) {
+        peer->CancelConnection();
+    } else if (peer->Serve(std::move(ours))) {
+        sd_bus_reply_method_return(call, "h", theirs.Get());
+        return;
+    }
+    sd_bus_reply_method_errorf(call, SD_BUS_ERROR_NO_MEMORY, "No socket or no thread to be had");
+}
+
+void Bus::OnRelease(sd_bus_message* call)
+{
+    // Even a stranger's message does no harm: a peer takes off its own pins only.
+    const std::shared_ptr<Peer> peer = PeerNamed(sd_bus_message_get_sender(call));
+    std::vector<sptr<IRemoteObject>> objects;
+    uint64_t id = 0;
+    uint32_t count = 0;
+    if (sd_bus_message_enter_container(call, 'a', "(tu)") > 0) {
+        while (sd_bus_message_read(call, "(tu)", &id, &count) > 0) {
+            objects.push_back(Exports::Get().Unpin(*peer, id, count));
+        }
+    }
+    Notices::Post([released = std::move(objects)] {});
+}
+
+int Bus::OnOwnerChange(sd_bus_message* signal, void* bus, sd_bus_error* /* error */)
+{
+    const char* name = nullptr;
+    const char* from = nullptr;
+    const char* to = nullptr;
+    if (sd_bus_message_read(signal, "sss", &name, &from, &to) > 0) {
+        if (name[0] != ':') {
+            static_cast<Bus*>(bus)->ownerChange_(name, from, to);
+        } else if (to[0] == '\0') {
+            static_cast<Bus*>(bus)->MarkDead(name);
+        }
+    }
+    return 0;
+}
+
+} // namespace OHOS::Transport

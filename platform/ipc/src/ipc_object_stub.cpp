@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ipc_object_stub.h"
+
+#include <utility>
+
+namespace OHOS {
+
+IPCObjectStub::IPCObjectStub(std::u16string descriptor, bool serialInvokeFlag)
+    : IRemoteObject(std::move(descriptor)), serial_(serialInvokeFlag ? new std::recursive_mutex() : nullptr)
+{}
+
+int32_t IPCObjectStub::GetObjectRefCount()
+{
+    return GetSptrRefCount();
+}
+
+int IPCObjectStub::SendRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option)
+{
+    std::unique_lock<std::recursive_mutex> lock;
+    if (serial_ != nullptr) {
+        lock = std::unique_lock<std::recursive_mutex>(*serial_);
+    }
+    return OnRemoteRequest(code, data, reply, option);
+}
+
+bool IPCObjectStub::AddDeathRecipient(const sptr<DeathRecipient>& /* recipient */)
+{
+    return false;
+}
+
+bool IPCObjectStub::RemoveDeathRecipient(const sptr<DeathRecipient>& /* recipient */)
+{
+    return false;
+}
+
+int IPCObjectStub::Dump(int /* fd */, const std::vector<std::u16string>& /* args */)
+{
+    return ERR_NONE;
+}
+
+int IPCObjectStub::OnRemoteRequest(
+    uint32_t /* code */, MessageParcel& /* data */, MessageParcel& /* reply */, MessageOption& /* option */)
+{
+    return ERR_UNKNOWN_CODE;
+}
+
+} // namespace OHOS

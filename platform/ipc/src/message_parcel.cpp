@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "message_parcel.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "ipc_object_proxy.h"
+#include "message.h"
+
+namespace OHOS {
+
+namespace {
+
+constexpr int32_t TOKEN_POLICY = 0x100;
+constexpr int32_t TOKEN_WORK_SOURCE = 0;
+
+} // namespace
+
+MessageParcel::MessageParcel() = default;
+
+MessageParcel::~MessageParcel() = default;
+
+// By value, as on a device. NOLINTNEXTLINE(performance-unnecessary-value-param)
+bool MessageParcel::WriteInterfaceToken(std::u16string token)
+{
+    return WriteInt32(TOKEN_POLICY) && WriteInt32(TOKEN_WORK_SOURCE) && WriteString16(token);
+}
+
+std::u16string MessageParcel::ReadInterfaceToken()
+{
+    ReadInt32();
+    ReadInt32();
+    return ReadString16();
+}
+
+bool MessageParcel::WriteRemoteObject(const sptr<IRemoteObject>& object)
+{
+    if (object == nullptr) {
+        return false;
+    }
+    const auto* proxy = dynamic_cast<const IPCObjectProxy*>(object.GetRefPtr());
+    if (proxy != nullptr && peer_ != nullptr && proxy->peer_ != peer_) {
+        return false;
+    }
+    const size_t position = GetDataSize();
+    uint8_t* bytes = Extend(Transport::HANDLE_SIZE);
+    if (bytes == nullptr) {
+        return false;
+    }
+    std::memset(bytes, 0, Transport::HANDLE_SIZE);
+    objects_.push_back({position, object});
+    if (proxy != nullptr) {
+        peer_ = proxy->peer_;
+    }
+    return true;
+}
+
+sptr<IRemoteObject> MessageParcel::ReadRemoteObject()
+{
+    const size_t position = GetReadPosition();
+    const auto found = std::lower_bound(objects_.begin(), objects_.end(), position,
+        [](const Entry& entry, size_t wanted) { return entry.position < wanted; });
+    if (found == objects_.end() || found->position != position) {
+        return nullptr;
+    }
+    Skip(Transport::HANDLE_SIZE);
+    return found->object;
+}
+
+} // namespace OHOS

@@ -1,0 +1,415 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "peer.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "bus.h"
+#include "exports.h"
+#include "process.h"
+
+namespace OHOS::Transport {
+
+namespace {
+
+thread_local const Peer* g_calling = nullptr;
+
+std::atomic<size_t> g_allReserved{0};
+
+class CallingScope {
+public:
+    explicit CallingScope(const Peer* peer)
+    {
+        g_calling = peer;
+    }
+
+    CallingScope(const CallingScope&) = delete;
+    CallingScope& operator=(const CallingScope&) = delete;
+
+    ~CallingScope()
+    {
+        g_calling = nullptr;
+    }
+};
+
+// Whether nothing waits to be read: a reply that comes before its call is nobody's, and an end is an end.
+bool IsQuiet(int fd)
+{
+    char byte = 0;
+    return recv(fd, &byte, sizeof(byte), MSG_PEEK | MSG_DONTWAIT) < 0 && errno == EAGAIN;
+}
+
+bool HasEnded(int fd)
+{
+    char byte = 0;
+    return recv(fd, &byte, sizeof(byte), MSG_PEEK | MSG_DONTWAIT) == 0;
+}
+
+bool WaitToRead(int fd, Clock::time_point deadline)
+{
+    for (;;) {
+        const auto left = std::chrono::duration_cast<std::chrono::nanoseconds>(deadline - Clock::now()).count();
+        const timespec timeout{std::max<int64_t>(left, 0) / 1'000'000'000, std::max<int64_t>(left, 0) % 1'000'000'000};
+        pollfd wait{fd, POLLIN, 0};
+        const int ready = ppoll(&wait, 1, &timeout, nullptr);
+        if (ready >= 0 || errno != EINTR) {
+            return ready > 0;
+        }
+    }
+}
+
+} // namespace
+
+sptr<IPCObjectProxy> Peer::ProxyOf(uint64_t id, bool received)
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    wptr<IPCObjectProxy>& known = proxies_[id];
+    sptr<IPCObjectProxy> proxy = known.promote();
+    if (proxy == nullptr) {
+        // Either there was none, or it is on its way out and will find that its place is taken.
+        proxy = new IPCObjectProxy(shared_from_this(), id);
+        known = proxy;
+    }
+    proxy->received_ += received ? 1 : 0;
+    return proxy;
+}
+
+void Peer::Remove(const IPCObjectProxy& proxy)
+{
+    if (!Process::IsUsable()) {
+        return;
+    }
+    std::lock_guard<std::mutex> lock(mutex_);
+    const auto known = proxies_.find(proxy.id_);
+    if (known != proxies_.end() && known->second == &proxy) {
+        proxies_.erase(known);
+    }
+    if (proxy.received_ > 0 && !dead_) {
+        const bool isScheduled = !releases_.empty();
+        releases_[proxy.id_] += proxy.received_;
+        if (!isScheduled) {
+            Bus::Get().Post([self = shared_from_this()] { Bus::Get().FlushReleases(self); });
+        }
+    }
+}
+
+int Peer::Call(uint64_t id, uint32_t code, MessageParcel& data, MessageParcel& reply, const MessageOption& option)
+{
+    if (dead_ || !Process::IsUsable()) {
+        return ERR_DEAD_OBJECT;
+    }
+    const auto deadline = Clock::now() + std::chrono::seconds(std::max(option.GetWaitTime(), 0));
+    const bool isOneWay = (option.GetFlags() & MessageOption::TF_ASYNC) != 0;
+    Header header{};
+    header.kind = Header::CALL;
+    header.code = code;
+    header.flags = isOneWay ? MessageOption::TF_ASYNC : MessageOption::TF_SYNC;
+    header.objectId = id;
+    Outgoing message(shared_from_this(), &data);
+    if (isOneWay) {
+        return CallOneWay(message, header, deadline);
+    }
+    int error = ERR_NONE;
+    Descriptor connection = TakeConnection(deadline, error);
+    if (!connection) {
+        return error;
+    }
+    bool isUsable = true;
+    error = message.Send(connection.Get(), header);
+    if (error == ERR_NONE) {
+        error = AwaitReply(connection.Get(), reply, deadline, isUsable);
+    } else {
+        isUsable = error != ERR_DEAD_OBJECT;
+    }
+    GiveBack(std::move(connection), isUsable);
+    return error;
+}
+
+Descriptor Peer::TakeConnection(Clock::time_point deadline, int& error)
+{
+    std::unique_lock<std::mutex> lock(mutex_);
+    while (!dead_) {
+        if (!idle_.empty()) {
+            Descriptor connection = std::move(idle_.back());
+            idle_.pop_back();
+            if (IsQuiet(connection.Get())) {
+                busy_.insert(connection.Get());
+                return connection;
+            }
+            --callConnections_;
+        } else if (callConnections_ < MAX_CONNECTIONS - 1) {
+            ++callConnections_;
+            lock.unlock();
+            Descriptor connection = Bus::Get().OpenConnection(name_, deadline, error);
+            lock.lock();
+            if (connection && !dead_) {
+                busy_.insert(connection.Get());
+                return connection;
+            }
+            --callConnections_;
+            freed_.notify_one();
+            if (!connection) {
+                return {};
+            }
+        } else if (freed_.wait_until(lock, deadline) == std::cv_status::timeout) {
+            error = ERR_TIMED_OUT;
+            return {};
+        }
+    }
+    error = ERR_DEAD_OBJECT;
+    return {};
+}
+
+void Peer::GiveBack(Descriptor connection, bool isUsable)
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    busy_.erase(connection.Get());
+    if (isUsable && !dead_) {
+        idle_.push_back(std::move(connection));
+    } else {
+        --callConnections_;
+        connection = {};
+    }
+    freed_.notify_one();
+}
+
+int Peer::AwaitReply(int fd, MessageParcel& reply, Clock::time_point deadline, bool& isUsable)
+{
+    isUsable = false;
+    if (!WaitToRead(fd, deadline)) {
+        return ERR_TIMED_OUT;
+    }
+    Incoming message;
+    if (!message.Await(fd) || !message.Receive(fd, reply) || message.GetHeader().kind != Header::REPLY ||
+        !message.Resolve(shared_from_this(), reply)) {
+        return HasEnded(fd) ? ERR_DEAD_OBJECT : ERR_BAD_MESSAGE;
+    }
+    isUsable = true;
+    return static_cast<int32_t>(message.GetHeader().code);
+}
+
+int Peer::CallOneWay(Outgoing& message, const Header& header, Clock::time_point deadline)
+{
+    std::unique_lock<std::mutex> lock(mutex_);
+    if (!oneWay_) {
+        lock.unlock();
+        int error = ERR_NONE;
+        Descriptor connection = Bus::Get().OpenConnection(name_, deadline, error);
+        if (!connection) {
+            return error;
+        }
+        lock.lock();
+        if (!oneWay_) { // Else another thread was faster, and its calls go first.
+            oneWay_ = std::move(connection);
+        }
+    }
+    if (dead_) {
+        return ERR_DEAD_OBJECT;
+    }
+    const int error = message.Send(oneWay_.Get(), header);
+    if (error == ERR_DEAD_OBJECT) {
+        oneWay_ = {};
+    }
+    return error;
+}
+
+bool Peer::FlushReleases(const std::function<void(const Releases&)>& other)
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    while (oneWay_ && !dead_ && !releases_.empty()) {
+        const auto [id, count] = *releases_.begin();
+        Header header{};
+        header.kind = Header::RELEASE;
+        header.code = count;
+        header.objectId = id;
+        const int error = Outgoing(shared_from_this(), nullptr).Send(oneWay_.Get(), header);
+        if (error == ERR_BUFFER_FULL) {
+            return false;
+        }
+        if (error == ERR_NONE) {
+            releases_.erase(releases_.begin());
+        } else {
+            oneWay_ = {};
+        }
+    }
+    if (!dead_ && !releases_.empty()) {
+        other(releases_);
+    }
+    releases_.clear();
+    return true;
+}
+
+int Peer::OneWayConnection()
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    return oneWay_.Get();
+}
+
+const Peer* Peer::Calling()
+{
+    return g_calling;
+}
+
+void Peer::SetCredentials(const Credentials& credentials)
+{
+    credentials_ = credentials;
+    hasCredentials_ = true;
+}
+
+bool Peer::ReserveConnection()
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (dead_ || reserved_ == MAX_CONNECTIONS || g_allReserved == MAX_ALL_CONNECTIONS) {
+        return false;
+    }
+    ++reserved_;
+    ++g_allReserved;
+    return true;
+}
+
+void Peer::CancelConnection()
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    --reserved_;
+    --g_allReserved;
+}
+
+bool Peer::Serve(Descriptor connection)
+{
+    const int fd = connection.Get();
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        if (!dead_) {
+            served_.insert(fd);
+        }
+    }
+    auto owned = std::make_shared<Descriptor>(std::move(connection));
+    const bool isStarted = !dead_ && Process::StartThread([self = shared_from_this(), owned]() mutable {
+        self->ServeConnection(*owned);
+        std::unique_lock<std::mutex> lock(self->mutex_);
+        self->served_.erase(owned->Get());
+        owned.reset();
+        lock.unlock();
+        self->CancelConnection();
+        if (self->dead_) {
+            Bus::Get().Post([self] { Bus::Get().ForgetIfRead(self); });
+        }
+    });
+    if (!isStarted) {
+        {
+            std::lock_guard<std::mutex> lock(mutex_);
+            served_.erase(fd);
+        }
+        CancelConnection();
+    }
+    return isStarted;
+}
+
+void Peer::ServeConnection(const Descriptor& connection)
+{
+    const int fd = connection.Get();
+    for (;;) {
+        Incoming message;
+        if (!message.Await(fd)) {
+            return;
+        }
+        const Process::Activity activity;
+        MessageParcel data; // What it holds is let go of within the activity.
+        if (!activity || HasStopped() || !message.Receive(fd, data)) {
+            return;
+        }
+        const Header& header = message.GetHeader();
+        switch (header.kind) {
+        case Header::CALL:
+            if (!message.Resolve(shared_from_this(), data) || !ServeCall(fd, message, data)) {
+                return;
+            }
+            break;
+        case Header::RELEASE:
+            static_cast<void>(Exports::Get().Unpin(*this, header.objectId, header.code));
+            break;
+        default:
+            return;
+        }
+    }
+}
+
+bool Peer::ServeCall(int fd, const Incoming& call, MessageParcel& data)
+{
+    const CallingScope scope(this);
+    const Header& header = call.GetHeader();
+    const sptr<IRemoteObject> target = Exports::Get().Find(*this, header.objectId);
+    MessageParcel reply;
+    MessageOption option(static_cast<int>(header.flags));
+    const int result = target != nullptr ? target->SendRequest(header.code, data, reply, option) : ERR_REFUSED;
+    if (header.flags == MessageOption::TF_ASYNC) {
+        return true;
+    }
+    Header answer{};
+    answer.kind = Header::REPLY;
+    answer.code = static_cast<uint32_t>(result);
+    Outgoing full(shared_from_this(), result == ERR_NONE ? &reply : nullptr);
+    const int error = full.Send(fd, answer);
+    if (error == ERR_NONE || error == ERR_DEAD_OBJECT || error == ERR_BUFFER_FULL) {
+        return error == ERR_NONE;
+    }
+    // The reply can't travel: the caller learns why.
+    answer.code = static_cast<uint32_t>(error);
+    return Outgoing(shared_from_this(), nullptr).Send(fd, answer) == ERR_NONE;
+}
+
+void Peer::Die()
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    dead_ = true;
+    callConnections_ -= idle_.size();
+    idle_.clear();
+    for (const int fd : busy_) {
+        shutdown(fd, SHUT_RDWR);
+    }
+    oneWay_ = {};
+    releases_.clear();
+    freed_.notify_all();
+}
+
+bool Peer::IsBeingServed()
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    return !served_.empty();
+}
+
+bool Peer::HasStopped()
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    return stopped_;
+}
+
+void Peer::StopServing()
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    stopped_ = true;
+    for (const int fd : served_) {
+        shutdown(fd, SHUT_RDWR);
+    }
+}
+
+void Peer::SendObituaries()
+{
+    std::vector<sptr<IPCObjectProxy>> alive;
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        for (const auto& [id, weak] : proxies_) {
+            if (sptr<IPCObjectProxy> proxy = weak.promote()) {
+                alive.push_back(std::move(proxy));
+            }
+        }
+    }
+    for (const auto& proxy : alive) {
+        proxy->SendObituary();
+    }
+}
+
+} // namespace OHOS::Transport

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ISERVICE_REGISTRY_H
+#define ISERVICE_REGISTRY_H
+
+#include "if_system_ability_manager.h"
+
+namespace OHOS {
+
+/** The way to the system ability manager. */
+class SystemAbilityManagerClient {
+public:
+    static SystemAbilityManagerClient& GetInstance();
+
+    /**
+     * The manager: this process's own where OHOS_BUS_ADDRESS is not set, else that of the bus. Null if the bus cannot
+     * be reached (the next call tries again) or was lost, at exit, and in a fork's child. Any thread may call it.
+     */
+    sptr<ISystemAbilityManager> GetSystemAbilityManager();
+};
+
+} // namespace OHOS
+
+#endif // ISERVICE_REGISTRY_H

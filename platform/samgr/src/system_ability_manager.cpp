@@ -1,0 +1,275 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "system_ability_manager.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+#include "bus.h"
+#include "exports.h"
+#include "notices.h"
+#include "peer.h"
+#include "process.h"
+
+namespace OHOS {
+
+using Transport::Bus;
+using Transport::Exports;
+
+namespace {
+
+constexpr int32_t LAST_SYSTEM_ABILITY_ID = 0x00ffffff;
+constexpr const char* NAME_PREFIX = "ohos.sa.SA";
+
+// The owner of every service where there is no bus.
+constexpr const char* THIS_PROCESS = "this";
+
+bool IsValid(int32_t systemAbilityId)
+{
+    return systemAbilityId >= 0 && systemAbilityId <= LAST_SYSTEM_ABILITY_ID;
+}
+
+std::string NameOf(int32_t systemAbilityId)
+{
+    return NAME_PREFIX + std::to_string(systemAbilityId);
+}
+
+// -1 for a name that is no service's.
+int32_t NumberOf(const std::string& name)
+{
+    const std::string prefix = NAME_PREFIX;
+    if (name.compare(0, prefix.size(), prefix) != 0) {
+        return -1;
+    }
+    const long number = std::strtol(name.c_str() + prefix.size(), nullptr, 10);
+    const bool isExact = number >= 0 && number <= LAST_SYSTEM_ABILITY_ID && name == prefix + std::to_string(number);
+    return isExact ? static_cast<int32_t>(number) : -1;
+}
+
+// Gives the object's last reference, if it is one, to the notice thread: a destructor there holds up nobody.
+void LetGo(sptr<IRemoteObject> object)
+{
+    if (object != nullptr) {
+        Transport::Notices::Post([released = std::move(object)] {});
+    }
+}
+
+} // namespace
+
+SystemAbilityManager& SystemAbilityManager::Get()
+{
+    static const auto& manager = *new sptr<SystemAbilityManager>(new SystemAbilityManager());
+    return *manager;
+}
+
+SystemAbilityManager::SystemAbilityManager()
+{
+    Bus::Get().SetObservers(
+        [this](const std::string& name, const std::string& from, const std::string& to) {
+            const int32_t systemAbilityId = NumberOf(name);
+            if (systemAbilityId >= 0) {
+                ChangeOwner(systemAbilityId, from, to);
+            }
+        },
+        [this] { LoseAll(); });
+}
+
+bool SystemAbilityManager::IsUsable()
+{
+    return Transport::Process::IsUsable() && (!Bus::IsConfigured() || Bus::Get().Connect());
+}
+
+sptr<IRemoteObject> SystemAbilityManager::GetSystemAbility(int32_t systemAbilityId)
+{
+    if (!IsValid(systemAbilityId) || !IsUsable()) {
+        return nullptr;
+    }
+    sptr<IRemoteObject> object = Exports::Get().FindService(systemAbilityId);
+    if (object == nullptr && Bus::IsConfigured()) {
+        const auto owner = Bus::Get().OwnerOf(NameOf(systemAbilityId));
+        if (owner != nullptr) {
+            object = owner->ProxyOf(static_cast<uint64_t>(systemAbilityId), false);
+        }
+    }
+    return object;
+}
+
+sptr<IRemoteObject> SystemAbilityManager::CheckSystemAbility(int32_t systemAbilityId)
+{
+    return GetSystemAbility(systemAbilityId);
+}
+
+int32_t SystemAbilityManager::AddSystemAbility(
+    int32_t systemAbilityId, const sptr<IRemoteObject>& ability, const SAExtraProp& /* extraProp */)
+{
+    if (!IsValid(systemAbilityId) || ability == nullptr) {
+        return ERR_INVALID_VALUE;
+    }
+    if (!IsUsable()) {
+        return ERR_DEAD_OBJECT;
+    }
+    // There to be called before anyone can know of it.
+    sptr<IRemoteObject> former = Exports::Get().AddService(systemAbilityId, ability);
+    if (!Bus::IsConfigured()) {
+        LetGo(std::move(former));
+        ChangeOwner(systemAbilityId, "", THIS_PROCESS);
+        return ERR_NONE;
+    }
+    const int error = Bus::Get().RequestName(NameOf(systemAbilityId));
+    if (error != ERR_NONE) {
+        LetGo(Exports::Get().RemoveService(systemAbilityId));
+    }
+    LetGo(std::move(former));
+    return error;
+}
+
+int32_t SystemAbilityManager::RemoveSystemAbility(int32_t systemAbilityId)
+{
+    if (Exports::Get().FindService(systemAbilityId) == nullptr) {
+        return ERR_INVALID_VALUE;
+    }
+    if (!IsUsable()) {
+        return ERR_DEAD_OBJECT;
+    }
+    const int error = Bus::IsConfigured() ? Bus::Get().ReleaseName(NameOf(systemAbilityId)) : ERR_NONE;
+    LetGo(Exports::Get().RemoveService(systemAbilityId));
+    if (!Bus::IsConfigured()) {
+        ChangeOwner(systemAbilityId, THIS_PROCESS, "");
+    }
+    return error;
+}
+
+int32_t SystemAbilityManager::SubscribeSystemAbility(
+    int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener)
+{
+    if (!IsValid(systemAbilityId) || listener == nullptr) {
+        return ERR_INVALID_VALUE;
+    }
+    if (!IsUsable()) {
+        return ERR_DEAD_OBJECT;
+    }
+    std::lock_guard<std::mutex> lock(mutex_);
+    const auto [known, isNew] = availabilities_.try_emplace(systemAbilityId);
+    Availability& availability = known->second;
+    if (std::find(availability.listeners.begin(), availability.listeners.end(), listener) !=
+        availability.listeners.end()) {
+        return ERR_NONE;
+    }
+    availability.listeners.push_back(listener);
+    if (!availability.told.empty()) {
+        Tell(systemAbilityId, listener, ISystemAbilityStatusChange::ON_ADD_SYSTEM_ABILITY);
+    } else if (isNew && Bus::IsConfigured()) {
+        Bus::Get().Post([this, systemAbilityId] {
+            Bus::Get().AskOwner(NameOf(systemAbilityId),
+                [this, systemAbilityId](const std::string& owner) { ChangeOwner(systemAbilityId, "", owner); });
+        });
+    } else if (isNew && Exports::Get().FindService(systemAbilityId) != nullptr) {
+        availability.owner = THIS_PROCESS;
+        TellChanges(systemAbilityId, availability);
+    }
+    return ERR_NONE;
+}
+
+int32_t SystemAbilityManager::UnSubscribeSystemAbility(
+    int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener)
+{
+    sptr<ISystemAbilityStatusChange> removed; // Let go of behind the lock.
+    std::lock_guard<std::mutex> lock(mutex_);
+    const auto known = availabilities_.find(systemAbilityId);
+    if (known == availabilities_.end()) {
+        return ERR_INVALID_VALUE;
+    }
+    auto& listeners = known->second.listeners;
+    const auto found = std::find(listeners.begin(), listeners.end(), listener);
+    if (found == listeners.end()) {
+        return ERR_INVALID_VALUE;
+    }
+    removed = std::move(*found);
+    listeners.erase(found);
+    return ERR_NONE;
+}
+
+sptr<IRemoteObject> SystemAbilityManager::AsObject()
+{
+    return nullptr;
+}
+
+void SystemAbilityManager::ChangeOwner(int32_t systemAbilityId, const std::string& from, const std::string& to)
+{
+    const bool mayHaveDied = !from.empty() && Bus::IsConfigured();
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        const auto known = availabilities_.find(systemAbilityId);
+        if (known == availabilities_.end()) {
+            return;
+        }
+        known->second.owner = to;
+        known->second.leaving += mayHaveDied ? 1 : 0;
+        TellChanges(systemAbilityId, known->second);
+    }
+    if (!mayHaveDied) {
+        return;
+    }
+    // No event of a service that died may come behind the news of its removal.
+    Bus::Get().AfterLastWords(from, [this, systemAbilityId] {
+        std::lock_guard<std::mutex> lock(mutex_);
+        Availability& availability = availabilities_.at(systemAbilityId);
+        --availability.leaving;
+        TellChanges(systemAbilityId, availability);
+    });
+}
+
+void SystemAbilityManager::LoseAll()
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    for (auto& [systemAbilityId, availability] : availabilities_) {
+        availability.owner.clear();
+        TellChanges(systemAbilityId, availability);
+    }
+}
+
+void SystemAbilityManager::TellChanges(int32_t systemAbilityId, Availability& availability)
+{
+    if (availability.leaving > 0 || availability.told == availability.owner) {
+        return;
+    }
+    const auto tellAll = [&](uint32_t code) {
+        for (const auto& listener : availability.listeners) {
+            Tell(systemAbilityId, listener, code);
+        }
+    };
+    if (!availability.told.empty()) {
+        tellAll(ISystemAbilityStatusChange::ON_REMOVE_SYSTEM_ABILITY);
+    }
+    if (!availability.owner.empty()) {
+        tellAll(ISystemAbilityStatusChange::ON_ADD_SYSTEM_ABILITY);
+    }
+    availability.told = availability.owner;
+}
+
+void SystemAbilityManager::Tell(
+    int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener, uint32_t code)
+{
+    Transport::Notices::Post([this, systemAbilityId, listener, code] {
+        const sptr<IRemoteObject> object = listener->AsObject();
+        if (object == nullptr || !IsSubscribed(systemAbilityId, listener)) {
+            return;
+        }
+        MessageParcel data;
+        MessageParcel reply;
+        MessageOption option;
+        data.WriteInterfaceToken(ISystemAbilityStatusChange::GetDescriptor());
+        data.WriteInt32(systemAbilityId);
+        data.WriteString("");
+        object->SendRequest(code, data, reply, option);
+    });
+}
+
+bool SystemAbilityManager::IsSubscribed(int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener)
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    const auto& listeners = availabilities_.at(systemAbilityId).listeners;
+    return std::find(listeners.begin(), listeners.end(), listener) != listeners.end();
+}
+
+} // namespace OHOS
