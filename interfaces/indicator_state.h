@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef INDICATOR_STATE_H
+#define INDICATOR_STATE_H
+
+#include <cstdint>
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
+
+/** Whether an indicator is shown. Other values may come from the service, and are carried unchanged. */
+enum class IndicatorState : int32_t { ON, OFF };
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator
+
+#endif // INDICATOR_STATE_H

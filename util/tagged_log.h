@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef TAGGED_LOG_H
+#define TAGGED_LOG_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "hilog/log.h"
+#include "ost_log.h"
+
+namespace OHOS::Korvane::Quenlar::Util {
+
+/**
+ * Prints "[component][module]function: message". `function` is the name that the line shows, which is not always that
+ * of the function that runs. `args` belong to the message's own placeholders. Allocates nothing: a line may tell of
+ * memory that has run out.
+ */
+template <size_t SIZE, typename... Args>
+void LogLine(LogLevel level, const OstLog::Tag& tag, const char* function, const char (&message)[SIZE], Args... args)
+{
+    constexpr char PREFIX[] = "[%{public}s][%{public}s]%{public}s: ";
+    constexpr size_t PREFIX_LENGTH = sizeof(PREFIX) - 1;
+    char format[PREFIX_LENGTH + SIZE];
+    std::memcpy(format, PREFIX, PREFIX_LENGTH);
+    std::memcpy(format + PREFIX_LENGTH, message, SIZE);
+    HiLogPrint(static_cast<LogType>(static_cast<uint8_t>(tag.GetLogType())), level, tag.GetDomain(),
+        tag.GetSubSystemTag().c_str(), format, tag.GetComponentTag().c_str(), tag.GetModuleTag().c_str(), function,
+        args...);
+}
+
+template <size_t SIZE, typename... Args>
+void LogDebug(const OstLog::Tag& tag, const char* function, const char (&message)[SIZE], Args... args)
+{
+    LogLine(LOG_DEBUG, tag, function, message, args...);
+}
+
+template <size_t SIZE, typename... Args>
+void LogInfo(const OstLog::Tag& tag, const char* function, const char (&message)[SIZE], Args... args)
+{
+    LogLine(LOG_INFO, tag, function, message, args...);
+}
+
+template <size_t SIZE, typename... Args>
+void LogWarn(const OstLog::Tag& tag, const char* function, const char (&message)[SIZE], Args... args)
+{
+    LogLine(LOG_WARN, tag, function, message, args...);
+}
+
+template <size_t SIZE, typename... Args>
+void LogError(const OstLog::Tag& tag, const char* function, const char (&message)[SIZE], Args... args)
+{
+    LogLine(LOG_ERROR, tag, function, message, args...);
+}
+
+} // namespace OHOS::Korvane::Quenlar::Util
+
+#endif // TAGGED_LOG_H
