@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef INDICATOR_SWITCH_LISTENER_STUB_IMPL_H
+#define INDICATOR_SWITCH_LISTENER_STUB_IMPL_H
+
+#include <functional>
+
+#include "indicator_switch_listener_stub.h"
+#include "privacy_indicator_export.h"
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
+
+/** A switch listener that calls a function. It lives as long as the caller or the service holds it. */
+class PRIVACY_INDICATOR_EXPORT IndicatorSwitchListenerStubImpl : public IndicatorSwitchListenerStub {
+public:
+    using Callback = std::function<void(const IndicatorData&)>;
+
+    /** `onSwitchChanged` may be empty: events are then dropped. */
+    explicit IndicatorSwitchListenerStubImpl(Callback onSwitchChanged);
+    ~IndicatorSwitchListenerStubImpl() override = default;
+
+    /** Calls the function, on the thread of the event and without a lock. What the function throws is not caught. */
+    void OnSwitchChanged(const IndicatorData& indicatorData) override;
+
+private:
+    const Callback callback;
+};
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator
+
+#endif // INDICATOR_SWITCH_LISTENER_STUB_IMPL_H

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef PRIVACY_EVENT_LISTENER_STUB_IMPL_H
+#define PRIVACY_EVENT_LISTENER_STUB_IMPL_H
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "privacy_event_listener_stub.h"
+#include "privacy_indicator_export.h"
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
+
+/** A privacy event listener that calls a function. It lives as long as the caller or the service holds it. */
+class PRIVACY_INDICATOR_EXPORT PrivacyEventListenerStubImpl : public PrivacyEventListenerStub {
+public:
+    using Callback = std::function<void(const std::string&, const std::vector<PrivacyEventRemindInfo>&)>;
+
+    /** `onPrivacyEventChanged` may be empty: events are then dropped. */
+    explicit PrivacyEventListenerStubImpl(Callback onPrivacyEventChanged);
+    ~PrivacyEventListenerStubImpl() override = default;
+
+    /**
+     * Calls the function, on the thread of the event and without a lock; the service waits for it to return. What the
+     * function throws is not caught.
+     */
+    void OnPrivacyEventChanged(
+        const std::string& dataType, const std::vector<PrivacyEventRemindInfo>& privacyEventRemindInfos) override;
+
+private:
+    const Callback callback;
+};
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy
+
+#endif // PRIVACY_EVENT_LISTENER_STUB_IMPL_H

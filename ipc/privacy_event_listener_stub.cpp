@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "privacy_event_listener_stub.h"
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "message_parcel.h"
+#include "tagged_log.h"
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
+
+namespace {
+
+using Util::LogDebug;
+using Util::LogError;
+using Util::OstLog::Tag;
+
+const Tag TAG = Tag::Create("PrivacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
+
+constexpr int32_t TOKEN_MISMATCH = 1;
+constexpr int32_t INVALID_SIZE = 22;
+
+} // namespace
+
+int32_t PrivacyEventListenerStub::OnRemoteRequest(
+    uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option)
+{
+    if (data.ReadInterfaceToken() != GetDescriptor()) {
+        return TOKEN_MISMATCH;
+    }
+    if (code != ON_PRIVACY_EVENT_CHANGED) {
+        return IPCObjectStub::OnRemoteRequest(code, data, reply, option);
+    }
+    const std::string dataType = data.ReadString();
+    const int32_t count = data.ReadInt32();
+    if (count < 1 || count > maxRemindInfoSize) {
+        LogError(TAG, "OnRemoteRequest", "error privacyEventRemindInfo size!");
+        return INVALID_SIZE;
+    }
+    // No memory is reserved for a count that the request may not hold.
+    std::vector<PrivacyEventRemindInfo> infos;
+    for (int32_t i = 0; i < count; ++i) {
+        const std::unique_ptr<PrivacyEventRemindInfo> info(data.ReadParcelable<PrivacyEventRemindInfo>());
+        if (info == nullptr) {
+            LogDebug(TAG, "OnRemoteRequest", "privacyEventRemindInfo is null");
+            continue;
+        }
+        infos.push_back(std::move(*info));
+    }
+    OnPrivacyEventChanged(dataType, infos);
+    return 0;
+}
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy
