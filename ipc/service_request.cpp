@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "service_request.h"
+
+#include "hilog/log.h"
+#include "string_ex.h"
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
+
+int32_t ServiceRequest::ReadInt32()
+{
+    return IsGood() ? data_.ReadInt32() : 0;
+}
+
+std::string ServiceRequest::ReadString()
+{
+    return IsGood() ? Str16ToStr8(data_.ReadString16()) : std::string();
+}
+
+int32_t ServiceRequest::WriteResult(int32_t result)
+{
+    return reply_.WriteInt32(result) ? PrivacyIndicatorServiceIntf::SUCCESS
+                                     : Fail(PrivacyIndicatorServiceIntf::INVALID_VALUE, "Write Int32 failed!");
+}
+
+int32_t ServiceRequest::Fail(int32_t error, const char* message)
+{
+    if (IsGood()) {
+        HiviewDFX::HiLog::Error(PrivacyIndicatorServiceIntf::LABEL, message);
+        error_ = error;
+    }
+    return error_;
+}
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator
