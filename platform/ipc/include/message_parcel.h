@@ -45,6 +45,7 @@ public:
 private:
     friend class Transport::Incoming;
     friend class Transport::Outgoing;
+    friend class Transport::Peer;
 
     struct Entry {
         size_t position;

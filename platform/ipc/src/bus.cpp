@@ -26,6 +26,7 @@ constexpr const char* PEER_PATH = "/ohos/ipc";
 constexpr const char* PEER_INTERFACE = "ohos.ipc.Peer";
 
 constexpr std::chrono::seconds DAEMON_PATIENCE{8};
+constexpr std::chrono::seconds MORE_PATIENCE{1};
 constexpr std::chrono::seconds LAST_WORDS_PATIENCE{2};
 constexpr std::chrono::milliseconds BLOCKED_RETRY{500};
 
@@ -77,22 +78,14 @@ std::string ReadName(sd_bus_message* reply)
     return IsAnswer(reply) && sd_bus_message_read(reply, "s", &name) > 0 ? name : "";
 }
 
+// Of a call that is given longer than anyone waits for it: if nobody answers before that, there is nobody.
 int ErrorOf(sd_bus_message* reply)
 {
-    if (reply == nullptr) {
-        return ERR_DEAD_OBJECT;
+    bool isGone = reply == nullptr;
+    for (const char* error : {SD_BUS_ERROR_NO_REPLY, SD_BUS_ERROR_SERVICE_UNKNOWN, SD_BUS_ERROR_NAME_HAS_NO_OWNER}) {
+        isGone = isGone || sd_bus_message_is_method_error(reply, error) > 0;
     }
-    for (const char* timedOut : {SD_BUS_ERROR_NO_REPLY, SD_BUS_ERROR_TIMEOUT, "System.Error.ETIMEDOUT"}) {
-        if (sd_bus_message_is_method_error(reply, timedOut) > 0) {
-            return ERR_TIMED_OUT;
-        }
-    }
-    for (const char* gone : {SD_BUS_ERROR_SERVICE_UNKNOWN, SD_BUS_ERROR_NAME_HAS_NO_OWNER, SD_BUS_ERROR_DISCONNECTED}) {
-        if (sd_bus_message_is_method_error(reply, gone) > 0) {
-            return ERR_DEAD_OBJECT;
-        }
-    }
-    return ERR_REFUSED;
+    return isGone ? ERR_DEAD_OBJECT : ERR_REFUSED;
 }
 
 bool ReadCredentials(sd_bus_message* reply, Peer::Credentials& credentials)
@@ -216,7 +209,7 @@ bool Bus::Open()
 
 void Bus::Close()
 {
-    Descriptor::Disown(busFd_);
+    Descriptor::Disown(std::exchange(busFd_, -1));
     bus_ = sd_bus_close_unref(bus_);
 }
 
@@ -259,13 +252,11 @@ bool Bus::ProcessOne()
     int done = 0;
     {
         std::lock_guard<std::mutex> gate(Descriptor::ForkGate());
-        if (connectsOut_ > 0) {
-            spare_ = {};
-        }
-        done = sd_bus_process(bus_, nullptr); // One message at most is read, with one descriptor at most.
-        if (!spare_) {
-            spare_ = Descriptor::Copy(wake_.Get());
-        }
+        // At most one message is read, with at most one descriptor: for which there must be room even when nobody waits
+        // for it any more, or the stream would break.
+        spare_ = {};
+        done = sd_bus_process(bus_, nullptr);
+        spare_ = Descriptor::Copy(wake_.Get());
     }
     if (done < 0 && done != -EINTR && done != -EAGAIN) {
         Lose();
@@ -362,7 +353,7 @@ void Bus::CallDaemon(const char* member, const std::string& name, const uint32_t
             sd_bus_message_append(call, "u", *flags);
         }
     }
-    Call(call, DAEMON_PATIENCE, std::move(done));
+    Call(call, DAEMON_PATIENCE + MORE_PATIENCE, std::move(done));
 }
 
 int Bus::AskForName(const char* member, const std::string& name, const uint32_t* flags)
@@ -444,10 +435,8 @@ Descriptor Bus::OpenConnection(const std::string& peer, Clock::time_point deadli
         if (bus_ != nullptr) {
             sd_bus_message_new_method_call(bus_, &call, peer.c_str(), PEER_PATH, PEER_INTERFACE, "Connect");
         }
-        ++connectsOut_;
-        const auto patience = std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now());
-        Call(call, patience, [this, place, answer](sd_bus_message* reply) {
-            --connectsOut_;
+        const auto patience = std::chrono::ceil<std::chrono::microseconds>(deadline - Clock::now()) + MORE_PATIENCE;
+        Call(call, patience, [place, answer](sd_bus_message* reply) {
             const int fd = SocketIn(reply);
             if (fd >= 0 && place->Become(fd)) {
                 answer->Set({std::move(*place), ERR_NONE});

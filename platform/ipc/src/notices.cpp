@@ -30,21 +30,16 @@ void Run()
 {
     Queue& queue = GetQueue();
     for (;;) {
-        std::function<void()> notice;
-        {
-            std::unique_lock<std::mutex> lock(queue.mutex);
-            queue.filled.wait(lock, [&queue] { return !queue.notices.empty(); });
-            notice = std::move(queue.notices.front());
-            queue.notices.pop_front();
-        }
+        std::unique_lock<std::mutex> lock(queue.mutex);
+        queue.filled.wait(lock, [&queue] { return !queue.notices.empty(); });
         const Process::Activity activity;
         if (!activity) {
-            // At exit neither the notice nor what it holds may run any code: both are left to the process's end.
-            static_cast<void>(new std::function<void()>(std::move(notice)));
-            return;
+            return; // At exit no notice runs; what they hold is left to the process's end.
         }
+        const std::function<void()> notice = std::move(queue.notices.front());
+        queue.notices.pop_front();
+        lock.unlock();
         notice();
-        notice = nullptr;
     }
 }
 

@@ -178,31 +178,43 @@ void Peer::GiveBack(Descriptor connection, bool isUsable)
 
 int Peer::AwaitReply(int fd, MessageParcel& reply, Clock::time_point deadline, bool& isUsable)
 {
-    isUsable = false;
-    if (!WaitToRead(fd, deadline)) {
-        return ERR_TIMED_OUT;
+    isUsable = WaitToRead(fd, deadline);
+    if (!isUsable) {
+        // A reply that came just now is taken, with its objects; for any other the connection is closed.
+        shutdown(fd, SHUT_RD);
     }
     Incoming message;
-    if (!message.Await(fd) || !message.Receive(fd, reply) || message.GetHeader().kind != Header::REPLY ||
-        !message.Resolve(shared_from_this(), reply)) {
-        return HasEnded(fd) ? ERR_DEAD_OBJECT : ERR_BAD_MESSAGE;
+    if (message.Await(fd) && message.Receive(fd, reply) && message.GetHeader().kind == Header::REPLY &&
+        message.Resolve(shared_from_this(), reply)) {
+        return static_cast<int32_t>(message.GetHeader().code);
     }
-    isUsable = true;
-    return static_cast<int32_t>(message.GetHeader().code);
+    const int error = !isUsable ? ERR_TIMED_OUT : HasEnded(fd) ? ERR_DEAD_OBJECT : ERR_BAD_MESSAGE;
+    isUsable = false;
+    return error;
 }
 
 int Peer::CallOneWay(Outgoing& message, const Header& header, Clock::time_point deadline)
 {
     std::unique_lock<std::mutex> lock(mutex_);
-    if (!oneWay_) {
+    // One thread connects for all: the peer grants just one connection besides those for calls.
+    while (!oneWay_ && !dead_) {
+        if (isConnecting_) {
+            if (connected_.wait_until(lock, deadline) == std::cv_status::timeout) {
+                return ERR_TIMED_OUT;
+            }
+            continue;
+        }
+        isConnecting_ = true;
         lock.unlock();
         int error = ERR_NONE;
         Descriptor connection = Bus::Get().OpenConnection(name_, deadline, error);
+        lock.lock();
+        isConnecting_ = false;
+        connected_.notify_all();
         if (!connection) {
             return error;
         }
-        lock.lock();
-        if (!oneWay_) { // Else another thread was faster, and its calls go first.
+        if (!dead_) {
             oneWay_ = std::move(connection);
         }
     }
@@ -343,6 +355,7 @@ bool Peer::ServeCall(int fd, const Incoming& call, MessageParcel& data)
     const Header& header = call.GetHeader();
     const sptr<IRemoteObject> target = Exports::Get().Find(*this, header.objectId);
     MessageParcel reply;
+    reply.peer_ = shared_from_this();
     MessageOption option(static_cast<int>(header.flags));
     const int result = target != nullptr ? target->SendRequest(header.code, data, reply, option) : ERR_REFUSED;
     if (header.flags == MessageOption::TF_ASYNC) {
@@ -373,6 +386,7 @@ void Peer::Die()
     oneWay_ = {};
     releases_.clear();
     freed_.notify_all();
+    connected_.notify_all();
 }
 
 bool Peer::IsBeingServed()

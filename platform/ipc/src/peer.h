@@ -157,6 +157,8 @@ private:
     size_t callConnections_ = 0; // Idle, busy and being made.
     std::condition_variable freed_;
     Descriptor oneWay_;
+    bool isConnecting_ = false; // The one-way connection is being made.
+    std::condition_variable connected_;
     Releases releases_; // Yet to be sent.
 
     std::set<int> served_;

@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "bus_test.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <pwd.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <utility>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// For what takes milliseconds: enough for a sanitizer's build on a busy machine.
+constexpr std::chrono::seconds PATIENCE{20};
+
+bool AwaitInput(int fd, Clock::time_point deadline)
+{
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+    pollfd wait{fd, POLLIN, 0};
+    return poll(&wait, 1, static_cast<int>(std::max<int64_t>(left, 0))) > 0;
+}
+
+std::string Replace(std::string text, const std::string& what, const std::string& with)
+{
+    return text.replace(text.find(what), what.size(), with);
+}
+
+} // namespace
+
+Helper::Helper(const std::vector<std::string>& command, const std::string& busAddress)
+{
+    int ends[2];
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
+        std::abort();
+    }
+    std::vector<char*> arguments;
+    for (const std::string& argument : command) {
+        arguments.push_back(const_cast<char*>(argument.c_str()));
+    }
+    arguments.push_back(nullptr);
+    pid_ = fork();
+    if (pid_ == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        dup2(ends[1], STDIN_FILENO);
+        dup2(ends[1], STDOUT_FILENO);
+        setenv("HILOG_LEVEL", "OFF", 1);
+        unsetenv("OHOS_BUS_ADDRESS");
+        if (!busAddress.empty()) {
+            setenv("OHOS_BUS_ADDRESS", busAddress.c_str(), 1);
+        }
+        execvp(arguments[0], arguments.data());
+        _exit(127);
+    }
+    line_ = ends[0];
+    close(ends[1]);
+}
+
+Helper::~Helper()
+{
+    if (pid_ >= 0) {
+        Kill();
+    }
+    close(line_);
+}
+
+std::string Helper::Ask(const std::string& command)
+{
+    const std::string text = command + "\n";
+    EXPECT_EQ(send(line_, text.data(), text.size(), MSG_NOSIGNAL), static_cast<ssize_t>(text.size())) << command;
+    std::string line;
+    while (!(line = ReadLine()).empty() && line[0] == '!') {
+        events_.push_back(line.substr(2));
+    }
+    return line.substr(std::min<size_t>(line.size(), 2));
+}
+
+void Helper::AskUntil(const std::string& answer, const std::string& command)
+{
+    const auto deadline = Clock::now() + PATIENCE;
+    for (std::string last; (last = Ask(command)) != answer;) {
+        ASSERT_LT(Clock::now(), deadline) << command << ": " << last;
+    }
+}
+
+std::string Helper::Event()
+{
+    if (events_.empty()) {
+        const std::string line = ReadLine();
+        return line.substr(std::min<size_t>(line.size(), 2));
+    }
+    const std::string event = events_.front();
+    events_.pop_front();
+    return event;
+}
+
+std::string Helper::Events(size_t count)
+{
+    std::vector<std::string> events;
+    std::generate_n(std::back_inserter(events), count, [this] { return Event(); });
+    std::sort(events.begin(), events.end());
+    std::string all;
+    for (const std::string& event : events) {
+        all += (all.empty() ? "" : ", ") + event;
+    }
+    return all;
+}
+
+std::string Helper::ReadLine()
+{
+    const auto deadline = Clock::now() + PATIENCE;
+    size_t end = 0;
+    while ((end = unread_.find('\n')) == std::string::npos) {
+        char bytes[4096];
+        const ssize_t size = AwaitInput(line_, deadline) ? read(line_, bytes, sizeof(bytes)) : -1;
+        if (size <= 0) {
+            ADD_FAILURE() << "process " << pid_ << (size < 0 ? " keeps silent" : " has ended");
+            return "";
+        }
+        unread_.append(bytes, static_cast<size_t>(size));
+    }
+    const std::string line = unread_.substr(0, end);
+    unread_.erase(0, end + 1);
+    return line;
+}
+
+void Helper::Signal(int signal) const
+{
+    kill(pid_, signal);
+}
+
+void Helper::Kill()
+{
+    Signal(SIGKILL);
+    EXPECT_EQ(AwaitEnd(), -1);
+}
+
+void Helper::EndInput() const
+{
+    shutdown(line_, SHUT_WR);
+}
+
+int Helper::AwaitEnd()
+{
+    const int end = static_cast<int>(syscall(SYS_pidfd_open, pid_, 0));
+    if (!AwaitInput(end, Clock::now() + PATIENCE)) {
+        ADD_FAILURE() << "process " << pid_ << " does not end";
+        Signal(SIGKILL);
+    }
+    close(end);
+    int status = 0;
+    waitpid(std::exchange(pid_, -1), &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+BusTest::BusTest()
+{
+    char folder[] = "/tmp/ohos_bus_test.XXXXXX";
+    folder_ = mkdtemp(folder);
+    std::ifstream file(BUS_CONFIGURATION);
+    std::string configuration{std::istreambuf_iterator<char>(file), {}};
+    configuration = Replace(configuration, "@SERVICE_USER@", getpwuid(getuid())->pw_name);
+    std::ofstream(folder_ + "/bus.conf") << Replace(configuration, "@FOLDER@", folder_);
+    const std::string command = "exec dbus-daemon --nofork --nopidfile --print-address=1 2>/dev/null --config-file=";
+    daemon_ = std::make_unique<Helper>(std::vector<std::string>{"sh", "-c", command + folder_ + "/bus.conf"}, "");
+    busAddress_ = daemon_->ReadLine();
+}
+
+BusTest::~BusTest()
+{
+    for (const Helper& helper : helpers_) {
+        helper.EndInput();
+    }
+    for (Helper& helper : helpers_) {
+        EXPECT_TRUE(helper.Pid() < 0 || helper.AwaitEnd() == 0) << "A helper did not end well.";
+    }
+    daemon_ = nullptr;
+    std::filesystem::remove_all(folder_);
+}
+
+Helper& BusTest::Start(std::initializer_list<std::string> commands, const std::string& program)
+{
+    const std::vector<std::string> command{std::string(PROCESSES_DIR) + "/" + program};
+    Helper& helper = helpers_.emplace_back(command, busAddress_);
+    for (const std::string& first : commands) {
+        EXPECT_EQ(helper.Ask(first), "0") << first;
+    }
+    return helper;
+}

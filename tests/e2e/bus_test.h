@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef BUS_TEST_H
+#define BUS_TEST_H
+
+#include <gtest/gtest.h>
+#include <sys/types.h>
+
+#include <deque>
+#include <initializer_list>
+#include <list>
+#include <memory>
+#include <string>
+#include <vector>
+
+/** A process that a test gives commands and hears events from (see command_loop.h). It ends with this object. */
+class Helper {
+public:
+    /** `busAddress` becomes its OHOS_BUS_ADDRESS; there is none where it is empty. */
+    Helper(const std::vector<std::string>& command, const std::string& busAddress);
+    Helper(const Helper&) = delete;
+    Helper& operator=(const Helper&) = delete;
+    ~Helper();
+
+    /** The answer to a command. */
+    std::string Ask(const std::string& command);
+
+    /** Asks until the answer is `answer`. */
+    void AskUntil(const std::string& answer, const std::string& command);
+
+    /** The next event. */
+    std::string Event();
+
+    /** The next `count` events, sorted, with ", " between them. */
+    std::string Events(size_t count);
+
+    /** Its next line; empty, and a failed test, if none comes. */
+    std::string ReadLine();
+
+    void Signal(int signal) const;
+    void Kill();
+
+    /** Ends its input, at which it ends by itself. */
+    void EndInput() const;
+
+    /** Waits for its end. Its exit code, or -1 for a signal. */
+    int AwaitEnd();
+
+    pid_t Pid() const
+    {
+        return pid_;
+    }
+
+private:
+    pid_t pid_ = -1; // -1 once it has ended.
+    int line_ = -1;  // To its standard input and output.
+    std::string unread_;
+    std::deque<std::string> events_;
+};
+
+/** A test with a bus daemon, and a folder, of its own. The helpers that run to its end must end well. */
+class BusTest : public testing::Test {
+protected:
+    BusTest();
+    ~BusTest() override;
+
+    /** Starts a helper, and has it run some commands, all of which must answer "0". */
+    Helper& Start(std::initializer_list<std::string> commands = {}, const std::string& program = "peer_process");
+
+    std::string busAddress_; // For the helpers that are yet to be started.
+    std::unique_ptr<Helper> daemon_;
+
+private:
+    std::string folder_;
+    std::list<Helper> helpers_;
+};
+
+#endif // BUS_TEST_H

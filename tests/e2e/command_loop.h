@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef COMMAND_LOOP_H
+#define COMMAND_LOOP_H
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <functional>
+#include <iostream>
+#include <iterator>
+#include <map>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+/** A command and its arguments; missing ones are empty. */
+using Words = std::vector<std::string>;
+
+/** What a helper process does at a command. Returns the answer. */
+using Command = std::function<std::string(const Words& words)>;
+
+/** Prints `! EVENT`. A line is one write, whatever other threads, or the child of a fork, have to say. */
+inline void Tell(const std::string& event, const char* mark = "! ")
+{
+    const std::string line = mark + event + "\n";
+    if (write(STDOUT_FILENO, line.data(), line.size()) != static_cast<ssize_t>(line.size())) {
+        _exit(1); // Nobody listens any more.
+    }
+}
+
+/**
+ * Serves commands, a line each, until the end of standard input, and answers each with `= ANSWER`. With `background`
+ * before it, a command runs on a thread of its own and tells `done ANSWER` in the end.
+ */
+inline void ServeCommands(const std::map<std::string, Command>& commands)
+{
+    std::vector<std::thread> threads;
+    for (std::string line; std::getline(std::cin, line);) {
+        std::istringstream stream(line);
+        Words words{std::istream_iterator<std::string>(stream), {}};
+        const bool isBackground = words.at(0) == "background";
+        words.erase(words.begin(), words.begin() + (isBackground ? 1 : 0));
+        words.resize(std::max<size_t>(words.size(), 5));
+        const Command& command = commands.at(words[0]);
+        if (isBackground) {
+            threads.emplace_back([&command, words] { Tell("done " + command(words)); });
+        }
+        Tell(isBackground ? "0" : command(words), "= ");
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+#endif // COMMAND_LOOP_H
