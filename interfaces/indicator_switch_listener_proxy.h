@@ -11,7 +11,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 /**
  * A switch listener in another process. Registered with the broker when the library is loaded:
  * iface_cast<IndicatorSwitchListenerIntf> of a listener's remote object makes one. Any number of threads may call it at
- * once. Keeps the remote object as long as it lives itself.
+ * once. Keeps the remote object as long as it lives itself. Logs its own creation and end.
  */
 class PRIVACY_INDICATOR_EXPORT IndicatorSwitchListenerProxy : public IRemoteProxy<IndicatorSwitchListenerIntf> {
 public:

@@ -12,7 +12,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 
 /**
  * Decodes the events that the service sends and hands them to OnSwitchChanged, on the platform's threads and without a
- * lock.
+ * lock. Logs its own creation and end.
  */
 class PRIVACY_INDICATOR_EXPORT IndicatorSwitchListenerStub : public IRemoteStub<IndicatorSwitchListenerIntf> {
 public:

@@ -12,7 +12,8 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Record {
 
 /**
  * How long one application used one permission group, and when last. A value: copied member by member, without locks;
- * nothing in it is range-checked. Throws nothing of its own. A getter's reference stays valid as long as the record.
+ * nothing in it is range-checked. Throws nothing of its own. Setters copy; a getter's reference stays valid as long as
+ * the record.
  */
 class PRIVACY_INDICATOR_EXPORT PermissionUsageDuration : public Parcelable {
 public:

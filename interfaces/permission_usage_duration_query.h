@@ -14,7 +14,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Record {
 /**
  * Whose usage durations are asked for: applications, permission groups and a time range. A value: copied member by
  * member, without locks. A list may have any length here, but at most 999 entries in a parcel. Throws nothing of its
- * own. A getter's reference stays valid as long as the record.
+ * own. Setters copy; a getter's reference stays valid as long as the record.
  */
 class PRIVACY_INDICATOR_EXPORT PermissionUsageDurationQuery : public Parcelable {
 public:

@@ -40,7 +40,7 @@ public:
     template <typename Listener>
     sptr<Listener> ReadListener(const char* failure)
     {
-        const sptr<Listener> listener = IsGood() ? iface_cast<Listener>(data_.ReadRemoteObject()) : nullptr;
+        sptr<Listener> listener = IsGood() ? iface_cast<Listener>(data_.ReadRemoteObject()) : nullptr;
         if (listener == nullptr) {
             Fail(PrivacyIndicatorServiceIntf::INVALID_DATA, failure);
         }

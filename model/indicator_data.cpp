@@ -4,6 +4,7 @@
 #include <memory>
 #include <tuple>
 
+#include "format_utils.h"
 #include "new_record.h"
 #include "parcel_fields.h"
 
@@ -11,6 +12,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 
 namespace {
 
+using Util::FormatUtils;
 using Util::OstLog::Tag;
 
 const Tag TAG = Tag::Create("PrivacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
@@ -39,11 +41,9 @@ IndicatorData* IndicatorData::Unmarshalling(Parcel& parcel)
 std::string IndicatorData::ToString() const
 {
     // It begins with "Indicator", not with the class's name: meant.
-    return "Indicator{privacySensorType=" + std::to_string(static_cast<int32_t>(privacySensorType)) +
-           ", state=" + std::to_string(static_cast<int32_t>(state)) + ", positionX=" + std::to_string(positionX) +
-           ", positionY=" + std::to_string(positionY) + ", width=" + std::to_string(width) +
-           ", height=" + std::to_string(height) + ", color='" + color +
-           "', animationType=" + std::to_string(animationType) + "}";
+    return FormatUtils::Concat("Indicator{privacySensorType=", privacySensorType, ", state=", state,
+        ", positionX=", positionX, ", positionY=", positionY, ", width=", width, ", height=", height, ", color='",
+        color, "', animationType=", animationType, "}");
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator

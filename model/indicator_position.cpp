@@ -4,6 +4,7 @@
 #include <memory>
 #include <tuple>
 
+#include "format_utils.h"
 #include "new_record.h"
 #include "parcel_fields.h"
 
@@ -11,6 +12,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 
 namespace {
 
+using Util::FormatUtils;
 using Util::OstLog::Tag;
 
 const Tag TAG = Tag::Create("PrivacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
@@ -36,9 +38,8 @@ IndicatorPosition* IndicatorPosition::Unmarshalling(Parcel& parcel)
 
 std::string IndicatorPosition::ToString() const
 {
-    return "IndicatorPosition{positionX=" + std::to_string(positionX) + ", positionY=" + std::to_string(positionY) +
-           ", screenWidth=" + std::to_string(screenWidth) + ", screenHeight=" + std::to_string(screenHeight) +
-           ", screenRotation=" + std::to_string(screenRotation) + "}";
+    return FormatUtils::Concat("IndicatorPosition{positionX=", positionX, ", positionY=", positionY,
+        ", screenWidth=", screenWidth, ", screenHeight=", screenHeight, ", screenRotation=", screenRotation, "}");
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator

@@ -4,6 +4,7 @@
 #include <memory>
 #include <tuple>
 
+#include "format_utils.h"
 #include "new_record.h"
 #include "parcel_fields.h"
 
@@ -11,6 +12,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 
 namespace {
 
+using Util::FormatUtils;
 using Util::OstLog::Tag;
 
 const Tag TAG = Tag::Create("PrivacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
@@ -36,7 +38,7 @@ IndicatorSize* IndicatorSize::Unmarshalling(Parcel& parcel)
 
 std::string IndicatorSize::ToString() const
 {
-    return "IndicatorSize{width=" + std::to_string(width) + ", height=" + std::to_string(height) + "}";
+    return FormatUtils::Concat("IndicatorSize{width=", width, ", height=", height, "}");
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator

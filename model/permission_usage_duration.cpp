@@ -5,9 +5,16 @@
 #include <new>
 #include <tuple>
 
+#include "format_utils.h"
 #include "parcel_fields.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Record {
+
+namespace {
+
+using Util::FormatUtils;
+
+} // namespace
 
 template <typename Self>
 auto PermissionUsageDuration::Fields(Self& self)
@@ -30,10 +37,9 @@ PermissionUsageDuration* PermissionUsageDuration::Unmarshalling(Parcel& parcel)
 std::string PermissionUsageDuration::ToString() const
 {
     // The duration comes before the group here, unlike in a parcel, and "uid" has no underscore: meant.
-    return "PermissionUsageDuration{bundleName_='" + bundleName_ + "', uid=" + std::to_string(uid) +
-           ", usageDuration_=" + std::to_string(usageDuration_) + ", permissionGroup_='" + permissionGroup_ +
-           "', lastBeginTimestamp_=" + std::to_string(lastBeginTimestamp_) +
-           ", lastEndTimestamp_=" + std::to_string(lastEndTimestamp_) + "}";
+    return FormatUtils::Concat("PermissionUsageDuration{bundleName_='", bundleName_, "', uid=", uid,
+        ", usageDuration_=", usageDuration_, ", permissionGroup_='", permissionGroup_,
+        "', lastBeginTimestamp_=", lastBeginTimestamp_, ", lastEndTimestamp_=", lastEndTimestamp_, "}");
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Record

@@ -10,6 +10,12 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Record {
 
+namespace {
+
+using Util::FormatUtils;
+
+} // namespace
+
 template <typename Self>
 auto PermissionUsageDurationQuery::Fields(Self& self)
 {
@@ -35,10 +41,9 @@ PermissionUsageDurationQuery* PermissionUsageDurationQuery::UnmarshallingInner(
 
 std::string PermissionUsageDurationQuery::ToString() const
 {
-    return "PermissionUsageDurationQuery{bundleNames=" + Util::FormatUtils::ToString(bundleNames) +
-           ", permissionGroups=" + Util::FormatUtils::ToString(permissionGroups) +
-           ", beginTimestamp=" + std::to_string(beginTimestamp) + ", endTimestamp=" + std::to_string(endTimestamp) +
-           "}";
+    return FormatUtils::Concat("PermissionUsageDurationQuery{bundleNames=", FormatUtils::ToString(bundleNames),
+        ", permissionGroups=", FormatUtils::ToString(permissionGroups), ", beginTimestamp=", beginTimestamp,
+        ", endTimestamp=", endTimestamp, "}");
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Record

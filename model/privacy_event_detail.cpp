@@ -4,6 +4,7 @@
 #include <memory>
 #include <tuple>
 
+#include "format_utils.h"
 #include "new_record.h"
 #include "parcel_fields.h"
 
@@ -11,6 +12,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 
 namespace {
 
+using Util::FormatUtils;
 using Util::OstLog::Tag;
 
 const Tag TAG = Tag::Create("privacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
@@ -38,13 +40,10 @@ PrivacyEventDetail* PrivacyEventDetail::Unmarshalling(Parcel& parcel)
 std::string PrivacyEventDetail::ToString() const
 {
     // The brace that nothing opens, and the flags without a label, are meant.
-    return "PrivacyEventDetail='" + bundleName + "', uid=" + std::to_string(uid) +
-           ", privacySensorType=" + std::to_string(privacySensorType) +
-           ", startTimestamp=" + std::to_string(startTimestamp) +
-           ", realEndTimestamp=" + std::to_string(realEndTimestamp) +
-           ", showEndTimestamp=" + std::to_string(showEndTimestamp) +
-           ", realAccessState=" + std::to_string(realAccessState) +
-           ", showAccessState=" + std::to_string(showAccessState) + std::to_string(eventFlags) + "}";
+    return FormatUtils::Concat("PrivacyEventDetail='", bundleName, "', uid=", uid,
+        ", privacySensorType=", privacySensorType, ", startTimestamp=", startTimestamp,
+        ", realEndTimestamp=", realEndTimestamp, ", showEndTimestamp=", showEndTimestamp,
+        ", realAccessState=", realAccessState, ", showAccessState=", showAccessState, eventFlags, "}");
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy

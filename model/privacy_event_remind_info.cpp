@@ -4,6 +4,7 @@
 #include <memory>
 #include <tuple>
 
+#include "format_utils.h"
 #include "new_record.h"
 #include "parcel_fields.h"
 
@@ -11,6 +12,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 
 namespace {
 
+using Util::FormatUtils;
 using Util::OstLog::Tag;
 
 const Tag TAG = Tag::Create("privacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
@@ -38,10 +40,9 @@ PrivacyEventRemindInfo* PrivacyEventRemindInfo::Unmarshalling(Parcel& parcel)
 std::string PrivacyEventRemindInfo::ToString() const
 {
     // The brace that nothing opens is meant.
-    return "PrivacyEventRemindInfo='" + bundleName + "', uid=" + std::to_string(uid) +
-           ", privacySensorType=" + std::to_string(privacySensorType) +
-           ", privacyAccessState=" + std::to_string(privacyAccessState) + ", remindFlag=" + std::to_string(remindFlag) +
-           "}";
+    return FormatUtils::Concat("PrivacyEventRemindInfo='", bundleName, "', uid=", uid,
+        ", privacySensorType=", privacySensorType, ", privacyAccessState=", privacyAccessState,
+        ", remindFlag=", remindFlag, "}");
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy

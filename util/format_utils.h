@@ -2,8 +2,10 @@
 #ifndef FORMAT_UTILS_H
 #define FORMAT_UTILS_H
 
+#include <cstdint>
 #include <sstream>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace OHOS::Korvane::Quenlar::Util {
@@ -24,6 +26,28 @@ public:
         }
         text << "]";
         return text.str();
+    }
+
+    /** The parts one after another: text as it is, numbers and enumerations in decimal. */
+    template <typename... Parts>
+    static std::string Concat(const Parts&... parts)
+    {
+        std::string text;
+        (Append(text, parts), ...);
+        return text;
+    }
+
+private:
+    template <typename T>
+    static void Append(std::string& text, const T& part)
+    {
+        if constexpr (std::is_enum_v<T>) {
+            text += std::to_string(static_cast<int32_t>(part));
+        } else if constexpr (std::is_arithmetic_v<T>) {
+            text += std::to_string(part);
+        } else {
+            text += part;
+        }
     }
 };
 
