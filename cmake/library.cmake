@@ -19,7 +19,10 @@ target_include_directories(${library}
     PRIVATE client composer ipc model util)
 set(exports ${CMAKE_CURRENT_SOURCE_DIR}/cmake/exports.map)
 set_property(TARGET ${library} APPEND PROPERTY LINK_DEPENDS ${exports})
-target_link_options(${library} PRIVATE ${QNL_LINK_WHOLE} -Wl,--version-script=${exports} -Wl,--no-as-needed)
+target_link_options(${library}
+    PRIVATE ${QNL_LINK_WHOLE} -Wl,--version-script=${exports}
+    # A caller may use no symbol of the library, only virtual calls: without it the proxies would not be registered.
+    PUBLIC -Wl,--no-as-needed)
 
 if(QNL_PLATFORM STREQUAL "external")
     target_include_directories(${library} SYSTEM PUBLIC "$<BUILD_INTERFACE:${QNL_PLATFORM_INCLUDE_DIRS}>")
