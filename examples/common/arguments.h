@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ARGUMENTS_H
+#define ARGUMENTS_H
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "parse.h"
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
+
+/** A command line: words, and between them options of the form `--name value`, which may be given repeatedly. */
+class Arguments {
+public:
+    /** Throws ParseError if there are more words than `mostWords`, or an option that is not one of `knownOptions`. */
+    Arguments(const std::vector<std::string>& line, size_t mostWords, const std::vector<std::string>& knownOptions);
+
+    /** How many words there are. */
+    size_t Count() const;
+
+    /** Throws ParseError if there is no such word. `meaning` says what is missing. */
+    const std::string& Word(size_t index, const std::string& meaning) const;
+
+    /** All values of an option, in their order. */
+    const std::vector<std::string>& Values(const std::string& option) const;
+
+    /** The word at `index` as a number; `otherwise` if there is none. */
+    template <typename Number>
+    Number NumberAt(size_t index, Number otherwise) const
+    {
+        return index < words_.size() ? ParseNumber<Number>(words_[index]) : otherwise;
+    }
+
+    /** The last value of an option as a number; `otherwise` if there is none. */
+    template <typename Number>
+    Number NumberOf(const std::string& option, Number otherwise) const
+    {
+        const auto& values = Values(option);
+        return values.empty() ? otherwise : ParseNumber<Number>(values.back());
+    }
+
+private:
+    std::vector<std::string> words_;
+    std::map<std::string, std::vector<std::string>> values_; // Of every known option.
+};
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
+
+#endif // ARGUMENTS_H

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef PARSE_H
+#define PARSE_H
+
+#include <charconv>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+
+#include "privacy_sensor_type.h"
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
+
+/** A text that is not what it should be. Its message is for the text's author. */
+class ParseError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/** `camera`, `microphone` or `location`. Throws ParseError for anything else. */
+PrivacySensorType ParseSensor(const std::string& name);
+
+/** The name that ParseSensor reads. `sensor` must be one of the three. */
+const char* NameOf(PrivacySensorType sensor);
+
+/** A decimal number that fits `Number`. Throws ParseError for anything else. */
+template <typename Number>
+Number ParseNumber(const std::string& text)
+{
+    Number number{};
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || rest != end) {
+        throw ParseError("\"" + text + "\" is not a number, or out of range");
+    }
+    return number;
+}
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
+
+#endif // PARSE_H

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef WATCHER_H
+#define WATCHER_H
+
+#include <cstdint>
+#include <mutex>
+#include <string>
+
+#include "if_system_ability_manager.h"
+#include "indicator_switch_listener_stub_impl.h"
+#include "privacy_event_listener_stub_impl.h"
+#include "privacy_indicator_service_intf.h"
+#include "system_ability_status_change_stub.h"
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
+
+/**
+ * Registers a listener of each kind and prints what they are told, a line each on standard output. Follows the service:
+ * says when it is gone, and when it is back registers with it anew.
+ *
+ * It is the service's death recipient and its availability listener: the first hears of the process's end, the second
+ * of the service's return. Both are called on one thread, in order.
+ */
+class Watcher : public SystemAbilityStatusChangeStub, public IRemoteObject::DeathRecipient {
+public:
+    explicit Watcher(const sptr<ISystemAbilityManager>& manager);
+
+    /** Registers the listeners with `service`, and begins to follow it. 0, or the first result that is not. */
+    int32_t Start(const sptr<PrivacyIndicatorServiceIntf>& service);
+
+    /** Ends that, and unregisters the listeners if the service is there. 0, or the first result that is not. */
+    int32_t Stop();
+
+    void OnRemoteDied(const wptr<IRemoteObject>& object) override;
+    void OnAddSystemAbility(int32_t systemAbilityId, const std::string& deviceId) override;
+    void OnRemoveSystemAbility(int32_t systemAbilityId, const std::string& deviceId) override;
+
+private:
+    /** Registers the listeners with `service`, which is the one attached to from now on. */
+    int32_t Attach(const sptr<PrivacyIndicatorServiceIntf>& service);
+
+    /** The object of the service that the watcher is attached to, or null. */
+    sptr<IRemoteObject> Attached();
+
+    /** Forgets the service, and says so if it was not forgotten before. */
+    void Lose();
+
+    const sptr<ISystemAbilityManager> manager_;
+    const sptr<Indicator::IndicatorSwitchListenerIntf> switchListener_;
+    const sptr<Privacy::PrivacyEventListenerIntf> eventListener_;
+
+    std::mutex mutex_;
+    sptr<PrivacyIndicatorServiceIntf> service_; // The one attached to, or null.
+};
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
+
+#endif // WATCHER_H

@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef LISTENER_REGISTRY_H
+#define LISTENER_REGISTRY_H
+
+#include <chrono>
+#include <functional>
+#include <future>
+#include <list>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "ipc_skeleton.h"
+#include "iremote_object.h"
+#include "privacy_indicator_service_intf.h"
+#include "push_queue.h"
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
+
+/**
+ * The listeners of one interface, and what each of them wants to hear: its topics. Every listener has a queue and a
+ * thread that empties it, so that one that does not answer delays nobody else. A listener is its remote object: added
+ * again, it is still one listener. It goes when its process does. Any thread may call anything.
+ */
+template <typename Listener>
+class ListenerRegistry : public IRemoteObject::DeathRecipient {
+public:
+    static constexpr size_t MAX_LISTENERS = 256;
+    static constexpr size_t MAX_TOPICS = 16; // Of one listener.
+
+    static constexpr int32_t SUCCESS = PrivacyIndicatorServiceIntf::SUCCESS;
+    static constexpr int32_t INVALID_VALUE = PrivacyIndicatorServiceIntf::INVALID_VALUE;
+    static constexpr int32_t NO_ROOM = 28;
+
+    using Event = std::function<void(Listener&)>;
+
+    /** Calls nobody. INVALID_VALUE if the listener's process is gone; NO_ROOM beyond the limits, or for no thread. */
+    int32_t Add(const sptr<Listener>& listener, const std::string& topic)
+    {
+        const sptr<IRemoteObject> object = listener->AsObject();
+        std::lock_guard<std::mutex> lock(mutex_);
+        ForgetEndedThreads();
+        const auto known = entries_.find(object);
+        if (known != entries_.end()) {
+            auto& topics = known->second.topics;
+            if (topics.size() == MAX_TOPICS && topics.count(topic) == 0) {
+                return NO_ROOM;
+            }
+            topics.insert(topic);
+            return SUCCESS;
+        }
+        if (closed_ || entries_.size() + endedThreads_.size() >= MAX_LISTENERS) {
+            return NO_ROOM;
+        }
+        const auto queue = std::make_shared<PushQueue>("listener " + std::to_string(++lastNumber_) + " of process " +
+                                                       std::to_string(IPCSkeleton::GetCallingPid()));
+        Entry entry{listener, {topic}, queue, {}};
+        try {
+            entry.thread = std::async(std::launch::async, [queue] { queue->Run(); });
+        } catch (const std::system_error&) {
+            return NO_ROOM;
+        }
+        // A listener of this very process goes with it.
+        if (object->IsProxyObject() && !object->AddDeathRecipient(this)) {
+            queue->Close();
+            return INVALID_VALUE;
+        }
+        entries_.emplace(object, std::move(entry));
+        return SUCCESS;
+    }
+
+    /** Does not wait for a call that the listener is in. INVALID_VALUE if it is not there. */
+    int32_t Remove(const sptr<IRemoteObject>& object)
+    {
+        Entry removed; // Let go of behind the lock.
+        std::lock_guard<std::mutex> lock(mutex_);
+        const auto known = entries_.find(object);
+        if (known == entries_.end()) {
+            return INVALID_VALUE;
+        }
+        removed = std::move(known->second);
+        entries_.erase(known);
+        object->RemoveDeathRecipient(this);
+        removed.queue->Close();
+        endedThreads_.push_back(std::move(removed.thread));
+        return SUCCESS;
+    }
+
+    /** Has `event` called with every listener of that topic, soon and on other threads. */
+    void Push(const std::string& topic, Event event)
+    {
+        const auto shared = std::make_shared<const Event>(std::move(event));
+        std::lock_guard<std::mutex> lock(mutex_);
+        for (const auto& [object, entry] : entries_) {
+            if (entry.topics.count(topic) > 0) {
+                entry.queue->Push([shared, listener = entry.listener] { (*shared)(*listener); });
+            }
+        }
+    }
+
+    /** Removes all listeners, takes no more, and waits for the calls under way: 8 s at most, as IPC does. */
+    void Close()
+    {
+        std::map<sptr<IRemoteObject>, Entry> entries;
+        std::list<std::future<void>> endedThreads;
+        {
+            std::lock_guard<std::mutex> lock(mutex_);
+            closed_ = true;
+            entries.swap(entries_);
+            endedThreads.swap(endedThreads_);
+        }
+        for (const auto& [object, entry] : entries) {
+            object->RemoveDeathRecipient(this);
+            entry.queue->Close();
+        }
+        // The futures, as they go, wait for their threads.
+    }
+
+    void OnRemoteDied(const wptr<IRemoteObject>& object) override
+    {
+        if (const sptr<IRemoteObject> died = object.promote()) {
+            Remove(died);
+        }
+    }
+
+private:
+    struct Entry {
+        sptr<Listener> listener;
+        std::set<std::string> topics;
+        std::shared_ptr<PushQueue> queue;
+        std::future<void> thread; // Runs the queue. The last to go waits for it.
+    };
+
+    void ForgetEndedThreads()
+    {
+        endedThreads_.remove_if([](const std::future<void>& thread) {
+            return thread.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+        });
+    }
+
+    std::mutex mutex_;
+    std::map<sptr<IRemoteObject>, Entry> entries_;
+    std::list<std::future<void>> endedThreads_; // Their queues are closed.
+    uint64_t lastNumber_ = 0;
+    bool closed_ = false;
+};
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
+
+#endif // LISTENER_REGISTRY_H

@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: Apache-2.0
+// The privacy indicator service as a program of its own.
+#include <poll.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "end_signals.h"
+#include "indicator_service.h"
+#include "print.h"
+#include "sensor_input.h"
+#include "system_ability.h"
+#include "system_ability_status_change_stub.h"
+
+using namespace OHOS;
+using namespace OHOS::Korvane::Quenlar::PrivacyIndicator;
+using namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples;
+
+namespace {
+
+constexpr const char* USAGE = R"(usage: indicator_service
+
+The privacy indicator service, system ability 66090 on the bus that OHOS_BUS_ADDRESS names. It keeps everything in
+memory. "ready" on standard output says that callers can find it; a power event is printed there too.
+
+Standard input tells it who uses which sensor (camera, microphone or location), a line each:
+    start camera com.example.chat 20010043
+    stop camera com.example.chat 20010043
+What it cannot read it names on standard error, with the line's number, and goes on. The end of the input does not end
+it; SIGINT and SIGTERM do.
+
+Exit codes: 0 ended by a signal, 1 cannot be the service (any more), 2 wrong usage.
+)";
+
+enum ExitCode { EXIT_ENDED = 0, EXIT_NO_SERVICE = 1, EXIT_USAGE = 2 };
+
+/** Ends the program, as SIGTERM does, once it is not the service any more: when the manager is gone, that is for good.
+ */
+class LossListener : public SystemAbilityStatusChangeStub {
+public:
+    void OnAddSystemAbility(int32_t /* systemAbilityId */, const std::string& /* deviceId */) override {}
+
+    void OnRemoveSystemAbility(int32_t /* systemAbilityId */, const std::string& /* deviceId */) override
+    {
+        kill(getpid(), SIGTERM);
+    }
+};
+
+bool Publish(ISystemAbilityManager& manager, const sptr<IndicatorService>& service)
+{
+    const int32_t error = manager.AddSystemAbility(PRIVACY_INDICATOR_SA_ID, service);
+    if (error == 0) {
+        return manager.SubscribeSystemAbility(PRIVACY_INDICATOR_SA_ID, new LossListener()) == 0;
+    }
+    const std::string number = std::to_string(PRIVACY_INDICATOR_SA_ID);
+    if (manager.CheckSystemAbility(PRIVACY_INDICATOR_SA_ID) != nullptr) {
+        Complain("another process is system ability " + number + " already");
+    } else {
+        Complain("this user may not be system ability " + number + ": error " + std::to_string(error));
+    }
+    return false;
+}
+
+// Takes sensor use from standard input until `ended` can be read.
+void Serve(IndicatorService& service, int ended)
+{
+    SensorInput input(STDIN_FILENO, service);
+    std::array<pollfd, 2> wait{{{ended, POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}}};
+    while (wait[0].revents == 0) {
+        if (poll(wait.data(), wait.size(), -1) > 0 && wait[1].revents != 0 && !input.Read()) {
+            wait[1] = {-1, 0, 0}; // Read to its end: not waited for any more.
+        }
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc == 2 && std::strcmp(argv[1], "--help") == 0) {
+        std::fputs(USAGE, stdout);
+        return EXIT_ENDED;
+    }
+    if (argc > 1) {
+        Complain("takes no arguments but --help");
+        return EXIT_USAGE;
+    }
+    std::signal(SIGPIPE, SIG_IGN); // Callers are served whether or not anyone reads what this prints.
+    const sigset_t endSignals = BlockEndSignals();
+    const int ended = signalfd(-1, &endSignals, SFD_CLOEXEC);
+    const sptr<ISystemAbilityManager> manager = FindManager();
+    const sptr<IndicatorService> service(new IndicatorService());
+    if (ended < 0 || manager == nullptr || !Publish(*manager, service)) {
+        return EXIT_NO_SERVICE;
+    }
+    PrintLine("ready");
+
+    Serve(*service, ended);
+
+    const int32_t error = manager->RemoveSystemAbility(PRIVACY_INDICATOR_SA_ID);
+    service->Close();
+    if (error != 0) {
+        Complain("the system ability manager is gone");
+        return EXIT_NO_SERVICE;
+    }
+    return EXIT_ENDED;
+}

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef SENSOR_INPUT_H
+#define SENSOR_INPUT_H
+
+#include <string>
+
+#include "indicator_service.h"
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
+
+/**
+ * Sensor use as lines of text, `start SENSOR BUNDLE UID` and `stop SENSOR BUNDLE UID`, told to a service. A line that
+ * means nothing is skipped, and what is wrong with it is said on stderr. Blank lines mean nothing and are not wrong.
+ */
+class SensorInput {
+public:
+    /** Neither the descriptor nor the service is owned. */
+    SensorInput(int fd, IndicatorService& service);
+
+    /** Reads once, and waits if there is nothing. False at the end of the input. */
+    bool Read();
+
+private:
+    void TakeByte(char byte);
+    void TakeLine();
+
+    const int fd_;
+    IndicatorService& service_;
+    std::string line_; // As far as it has been read; no longer than what can be taken, and one more.
+    int lineNumber_ = 1;
+};
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
+
+#endif // SENSOR_INPUT_H
