@@ -21,7 +21,7 @@ public:
     /** Appends the fields in their order. False at the first write that fails; what was written before it stays. */
     bool Marshalling(Parcel& parcel) const override;
 
-    /** Reads the fields: a new record, which the caller owns, or null if one is cut or malformed or memory is short. */
+    /** Reads the fields: a new record, the caller's; null if one is cut or malformed, or there is no memory for it. */
     static IndicatorSize* Unmarshalling(Parcel& parcel);
 
     /** One line for logs. */

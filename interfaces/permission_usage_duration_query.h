@@ -64,7 +64,7 @@ public:
      */
     bool Marshalling(Parcel& parcel) const override;
 
-    /** Reads the fields: a new record, which the caller owns, or null if one is cut or malformed or memory is short. */
+    /** Reads the fields: a new record, the caller's; null if one is cut or malformed, or there is no memory for it. */
     static PermissionUsageDurationQuery* Unmarshalling(Parcel& parcel);
 
     /**

@@ -21,7 +21,7 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
 /** The service's number at the system ability manager. */
-constexpr int32_t PRIVACY_INDICATOR_SA_ID = 66090;
+inline constexpr int32_t PRIVACY_INDICATOR_SA_ID = 66090;
 
 /**
  * The privacy indicator service, as its callers see it (through PrivacyIndicatorServiceIntfProxy) and as it is

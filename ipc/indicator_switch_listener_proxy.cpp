@@ -13,7 +13,7 @@ namespace {
 
 using Util::LogError;
 using Util::LogInfo;
-using Util::OstLog::Tag;
+using Tag = Util::OstLog::Tag;
 
 // This file alone logs as "service": meant.
 const Tag TAG = Tag::Create("service", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);

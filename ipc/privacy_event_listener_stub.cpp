@@ -3,7 +3,6 @@
 
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "message_parcel.h"
@@ -15,7 +14,7 @@ namespace {
 
 using Util::LogDebug;
 using Util::LogError;
-using Util::OstLog::Tag;
+using Tag = Util::OstLog::Tag;
 
 const Tag TAG = Tag::Create("PrivacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
 
@@ -47,7 +46,7 @@ int32_t PrivacyEventListenerStub::OnRemoteRequest(
             LogDebug(TAG, "OnRemoteRequest", "privacyEventRemindInfo is null");
             continue;
         }
-        infos.push_back(std::move(*info));
+        infos.push_back(*info);
     }
     OnPrivacyEventChanged(dataType, infos);
     return 0;

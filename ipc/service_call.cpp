@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service_call.h"
 
-#include "hilog/log.h"
 #include "message_option.h"
+#include "service_log.h"
 #include "string_ex.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
@@ -78,7 +78,7 @@ int32_t ServiceCall::Send(const sptr<IRemoteObject>& remote)
 
 int32_t ServiceCall::Fail(int32_t error, const char* message)
 {
-    HiviewDFX::HiLog::Error(Intf::LABEL, message);
+    LogServiceError(message);
     error_ = error;
     return error;
 }

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "iremote_broker.h"
@@ -33,8 +32,8 @@ public:
     int32_t Send(const sptr<IRemoteObject>& remote);
 
     /** As above, and appends the records of the reply to `records`; `failure` is for one that cannot be read. */
-    template <typename Record>
-    int32_t Send(const sptr<IRemoteObject>& remote, std::vector<Record>& records, int32_t limit, const char* failure)
+    template <typename T>
+    int32_t Send(const sptr<IRemoteObject>& remote, std::vector<T>& records, int32_t limit, const char* failure)
     {
         const int32_t result = Send(remote);
         if (result != PrivacyIndicatorServiceIntf::SUCCESS) {
@@ -46,11 +45,11 @@ public:
         }
         // No memory is reserved for a count that the reply may not hold.
         for (int32_t i = 0; i < count; ++i) {
-            const std::unique_ptr<Record> record(reply_.ReadParcelable<Record>());
+            const std::unique_ptr<T> record(reply_.ReadParcelable<T>());
             if (record == nullptr) {
                 return Fail(PrivacyIndicatorServiceIntf::INVALID_DATA, failure);
             }
-            records.push_back(std::move(*record));
+            records.push_back(*record);
         }
         return result;
     }

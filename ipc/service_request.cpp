@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service_request.h"
 
-#include "hilog/log.h"
+#include "service_log.h"
 #include "string_ex.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
@@ -25,7 +25,7 @@ int32_t ServiceRequest::WriteResult(int32_t result)
 int32_t ServiceRequest::Fail(int32_t error, const char* message)
 {
     if (IsGood()) {
-        HiviewDFX::HiLog::Error(PrivacyIndicatorServiceIntf::LABEL, message);
+        LogServiceError(message);
         error_ = error;
     }
     return error_;

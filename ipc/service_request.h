@@ -27,10 +27,10 @@ public:
     int32_t ReadInt32();
     std::string ReadString();
 
-    template <typename Record>
-    std::unique_ptr<Record> ReadRecord(const char* failure)
+    template <typename T>
+    std::unique_ptr<T> ReadRecord(const char* failure)
     {
-        std::unique_ptr<Record> record(IsGood() ? data_.ReadParcelable<Record>() : nullptr);
+        std::unique_ptr<T> record(IsGood() ? data_.ReadParcelable<T>() : nullptr);
         if (record == nullptr) {
             Fail(PrivacyIndicatorServiceIntf::INVALID_DATA, failure);
         }
@@ -54,14 +54,14 @@ public:
         return IsGood() ? WriteResult(operation()) : error_;
     }
 
-    /** Runs `operation`, an int32_t(std::vector<Record>&), and replies with its result and, at success, the records. */
-    template <typename Record, typename Operation>
+    /** Runs `operation`, an int32_t(std::vector<T>&), and replies with its result and, at success, the records. */
+    template <typename T, typename Operation>
     int32_t Reply(int32_t limit, const Operation& operation)
     {
         if (!IsGood()) {
             return error_;
         }
-        std::vector<Record> records;
+        std::vector<T> records;
         const int32_t result = operation(records);
         const int32_t error = WriteResult(result);
         if (error != PrivacyIndicatorServiceIntf::SUCCESS || result != PrivacyIndicatorServiceIntf::SUCCESS) {
@@ -72,7 +72,7 @@ public:
         }
         // A count that cannot be written is left to the first record's failure: meant.
         reply_.WriteInt32(static_cast<int32_t>(records.size()));
-        for (const Record& record : records) {
+        for (const T& record : records) {
             if (!reply_.WriteParcelable(&record)) {
                 return Fail(PrivacyIndicatorServiceIntf::INVALID_DATA, "Write [(*it)] failed!"); // Meant as it is.
             }

@@ -13,7 +13,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 namespace {
 
 using Util::FormatUtils;
-using Util::OstLog::Tag;
+using Tag = Util::OstLog::Tag;
 
 const Tag TAG = Tag::Create("PrivacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
 

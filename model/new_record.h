@@ -11,10 +11,10 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
 /** A new record for Unmarshalling to fill; null, with `failure` logged, if there is no memory for it. */
-template <typename Record, size_t SIZE>
-std::unique_ptr<Record> NewRecord(const Util::OstLog::Tag& tag, const char (&failure)[SIZE])
+template <typename T, size_t SIZE>
+std::unique_ptr<T> NewRecord(const Util::OstLog::Tag& tag, const char (&failure)[SIZE])
 {
-    std::unique_ptr<Record> record(new (std::nothrow) Record());
+    std::unique_ptr<T> record(new (std::nothrow) T());
     if (record == nullptr) {
         Util::LogError(tag, "Unmarshalling", failure);
     }
