@@ -45,7 +45,7 @@ TEST(IndicatorSwitchListenerTest, ProxySendsOneWay)
     EXPECT_EQ(remote->calls, 2);
     {
         const Failing failing;
-        Failing::write = -7; // The record's first.
+        Failing::write = 0x12345678; // The record's first.
         proxy->OnSwitchChanged(*data);
         EXPECT_EQ(logs.Take(), (Lines{begin, Line('E', "Write parcelable failed  in proxy.")}));
         Failing::write = Failing::TOKEN;
@@ -87,7 +87,8 @@ TEST_F(IndicatorSwitchListenerStubTest, HandsTheRecordToTheFunction)
 {
     const std::string end = "IndicatorSwitchListenerStub";
     EXPECT_EQ(created, Lines{Tagged('I', "PrivacyIndicator]" + end + ": create " + end)});
-    const Lines lines = {Tagged('I', "PrivacyIndicator]OnSwitchChanged: OnRemoteRequest called in stub impl. -7")};
+    const Lines lines = {
+        Tagged('I', "PrivacyIndicator]OnSwitchChanged: OnRemoteRequest called in stub impl. 305419896")};
     ExpectServed(0, 0, Token(DESCRIPTOR) + Present(DATA), lines);
     ExpectServed(0, 0, Token(DESCRIPTOR) + I32(2) + DATA.bytes, lines);
     EXPECT_EQ(heard, Lines(2, DATA.text));

@@ -38,23 +38,30 @@ TEST(PrivacyEventListenerTest, ProxySendsAndWaits)
     EXPECT_EQ(remote->request, HEAD + I32(2) + Times(2, Present(REMIND_INFO)));
     proxy->OnPrivacyEventChanged("", {});
     EXPECT_EQ(remote->request, Token(DESCRIPTOR) + Str("") + I32(0));
-    proxy->OnPrivacyEventChanged("audio", Infos(5000, infos[0])); // As far as it fits.
-    EXPECT_EQ(remote->request.find(HEAD + I32(5000) + Times(4000, Present(REMIND_INFO))), 0U);
+    proxy->OnPrivacyEventChanged("audio", Infos(6000, infos[0])); // As far as it fits.
+    const Bytes fitting = HEAD + I32(6000) + Times(5000, Present(REMIND_INFO));
+    EXPECT_EQ(remote->request.compare(0, fitting.size(), fitting), 0);
+    EXPECT_GT(remote->request.size(), 204800 - Present(REMIND_INFO).size());
+    EXPECT_EQ(remote->calls, 3);
+    const Failing failing;
+    Failing::write = 2; // The count: what can be written is sent all the same.
+    proxy->OnPrivacyEventChanged("audio", infos);
+    EXPECT_EQ(remote->request, HEAD + Times(2, Present(REMIND_INFO)));
+    Failing::write.reset();
     EXPECT_EQ(logs.Take(), Lines());
 
     remote->result = 29189;
     proxy->OnPrivacyEventChanged("audio", infos);
     EXPECT_EQ(logs.Take(), Failure("Send request failed!"));
-    EXPECT_EQ(remote->calls, 4);
+    EXPECT_EQ(remote->calls, 5);
     proxy->OnPrivacyEventChanged(std::string(300000, 'x'), infos);
     EXPECT_EQ(logs.Take(), Failure("Write data type failed!"));
     PrivacyEventListenerProxy(nullptr).OnPrivacyEventChanged("audio", infos);
     EXPECT_EQ(logs.Take(), Failure("Remote is nullptr!"));
-    const Failing failing;
     Failing::write = Failing::TOKEN;
     proxy->OnPrivacyEventChanged("audio", infos);
     EXPECT_EQ(logs.Take(), Failure("Write interface token failed!"));
-    EXPECT_EQ(remote->calls, 4);
+    EXPECT_EQ(remote->calls, 5);
 }
 
 class PrivacyEventListenerStubTest : public testing::Test {

@@ -72,6 +72,35 @@ TEST(RecordTest, KeepsItsLayoutAndItsText)
         "PermissionUsageDurationQuery{bundleNames=[], permissionGroups=[], beginTimestamp=0, endTimestamp=0}", {});
 }
 
+TEST(RecordTest, UsageRecordsAreFilledByTheirSetters)
+{
+    PermissionUsageDuration duration;
+    duration.SetBundleName("com.example.chat");
+    duration.SetUid(21);
+    duration.SetPermissionGroup("CAMERA");
+    duration.SetUsageDuration(-22);
+    duration.SetLastBeginTimestamp(4294967296);
+    duration.SetLastEndTimestamp(-1);
+    RawParcel parcel;
+    EXPECT_TRUE(duration.Marshalling(parcel));
+    EXPECT_EQ(BytesOf(parcel), DURATION.bytes);
+    EXPECT_EQ(duration.GetBundleName() + duration.GetPermissionGroup(), "com.example.chatCAMERA");
+    EXPECT_TRUE(duration.GetUid() == 21 && duration.GetUsageDuration() == -22);
+    EXPECT_TRUE(duration.GetLastBeginTimestamp() == 4294967296 && duration.GetLastEndTimestamp() == -1);
+
+    PermissionUsageDurationQuery query;
+    query.SetBundleNames({"x", ""});
+    query.SetBundleNames(query.GetBundleNames());
+    query.SetPermissionGroups({"LOCATION"});
+    query.SetBeginTimestamp(100);
+    query.SetEndTimestamp(-200);
+    RawParcel other;
+    EXPECT_TRUE(query.Marshalling(other));
+    EXPECT_EQ(BytesOf(other), QUERY.bytes);
+    EXPECT_EQ(query.GetPermissionGroups(), Strings{"LOCATION"});
+    EXPECT_TRUE(query.GetBeginTimestamp() == 100 && query.GetEndTimestamp() == -200);
+}
+
 TEST(RecordTest, DetailKeepsItsExtraInfoToItself)
 {
     PrivacyEventDetail detail;

@@ -53,6 +53,8 @@ public:
     {
         return nullptr;
     }
+
+    static void operator delete(void* /* object */) noexcept {}
 };
 
 static_assert(std::is_convertible_v<sptr<Both>, sptr<Object>> && std::is_convertible_v<sptr<Both>, wptr<RefBase>>);

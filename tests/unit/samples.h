@@ -30,9 +30,9 @@ struct Sample {
 };
 
 // 0x41480000 is 12.5, 0xBE800000 is -0.25, 0x40400000 is 3.
-inline const Sample DATA = {I32(-7) + I32(9) + I32(0x41480000) + Number(0xBE800000U) + I32(0x40400000) +
+inline const Sample DATA = {I32(0x12345678) + I32(-90000) + I32(0x41480000) + Number(0xBE800000U) + I32(0x40400000) +
                                 I32(0x3F000000) + Str("#00ff7f") + I32(4),
-    "Indicator{privacySensorType=-7, state=9, positionX=12.500000, positionY=-0.250000, width=3.000000, "
+    "Indicator{privacySensorType=305419896, state=-90000, positionX=12.500000, positionY=-0.250000, width=3.000000, "
     "height=0.500000, color='#00ff7f', animationType=4}"};
 
 inline const Sample POSITION = {I32(0x41480000) + Number(0xBE800000U) + I32(-1080) + I32(2340) + I32(270),

@@ -222,6 +222,13 @@ TEST_F(ServiceProxyTest, SendsNothingThatDoesNotFit)
 {
     ExpectUnsent(5, "Write [dataType] failed!",
         [](auto& s) { return s.RegisterPrivacyEventListener(std::string(300000, 'x'), nullptr); });
+    {
+        const Failing failing; // The first failure alone is told, and ends the call.
+        Failing::write = 270;
+        ExpectUnsent(5, "Write [privacySensorType] failed!", [](auto& s) { return s.TurnOffIndicator(270, 270); });
+        ExpectUnsent(5, "Write [privacySensorType] failed!",
+            [](auto& s) { return s.TurnOnIndicator(270, *Read<IndicatorPosition>(POSITION.bytes), {}, 270); });
+    }
     ExpectUnsent(5, "Write [privacyEventListener] failed!", // Behind a data type that does.
         [this](auto& s) { return s.RegisterPrivacyEventListener(std::string(102320, 'x'), eventListener); });
     struct Unwritable : IndicatorSize {

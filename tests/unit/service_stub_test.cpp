@@ -241,6 +241,11 @@ TEST_F(ServiceStubTest, LimitsTheElementsOfAReply)
         EXPECT_EQ(Serve(query.code, query.arguments), 5);
         EXPECT_EQ(replied, I32(0));
         EXPECT_EQ(logs.Take(), Labelled("The vector/array size exceeds the security limit!"));
+        service->result = 7;
+        EXPECT_EQ(Serve(query.code, query.arguments), 0);
+        EXPECT_EQ(replied, I32(7)) << "without success there are no elements to be limited";
+        EXPECT_EQ(logs.Take(), Lines());
+        service->result = 0;
 
         service->elements = 2;
         const Bytes one = Present(query.element);
@@ -261,15 +266,18 @@ TEST_F(ServiceStubTest, LimitsTheElementsOfAReply)
 
 TEST_F(ServiceStubTest, RefusesForeignTokensAndUnknownCodes)
 {
-    for (const auto& foreign : {DESCRIPTOR + u"x", DESCRIPTOR.substr(1), u"o" + DESCRIPTOR.substr(1)}) {
+    std::u16string middle = DESCRIPTOR;
+    ++middle[30];
+    for (const auto& foreign : {DESCRIPTOR + u"x", DESCRIPTOR.substr(1), u"o" + DESCRIPTOR.substr(1), middle}) {
         for (const uint32_t code : {0U, 7U, 12U}) {
             EXPECT_EQ(Serve(code, I32(2) + I32(1), nullptr, foreign), 1);
+            EXPECT_EQ(service->call + replied, "");
         }
     }
-    EXPECT_EQ(Serve(0, ""), 305);
-    EXPECT_EQ(Serve(12, ""), 305);
-    EXPECT_EQ(service->call, "");
-    EXPECT_EQ(replied, "");
+    for (const uint32_t code : {0U, 12U, 13U, UINT32_MAX}) {
+        EXPECT_EQ(Serve(code, I32(2) + I32(1)), 305);
+        EXPECT_EQ(service->call + replied, "");
+    }
     EXPECT_EQ(logs.Take(), Lines());
 }
 
