@@ -14,6 +14,10 @@ elif [[ ${2:-} != beside-bus ]]; then
 fi
 
 readonly programs=$1/examples
+if [[ ! -x $programs/indicator_service || ! -x $programs/indicator_ctl ]]; then
+    echo "demo: there is no indicator_service and indicator_ctl in $programs: build them first" >&2
+    exit 1
+fi
 readonly patience=5                 # Seconds that a line is waited for...
 readonly deadline=$((SECONDS + 45)) # ...but not beyond this.
 export HILOG_LEVEL=OFF              # The library's log would stand between the lines.
@@ -96,13 +100,19 @@ expect()
     fi
 }
 
+# send NAME SIGNAL. A program that is gone already will be missed elsewhere.
+send()
+{
+    printf '   (%s gets SIG%s)\n' "$1" "$2"
+    kill "-$2" "${process[$1]}" 2>/dev/null || true
+}
+
 # stop NAME SIGNAL EXIT_CODE [PATTERN...]: ends a program; its last lines, and its exit code as one more.
 stop()
 {
     local code=0 pattern
-    printf '   (%s gets SIG%s)\n' "$1" "$2"
     {
-        kill "-$2" "${process[$1]}"
+        send "$1" "$2"
         if await has_ended "${process[$1]}"; then
             wait "${process[$1]}" || code=$?
             echo "exit code $code" >>"$folder/$1"
@@ -203,13 +213,11 @@ app "start toaster com.example.chat 20010043"
 expect service ': line [0-9]+: "toaster" is not a sensor'
 
 step "A listener that does not answer delays nobody else, and hears what it missed when it is back."
-echo "   (second is stopped)"
-kill -STOP "${process[second]}"
+send second STOP
 app "start microphone com.example.chat 20010043"
 expect first '^switch: Indicator\{privacySensorType=1, state=0,'
 expect first '^sensorStateChange: .*, privacySensorType=1, privacyAccessState=1,'
-echo "   (second goes on)"
-kill -CONT "${process[second]}"
+send second CONT
 expect second '^switch: Indicator\{privacySensorType=1, state=0,'
 expect second '^sensorStateChange: .*, privacySensorType=1, privacyAccessState=1,'
 
