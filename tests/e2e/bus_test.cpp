@@ -46,11 +46,9 @@ Helper::Helper(const std::vector<std::string>& command, const std::string& busAd
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
         std::abort();
     }
-    std::vector<char*> arguments;
-    for (const std::string& argument : command) {
-        arguments.push_back(const_cast<char*>(argument.c_str()));
-    }
-    arguments.push_back(nullptr);
+    std::vector<char*> arguments(command.size() + 1);
+    std::transform(command.begin(), command.end(), arguments.begin(),
+        [](const std::string& argument) { return const_cast<char*>(argument.c_str()); });
     pid_ = fork();
     if (pid_ == 0) {
         prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -101,7 +99,7 @@ std::string Helper::Event()
         const std::string line = ReadLine();
         return line.substr(std::min<size_t>(line.size(), 2));
     }
-    const std::string event = events_.front();
+    std::string event = std::move(events_.front());
     events_.pop_front();
     return event;
 }
@@ -131,7 +129,7 @@ std::string Helper::ReadLine()
         }
         unread_.append(bytes, static_cast<size_t>(size));
     }
-    const std::string line = unread_.substr(0, end);
+    std::string line = unread_.substr(0, end);
     unread_.erase(0, end + 1);
     return line;
 }

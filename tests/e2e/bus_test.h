@@ -59,10 +59,11 @@ private:
 
 /** A test with a bus daemon, and a folder, of its own. The helpers that run to its end must end well. */
 class BusTest : public testing::Test {
-protected:
+public:
     BusTest();
     ~BusTest() override;
 
+protected:
     /** Starts a helper, and has it run some commands, all of which must answer "0". */
     Helper& Start(std::initializer_list<std::string> commands = {}, const std::string& program = "peer_process");
 

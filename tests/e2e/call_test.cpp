@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <csignal>
+#include <utility>
 
 #include "bus_test.h"
 
@@ -165,6 +166,7 @@ TEST_F(CallTest, WithoutADescriptorAConnectionFailsAndNothingElse)
     EXPECT_EQ(caller.Ask("call s echo hello"), "0 hello");
     EXPECT_EQ(caller.Ask("exhaust"), "0");
     EXPECT_EQ(caller.Ask("call s echo hello"), "0 hello"); // There is a connection now.
+    EXPECT_EQ(caller.Ask("restore"), "0");
     EXPECT_EQ(service.Ask("exhaust"), "0");
     Helper& stranger = Start({"find s 100"});
     EXPECT_EQ(stranger.Ask("call s echo hello"), "111");
@@ -213,12 +215,11 @@ TEST_F(CallTest, ABadMessageEndsItsConnectionOnly)
 {
     Start({"serve 100"});
     Helper& caller = Start({"find s 100"});
-    const std::string withHandle = "01000000 01000000 00000000 01000000 64000000 00000000 30000000 00000000 ";
-    const std::string twoHandles = "01000000 01000000 00000000 02000000 64000000 00000000 30000000 00000000 ";
-    const std::string handle = "00000000 00000000 00000001 00000000 ";
-    const std::string data = "000000000000000000000000 000000000000000000000000 000000000000000000000000 "
-                             "000000000000000000000000";
-    for (const std::string& packet : std::initializer_list<std::string>{
+    const auto expectEnd = [&](const std::string& packet) {
+        EXPECT_EQ(caller.Ask("call s echo hello"), "0 hello"); // Connects anew.
+        EXPECT_EQ(caller.Ask("raw " + packet), "closed") << packet;
+    };
+    for (const char* packet : {
              "01000000 01000000 00000000 00000000 64000000 00000000 00000000 000000",            // Cut.
              "00000000 01000000 00000000 00000000 64000000 00000000 00000000 00000000",          // No kind.
              "04000000 01000000 00000000 00000000 64000000 00000000 00000000 00000000",          // Nor this.
@@ -229,14 +230,19 @@ TEST_F(CallTest, ABadMessageEndsItsConnectionOnly)
              "01000000 01000000 00000000 00000000 64000000 00000000 00000000 00000000 00000000", // And more.
              "01000000 01000000 00000000 ffffffff 64000000 00000000 10000000 00000000",          // Sizes that overflow.
              "01000000 01000000 00000000 00000000 64000000 00000000 00000000 00000000 fd",       // A descriptor.
-             withHandle + "02000000 00000000 00000001 00000000 " + data,                         // Nobody's.
-             withHandle + "01000000 00000000 00000001 00000000 " + data,                         // None of the peer's.
-             withHandle + "00000000 1c000000 00000001 00000000 " + data,                         // Behind the data.
-             withHandle + "00000000 02000000 00000001 00000000 " + data,                         // Between items.
-             twoHandles + handle + "00000000 14000000 00000001 00000000 " + data,                // In each other.
          }) {
-        EXPECT_EQ(caller.Ask("call s echo hello"), "0 hello"); // Connects anew.
-        EXPECT_EQ(caller.Ask("raw " + packet), "closed") << packet;
+        expectEnd(packet);
+    }
+    const std::string data(96, '0');
+    for (const auto& [count, handles] : std::initializer_list<std::pair<const char*, const char*>>{
+             {"01000000", "02000000 00000000 00000001 00000000"}, // Nobody's.
+             {"01000000", "01000000 00000000 00000001 00000000"}, // Not the peer's.
+             {"01000000", "00000000 1c000000 00000001 00000000"}, // Beyond the data.
+             {"01000000", "00000000 02000000 00000001 00000000"}, // Between items.
+             {"02000000", "00000000 00000000 00000001 00000000 00000000 14000000 00000001 00000000"}, // Overlapping.
+         }) {
+        const char* object = " 64000000 00000000 30000000 00000000 ";
+        expectEnd(std::string("01000000 01000000 00000000 ").append(count).append(object).append(handles).append(data));
     }
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A process that is a service, which tells of its requests, or that makes every request once.
+// A process that is a service, which tells of its requests and calls back at the last one, or that makes each once.
 #include <atomic>
 
 #include "../unit/samples.h"
@@ -99,11 +99,12 @@ public:
 
     int32_t NotifyPowerEvent(int32_t event) override
     {
+        switchListener->OnSwitchChanged(*Read<IndicatorData>(DATA.bytes));
+        eventListener->OnPrivacyEventChanged(
+            "camera", {*Read<PrivacyEventRemindInfo>(REMIND_INFO.bytes), PrivacyEventRemindInfo()});
         return Told("power ", event);
     }
 
-    sptr<PrivacyEventListenerIntf> eventListener;
-    sptr<IndicatorSwitchListenerIntf> switchListener;
     std::atomic<int32_t> result{0};
 
 private:
@@ -113,6 +114,10 @@ private:
         TellAll(IPCSkeleton::GetCallingPid(), " ", parts...);
         return result;
     }
+
+    // One caller's calls, made one after the other, come on one thread.
+    sptr<PrivacyEventListenerIntf> eventListener;
+    sptr<IndicatorSwitchListenerIntf> switchListener;
 };
 
 const sptr<Service>& OWN = *new sptr<Service>(new Service());
@@ -121,14 +126,6 @@ std::string Serve(const Words& /* words */)
 {
     const auto manager = SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
     return std::to_string(manager->AddSystemAbility(PRIVACY_INDICATOR_SA_ID, OWN));
-}
-
-std::string Push(const Words& words)
-{
-    OWN->switchListener->OnSwitchChanged(*Read<IndicatorData>(DATA.bytes));
-    OWN->eventListener->OnPrivacyEventChanged(
-        words[1], {*Read<PrivacyEventRemindInfo>(REMIND_INFO.bytes), PrivacyEventRemindInfo()});
-    return "0";
 }
 
 // Tells the records that came, and answers with the results.
@@ -168,7 +165,7 @@ std::string CallAll(const Words& /* words */)
 
 int main()
 {
-    ServeCommands({{"serve", Serve}, {"push", Push}, {"call", CallAll},
+    ServeCommands({{"serve", Serve}, {"call", CallAll},
         {"result", [](auto& words) { return std::to_string((OWN->result = std::stoi(words[1])) * 0); }}});
     return 0;
 }

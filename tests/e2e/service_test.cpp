@@ -19,17 +19,13 @@ TEST_F(ServiceTest, EveryRequestAndCallbackGoesBetweenProcesses)
              std::string("no switches for it"), QUERY.text, std::string("power 11")}) {
         EXPECT_EQ(service.Event(), std::to_string(caller.Pid()) + " " + request);
     }
-    for (const std::string& record :
-        {DETAIL.text, DETAIL.text, PrivacyEventDetail().ToString(), DATA.text, DURATION.text}) {
-        EXPECT_EQ(caller.Event(), record);
-    }
-    for (int round = 0; round < 2; ++round) {
-        EXPECT_EQ(service.Ask("push camera"), "0");
-        EXPECT_EQ(caller.Events(3),
-            "camera " + PrivacyEventRemindInfo().ToString() + ", camera " + REMIND_INFO.text + ", switch " + DATA.text);
-        EXPECT_EQ(service.Ask("result -77"), "0");
-        EXPECT_EQ(caller.Ask("call"), "-77 -77 -77 -77 -77 -77 -77 -77 -77 -77 -77 "); // With errors come no records.
-    }
+    const std::string callbacks =
+        "camera " + PrivacyEventRemindInfo().ToString() + ", camera " + REMIND_INFO.text + ", switch " + DATA.text;
+    EXPECT_EQ(caller.Events(8), DATA.text + ", " + DURATION.text + ", " + PrivacyEventDetail().ToString() + ", " +
+                                    DETAIL.text + ", " + DETAIL.text + ", " + callbacks);
+    EXPECT_EQ(service.Ask("result -77"), "0");
+    EXPECT_EQ(caller.Ask("call"), "-77 -77 -77 -77 -77 -77 -77 -77 -77 -77 -77 ");
+    EXPECT_EQ(caller.Events(3), callbacks); // With an error come no records.
 }
 
 } // namespace

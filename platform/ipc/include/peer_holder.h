@@ -8,9 +8,11 @@ namespace OHOS {
 
 /** Holds the remote object behind a proxy. */
 class PeerHolder {
+public:
+    virtual ~PeerHolder() = default;
+
 protected:
     explicit PeerHolder(const sptr<IRemoteObject>& object) : remote_(object) {}
-    virtual ~PeerHolder() = default;
 
     /** The remote object; null if the proxy was made without one. */
     sptr<IRemoteObject> Remote()

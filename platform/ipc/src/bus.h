@@ -130,7 +130,7 @@ private:
     std::map<std::string, std::shared_ptr<Peer>> peers_; // The living ones, by unique name.
     std::vector<Dying> dying_;
     std::vector<std::shared_ptr<Peer>> blocked_; // Whose releases wait for room in a socket.
-    Descriptor spare_; // Makes room for the descriptor that a message may bring.
+    Descriptor spare_;                           // Makes room for the descriptor that a message may bring.
 };
 
 } // namespace OHOS::Transport
