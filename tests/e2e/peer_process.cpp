@@ -3,6 +3,7 @@
 #include <poll.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 
 #include <atomic>
 #include <condition_variable>
@@ -284,10 +285,14 @@ std::string Restore(const Words& /* words */)
 // raw HEX... [fd]: sends these bytes, perhaps with a descriptor, on this process's one connection. What comes back.
 std::string Raw(const Words& words)
 {
-    int connection = 2;
-    for (int type = 0; connection < 1000 && type != SOCK_SEQPACKET;) {
+    // A copy of our own, made behind the thread sanitizer's back: the original is closed by other threads as they
+    // please.
+    int connection = -1;
+    for (int fd = 3; connection < 0 && fd < 1000; ++fd) {
+        int type = 0;
         socklen_t length = sizeof(type);
-        getsockopt(++connection, SOL_SOCKET, SO_TYPE, &type, &length);
+        getsockopt(fd, SOL_SOCKET, SO_TYPE, &type, &length);
+        connection = type == SOCK_SEQPACKET ? static_cast<int>(syscall(SYS_dup, fd)) : -1;
     }
     std::string bytes;
     alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))] = {};
@@ -309,6 +314,7 @@ std::string Raw(const Words& words)
     unsigned char answer[1024];
     const ssize_t sent = sendmsg(connection, &packet, MSG_NOSIGNAL);
     const ssize_t size = sent > 0 ? recv(connection, answer, sizeof(answer), 0) : -1;
+    close(connection);
     std::string text;
     for (ssize_t i = 0; i < size; ++i) {
         const char* digits = "0123456789abcdef";
