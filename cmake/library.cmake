@@ -1,34 +1,54 @@
 # SPDX-License-Identifier: Apache-2.0
+# The library in its two variants: `emulator`, which is the product, and `device`. They differ in the gate to the service
+# alone, and share their file name and SONAME, so that a program is switched by its library path.
 set(library qnl_privacy_indicator_service_intf)
+set(exports ${CMAKE_CURRENT_SOURCE_DIR}/cmake/exports.map)
 
 file(GLOB sources CONFIGURE_DEPENDS client/*.cpp composer/*.cpp ipc/*.cpp model/*.cpp util/*.cpp)
+list(FILTER sources EXCLUDE REGEX "/client/gate_[a-z]+\\.cpp$")
 
-add_library(${library} SHARED ${sources})
+# What all that is compiled from the library's sources has in common.
+function(qnl_configure target)
+    set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+    target_compile_features(${target} PUBLIC cxx_std_17)
+    # A unique symbol would keep the library in the process for ever, dlclose or not.
+    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
+    target_include_directories(${target}
+        PUBLIC
+            $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/interfaces>
+            $<INSTALL_INTERFACE:include/qnl_privacy_indicator>
+        PRIVATE client composer ipc model util)
+    if(QNL_PLATFORM STREQUAL "external")
+        target_include_directories(${target} SYSTEM PUBLIC "$<BUILD_INTERFACE:${QNL_PLATFORM_INCLUDE_DIRS}>")
+        target_link_directories(${target} PUBLIC "$<BUILD_INTERFACE:${QNL_PLATFORM_LIBRARY_DIRS}>")
+    endif()
+    # The stand-in's targets, or the names of the device's libraries.
+    target_link_libraries(${target} PUBLIC utils ipc_single samgr_proxy hilog qnl_infrastructure)
+endfunction()
+
+# Everything but the gate, compiled once. The tests link it with a gate of their own.
+add_library(qnl_ungated OBJECT ${sources})
+qnl_configure(qnl_ungated)
+
+# A variant, installed into lib/`folder`, from where the stand-in is `to_platform`.
+function(qnl_add_variant target variant to_platform)
+    add_library(${target} SHARED client/gate_${variant}.cpp $<TARGET_OBJECTS:qnl_ungated>)
+    qnl_configure(${target})
+    set_target_properties(${target} PROPERTIES
+        OUTPUT_NAME ${library}
+        LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib/${variant})
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${exports})
+    target_link_options(${target}
+        PRIVATE ${QNL_LINK_WHOLE} -Wl,--version-script=${exports}
+        # A caller may use no symbol of the library, only virtual calls: without it the proxies would not be registered.
+        PUBLIC -Wl,--no-as-needed)
+    if(QNL_PLATFORM STREQUAL "standin")
+        set_target_properties(${target} PROPERTIES INSTALL_RPATH "\$ORIGIN/${to_platform}")
+    endif()
+endfunction()
+
+qnl_add_variant(${library} emulator qnl_privacy_indicator/platform/lib)
+set_target_properties(${library} PROPERTIES EXPORT_NAME privacy_indicator_service_intf)
 add_library(qnl::privacy_indicator_service_intf ALIAS ${library})
-set_target_properties(${library} PROPERTIES
-    EXPORT_NAME privacy_indicator_service_intf
-    CXX_VISIBILITY_PRESET hidden
-    VISIBILITY_INLINES_HIDDEN ON)
-target_compile_features(${library} PUBLIC cxx_std_17)
-# A unique symbol would keep the library in the process for ever, dlclose or not.
-target_compile_options(${library} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
-target_include_directories(${library}
-    PUBLIC
-        $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/interfaces>
-        $<INSTALL_INTERFACE:include/qnl_privacy_indicator>
-    PRIVATE client composer ipc model util)
-set(exports ${CMAKE_CURRENT_SOURCE_DIR}/cmake/exports.map)
-set_property(TARGET ${library} APPEND PROPERTY LINK_DEPENDS ${exports})
-target_link_options(${library}
-    PRIVATE ${QNL_LINK_WHOLE} -Wl,--version-script=${exports}
-    # A caller may use no symbol of the library, only virtual calls: without it the proxies would not be registered.
-    PUBLIC -Wl,--no-as-needed)
 
-if(QNL_PLATFORM STREQUAL "external")
-    target_include_directories(${library} SYSTEM PUBLIC "$<BUILD_INTERFACE:${QNL_PLATFORM_INCLUDE_DIRS}>")
-    target_link_directories(${library} PUBLIC "$<BUILD_INTERFACE:${QNL_PLATFORM_LIBRARY_DIRS}>")
-else()
-    set_target_properties(${library} PROPERTIES INSTALL_RPATH "\$ORIGIN/qnl_privacy_indicator/platform/lib")
-endif()
-# The stand-in's targets, or the names of the device's libraries.
-target_link_libraries(${library} PUBLIC utils ipc_single samgr_proxy hilog qnl_infrastructure)
+qnl_add_variant(${library}_device device ../platform/lib)

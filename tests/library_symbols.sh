@@ -16,6 +16,7 @@ complain()
 }
 
 cat >"$work/contract" <<'END'
+PrivacyIndicatorClient
 PrivacyIndicatorServiceIntf
 PrivacyIndicatorServiceIntfProxy
 PrivacyIndicatorServiceIntfStub
@@ -44,6 +45,7 @@ awk '{
     for (i = 1; i <= count; i++) mangled = mangled length(names[i]) names[i]
     print "^_Z(T[CISTV]|T[hv][^N]*_)?NK?" mangled
 }' "$work/contract" >"$work/patterns"
+echo '^NotifyPowerEvent$' >>"$work/patterns"
 while read -r pattern; do
     grep -qE "$pattern" "$work/exported" || echo "$pattern"
 done <"$work/patterns" >"$work/lacking"

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "privacy_indicator_client.h"
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
+
+void PrivacyIndicatorClient::WithSystemAbilityProxy(
+    const std::function<void(const sptr<PrivacyIndicatorServiceIntf>&)>& func)
+{
+    sptr<PrivacyIndicatorServiceIntf> current;
+    {
+        std::lock_guard<std::mutex> lock(proxyMutex);
+        InitializeProxy();
+        current = proxy;
+    }
+    // Without the lock: a call may take as long as the service pleases, and ResetProxy must not wait for it.
+    func(current);
+}
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef COMPOSER_POWER_EVENT_H
+#define COMPOSER_POWER_EVENT_H
+
+#include <cstdint>
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Composer {
+
+/** What a power event may be. */
+class ComposerPowerEvent {
+public:
+    /** True for 0 and 1. */
+    static bool IsValidEvent(int32_t event);
+};
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Composer
+
+#endif // COMPOSER_POWER_EVENT_H

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef EVENT_RESTORER_H
+#define EVENT_RESTORER_H
+
+#include <atomic>
+#include <cstdint>
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Composer {
+
+/**
+ * Remembers the last valid power event and who sent it, for the life of the process. Any thread may call anything. The
+ * two are not stored as one: a replay in between may see a new event with an old sender, and the other way round.
+ */
+class EventRestorer {
+public:
+    static EventRestorer& GetInstance();
+
+    /** Stores a valid event and the calling uid; an invalid one changes nothing. */
+    void UpdateEvent(int32_t event);
+
+    /** Reports the event to the service again if its sender is the one whose events are replayed. */
+    void NotifyPowerEventByCache();
+
+private:
+    constexpr EventRestorer() = default;
+
+    std::atomic<int32_t> event{0};
+    std::atomic<int32_t> uid{0};
+};
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Composer
+
+#endif // EVENT_RESTORER_H
