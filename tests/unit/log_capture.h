@@ -26,6 +26,18 @@ inline std::string Tagged(char level, const std::string& end)
     return std::string(1, level) + " 3 0xd005610 KRV: [QNL][" + end;
 }
 
+/** A line of the client's. */
+inline std::string Line(char level, const std::string& end)
+{
+    return Tagged(level, "PrivacyIndicator]" + end);
+}
+
+inline Lines operator+(Lines lines, const Lines& more)
+{
+    lines.insert(lines.end(), more.begin(), more.end());
+    return lines;
+}
+
 /** Collects what the library logs while it lives: level, type, domain, tag and text of each line. One at a time. */
 class LogCapture {
 public:

@@ -5,6 +5,7 @@
 
 #include "failing.h"
 #include "fake_remote.h"
+#include "fake_service.h"
 #include "indicator_switch_listener_stub_impl.h"
 #include "log_capture.h"
 #include "privacy_event_listener_stub_impl.h"
@@ -14,94 +15,7 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test {
 namespace {
 
-using EventListener = Privacy::PrivacyEventListenerIntf;
-using SwitchListener = Indicator::IndicatorSwitchListenerIntf;
-
 const std::u16string DESCRIPTOR = u"OHOS.Korvane.Quenlar.PrivacyIndicator.PrivacyIndicatorServiceIntf";
-
-// Writes down each call with its arguments, and answers as it is told.
-class FakeService : public PrivacyIndicatorServiceIntfStub {
-public:
-    int32_t RegisterPrivacyEventListener(const std::string& dataType, const sptr<EventListener>& listener) override
-    {
-        return Called("RegisterEvent " + dataType, listener->AsObject());
-    }
-
-    int32_t UnregisterPrivacyEventListener(const sptr<EventListener>& listener) override
-    {
-        return Called("UnregisterEvent", listener->AsObject());
-    }
-
-    int32_t GetPrivacyEventDetails(int32_t userId, std::vector<PrivacyEventDetail>& out) override
-    {
-        return Filled("Details " + std::to_string(userId), out, DETAIL);
-    }
-
-    int32_t GetPrivacyEventDetailsByPrivacySensorType(
-        int32_t userId, int32_t privacySensorType, std::vector<PrivacyEventDetail>& out) override
-    {
-        return Filled("Details " + std::to_string(userId) + " " + std::to_string(privacySensorType), out, DETAIL);
-    }
-
-    int32_t GetActiveIndicators(std::vector<IndicatorData>& out) override
-    {
-        return Filled("Active", out, DATA);
-    }
-
-    int32_t TurnOnIndicator(int32_t privacySensorType, const IndicatorPosition& position, const IndicatorSize& size,
-        int32_t animationType) override
-    {
-        return Called("On " + std::to_string(privacySensorType) + position.ToString() + size.ToString() +
-                      std::to_string(animationType));
-    }
-
-    int32_t TurnOffIndicator(int32_t privacySensorType, int32_t animationType) override
-    {
-        return Called("Off " + std::to_string(privacySensorType) + " " + std::to_string(animationType));
-    }
-
-    int32_t RegisterPrivacyIndicatorSwitchListener(const sptr<SwitchListener>& listener) override
-    {
-        return Called("RegisterSwitch", listener->AsObject());
-    }
-
-    int32_t UnregisterPrivacyIndicatorSwitchListener(const sptr<SwitchListener>& listener) override
-    {
-        return Called("UnregisterSwitch", listener->AsObject());
-    }
-
-    int32_t GetPermissionUsageDurationSummary(
-        const PermissionUsageDurationQuery& query, std::vector<PermissionUsageDuration>& out) override
-    {
-        return Filled("Usage " + query.ToString(), out, DURATION);
-    }
-
-    int32_t NotifyPowerEvent(int32_t event) override
-    {
-        return Called("Power " + std::to_string(event));
-    }
-
-    size_t elements = 0;
-    int32_t result = 0;
-    std::string call;
-    sptr<IRemoteObject> listenerObject;
-
-private:
-    int32_t Called(const std::string& what, const sptr<IRemoteObject>& object = nullptr)
-    {
-        call = what;
-        listenerObject = object;
-        return result;
-    }
-
-    template <typename T>
-    int32_t Filled(const std::string& what, std::vector<T>& out, const Sample& sample)
-    {
-        EXPECT_TRUE(out.empty());
-        out.assign(elements, *Read<T>(sample.bytes));
-        return Called(what);
-    }
-};
 
 struct Request {
     uint32_t code;
@@ -135,7 +49,7 @@ protected:
         }
         const size_t filled = reply.GetDataSize();
         MessageOption option;
-        service->call = "";
+        service->Take();
         const int32_t error = service->SendRequest(code, data, reply, option);
         replied = BytesOf(reply).substr(filled);
         unread = data.GetReadableBytes();
@@ -147,7 +61,7 @@ protected:
     {
         EXPECT_EQ(error, 5);
         EXPECT_EQ(logs.Take(), lines);
-        EXPECT_EQ(service->call, "");
+        EXPECT_EQ(service->calls, Lines{});
         EXPECT_EQ(replied, "");
     }
 
@@ -165,7 +79,7 @@ TEST_F(ServiceStubTest, CallsTheImplementationAndReplies)
         service->elements = 3;
         service->result = 0;
         EXPECT_EQ(Serve(request.code, request.arguments), 0);
-        EXPECT_EQ(service->call, request.call);
+        EXPECT_EQ(service->calls, Lines{request.call});
         const bool isQuery = !request.element.bytes.empty();
         EXPECT_EQ(replied, I32(0) + (isQuery ? I32(3) + Times(3, Present(request.element)) : ""));
 
@@ -192,7 +106,7 @@ TEST_F(ServiceStubTest, HandsListenersOver)
         const Bytes arguments = code == 1 ? Str16(u"\u00E9t") : "";
         for (const auto& object : {code < 3 ? event : change, remote}) {
             EXPECT_EQ(Serve(code, arguments, object), 0);
-            EXPECT_EQ(service->call, call);
+            EXPECT_EQ(service->calls, Lines{call});
             EXPECT_EQ(service->listenerObject, object);
             EXPECT_EQ(replied, I32(0));
         }
@@ -271,12 +185,14 @@ TEST_F(ServiceStubTest, RefusesForeignTokensAndUnknownCodes)
     for (const auto& foreign : {DESCRIPTOR + u"x", DESCRIPTOR.substr(1), u"o" + DESCRIPTOR.substr(1), middle}) {
         for (const uint32_t code : {0U, 7U, 12U}) {
             EXPECT_EQ(Serve(code, I32(2) + I32(1), nullptr, foreign), 1);
-            EXPECT_EQ(service->call + replied, "");
+            EXPECT_EQ(service->calls, Lines{});
+            EXPECT_EQ(replied, "");
         }
     }
     for (const uint32_t code : {0U, 12U, 13U, UINT32_MAX}) {
         EXPECT_EQ(Serve(code, I32(2) + I32(1)), 305);
-        EXPECT_EQ(service->call + replied, "");
+        EXPECT_EQ(service->calls, Lines{});
+        EXPECT_EQ(replied, "");
     }
     EXPECT_EQ(logs.Take(), Lines());
 }
