@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# The privacy indicator service and its callers at work, each in a process of its own: `examples/demo.sh BUILD_DIR`.
-# Every step says what happens, and shows what the programs then print. The last line says whether all of it came.
+# The privacy indicator service, its callers and apps on the client at work, each in a process of its own:
+# `examples/demo.sh BUILD_DIR`. The same programs run on either variant of the library. Every step says what happens,
+# and shows what the programs then print; a line for each variant says whether all of it came.
 set -euo pipefail
 
 here=$(dirname "$(readlink -f "$0")")
@@ -13,14 +14,18 @@ elif [[ ${2:-} != beside-bus ]]; then
     exit 2
 fi
 
-readonly programs=$1/examples
-if [[ ! -x $programs/indicator_service || ! -x $programs/indicator_ctl ]]; then
-    echo "demo: there is no indicator_service and indicator_ctl in $programs: build them first" >&2
-    exit 1
-fi
+build=$(readlink -f "$1")
+readonly programs=$build/examples
+for program in indicator_service indicator_ctl indicator_monitor power_reporter; do
+    if [[ ! -x $programs/$program ]]; then
+        echo "demo: there is no $program in $programs: build it first" >&2
+        exit 1
+    fi
+done
 readonly patience=5                 # Seconds that a line is waited for...
 readonly deadline=$((SECONDS + 45)) # ...but not beyond this.
-export HILOG_LEVEL=OFF              # The library's log would stand between the lines.
+export HILOG_LEVEL=OFF              # The library's log would stand between the lines, but where it is the story.
+readonly replayed_uid=3036          # Whose power events the client replays.
 
 bold='' green='' red='' plain=''
 if [[ -t 1 ]]; then
@@ -34,6 +39,7 @@ declare -A begin   # Of each file, the first line that belongs to the current st
 steps=0
 expected=0
 missing=0
+failed=0
 
 finish()
 {
@@ -46,6 +52,30 @@ finish()
 trap finish EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM
+
+# variant NAME TEXT: from here on, programs run on this library, and nothing is left of those before.
+variant()
+{
+    export LD_LIBRARY_PATH=$build/lib/$1
+    rm -rf "$folder"
+    mkdir "$folder"
+    process=() begin=() expected=0 missing=0
+    # What applications do, and power events.
+    mkfifo "$folder/applications" "$folder/power"
+    exec 3<>"$folder/applications" 4<>"$folder/power"
+    printf '\n%sOn the library for %s (LD_LIBRARY_PATH=lib/%s)%s\n' "$bold" "$2" "$1" "$plain"
+}
+
+# verdict NAME: whether all lines came since it began.
+verdict()
+{
+    if ((missing > 0)); then
+        failed=1
+        printf '\n%sdemo: FAIL %s: %d of %d lines are wrong%s\n' "$red" "$1" $missing $expected "$plain"
+    else
+        printf '\n%sdemo: PASS %s: %d of %d lines%s\n' "$green" "$1" $expected $expected "$plain"
+    fi
+}
 
 # step TEXT: from here on, only new lines count.
 step()
@@ -61,9 +91,37 @@ step()
 run()
 {
     printf '   $ %s\n' "${*:2}"
+    start "$1" applications "$programs/$2" "${@:3}"
+}
+
+# run_logged NAME PROGRAM [ARGUMENT...]: the same, with the library's log.
+run_logged()
+{
+    HILOG_LEVEL=I run "$@"
+}
+
+# start NAME INPUT COMMAND...
+start()
+{
     touch "$folder/$1"
-    "$programs/$2" "${@:3}" <"$folder/applications" >>"$folder/$1" 2>&1 3>&- &
+    "${@:3}" <"$folder/$2" >>"$folder/$1" 2>&1 3>&- 4>&- &
     process[$1]=$!
+}
+
+# run_reporter EVENT: as the user whose events are replayed, if a user namespace can be had for it. The bus sees the
+# user outside, whom it knows.
+can_be_replayed=no
+run_reporter()
+{
+    local -a as=(unshare "--map-user=$replayed_uid")
+    if "${as[@]}" true 2>/dev/null; then
+        can_be_replayed=yes
+    else
+        can_be_replayed=no as=()
+        printf '   (no user namespace to be had here: not as uid %d, so its event will not be replayed)\n' $replayed_uid
+    fi
+    printf '   $ %s\n' "${as[*]:+${as[*]} }power_reporter $1"
+    HILOG_LEVEL=I start reporter power "${as[@]}" "$programs/power_reporter" "$1"
 }
 
 # app LINE: something that an application does, as the service is told.
@@ -71,6 +129,13 @@ app()
 {
     printf '   (%s)\n' "$1"
     echo "$1" >&3
+}
+
+# power LINE: a line for the reporter.
+power()
+{
+    printf '   (power_reporter reads: %s)\n' "$1"
+    echo "$1" >&4
 }
 
 # ctl ARGUMENTS EXIT_CODE [PATTERN...]: a request, the exit code that it should have and the lines that should come.
@@ -93,11 +158,47 @@ expect()
     local line
     ((++expected))
     if await find_line "$1" "$2"; then
-        printf '   %-7s | %s\n' "$1" "$line"
+        # Of a line of the client's log, what it says.
+        printf '   %-8s | %s\n' "$1" "${line/#*\[PrivacyIndicator\]/log: }"
     else
         ((++missing))
-        printf '   %s%-7s | MISSING: %s%s\n' "$red" "$1" "$2" "$plain"
+        printf '   %s%-8s | MISSING: %s%s\n' "$red" "$1" "$2" "$plain"
     fi
+}
+
+# expect_in_order NAME PATTERN...: each one behind the one before.
+expect_in_order()
+{
+    local pattern number
+    for pattern in "${@:2}"; do
+        number=0
+        expect "$1" "$pattern"
+        ((number == 0)) || begin[$1]=$((number + 1))
+    done
+}
+
+# refuse NAME PATTERN: there is no such line, and has not been on this variant. To be asked once it would have come.
+refuse()
+{
+    ((++expected))
+    if line=$(grep -E -m 1 "$2" "$folder/$1"); then
+        ((++missing))
+        printf '   %s%-8s | UNEXPECTED: %s%s\n' "$red" "$1" "$line" "$plain"
+    else
+        printf '   %-8s | (nothing of: %s)\n' "$1" "$2"
+    fi
+}
+
+# hear_camera on|off STATE APPLICATION UID: what the caller and both apps are told of the camera's only use.
+hear_camera()
+{
+    local app
+    expect first "^switch: Indicator\{privacySensorType=0, state=$(($2 - 1)),"
+    expect first "^sensorStateChange: .*='$3', uid=$4, privacySensorType=0, privacyAccessState=$2,"
+    for app in app other; do
+        expect $app "  indicator  camera $1\$"
+        expect $app "  use        camera by $3 $1\$"
+    done
 }
 
 # send NAME SIGNAL. A program that is gone already will be missed elsewhere.
@@ -110,15 +211,29 @@ send()
 # stop NAME SIGNAL EXIT_CODE [PATTERN...]: ends a program; its last lines, and its exit code as one more.
 stop()
 {
+    send "$1" "$2"
+    ended "$1" "${@:3}"
+}
+
+# end_of_power EXIT_CODE: ends the reporter's input, and so the reporter.
+end_of_power()
+{
+    printf '   (the end of power_reporter'"'"'s input)\n'
+    exec 4>&-
+    ended reporter "$1"
+}
+
+# ended NAME EXIT_CODE [PATTERN...]: waits for a program's end.
+ended()
+{
     local code=0 pattern
     {
-        send "$1" "$2"
         if await has_ended "${process[$1]}"; then
             wait "${process[$1]}" || code=$?
             echo "exit code $code" >>"$folder/$1"
         fi
     } 2>/dev/null # Where the shell would say that a program was killed.
-    for pattern in "${@:4}" "^exit code $3\$"; do
+    for pattern in "${@:3}" "^exit code $2\$"; do
         expect "$1" "$pattern"
     done
 }
@@ -132,12 +247,15 @@ await()
     done
 }
 
-# find_line NAME PATTERN: the first line of this step that matches is left in `line`.
+# find_line NAME PATTERN: the first line of this step that matches is left in `line`, its number in `number`.
 find_line()
 {
+    number=$((${begin[$1]:-1} - 1))
     while IFS= read -r line; do
+        ((++number))
         [[ ! $line =~ $2 ]] || return 0
     done < <(tail -n "+${begin[$1]:-1}" "$folder/$1")
+    number=0
     return 1
 }
 
@@ -146,11 +264,69 @@ has_ended()
     ! kill -0 "$1" 2>/dev/null
 }
 
-mkfifo "$folder/applications"
-exec 3<>"$folder/applications"
+readonly log='^[^[]*\[[^]]*\]\[PrivacyIndicator\]' # The head of a line of the client's.
+readonly gate="${log}WithSystemAbilityProxy: emulator is not support\$"
 
-step "A service starts. What applications do it reads from its standard input."
+variant emulator "an emulator"
+
+step "A service, a caller that registers with the service itself, and an app that does so through the client."
 run service indicator_service
+expect service '^ready$'
+run caller indicator_ctl watch
+expect caller '^event listener registered$'
+run_logged app indicator_monitor
+expect_in_order app "$gate" "$gate" '^listening$'
+
+step "A program finds the library's NotifyPowerEvent by name and reports a power event, and one that there is not."
+run_reporter 1
+expect_in_order reporter "$gate" '^power event 1: 0$'
+power 7
+expect_in_order reporter "${log}NotifyPowerEvent: error event: 7\$" '^power event 7: -1$'
+
+step "The client's requests returned 0, but none has reached the service: only a caller's own did."
+ctl "power 0" 0
+expect service '^power event 0 from uid [0-9]+$'
+refuse service '^power event 1 '
+refuse service "listener of process ${process[app]}\$"
+app "start camera com.example.chat 20010043"
+expect caller "^sensorStateChange: .*='com.example.chat', uid=20010043, privacySensorType=0, privacyAccessState=1,"
+refuse app '(indicator|use)  '
+
+step "The service is killed: the app hears of three switches, and of one event with three records."
+stop service KILL 137
+expect_in_order app '  indicator  camera off$' '  indicator  microphone off$' '  indicator  location off$' \
+    '  use        camera off, microphone off, location off$'
+expect reporter "${log}OnRemoveSystemAbility: OnRemoveSystemAbility: saId=66090\$"
+
+step "The service is back: the power event is replayed, then both kinds of listeners are registered again."
+run service indicator_service
+expect service '^ready$'
+if [[ $can_be_replayed == yes ]]; then
+    expect_in_order reporter "${log}NotifyPowerEventByCache: uid: $replayed_uid\$" \
+        "${log}NotifyPowerEventByCache: To notify current event: 1\$" "$gate" \
+        "${log}ReRegisterPrivacyIndicatorSwitchListener: begin.\$" "${log}ReRegisterPrivacyEventListener: begin.\$"
+else
+    expect_in_order reporter "${log}NotifyPowerEventByCache: uid: [0-9]+\$" \
+        "${log}ReRegisterPrivacyIndicatorSwitchListener: begin.\$" "${log}ReRegisterPrivacyEventListener: begin.\$"
+fi
+expect_in_order app "${log}NotifyPowerEventByCache: uid: 0\$" \
+    "${log}ReRegisterPrivacyIndicatorSwitchListener: begin.\$" "$gate" \
+    "${log}ReRegisterPrivacyEventListener: begin.\$" "$gate"
+
+step "All end when asked to, the reporter with its input: one event was refused."
+end_of_power 1
+stop app INT 0
+stop caller TERM 0
+stop service TERM 0
+
+verdict emulator
+
+variant device "a device"
+camera=$folder/video0
+touch "$camera"
+
+step "A service starts. What applications do it reads from its standard input, and sees from who has a file open."
+run service indicator_service --watch "camera=$camera"
 expect service '^ready$'
 
 step "Two callers register a listener of each kind (requests 8 and 1)."
@@ -224,28 +400,65 @@ expect second '^sensorStateChange: .*, privacySensorType=1, privacyAccessState=1
 step "A caller has heard enough and unregisters its listeners (requests 9 and 2)."
 stop second INT 0 '^switch listener unregistered$' '^event listener unregistered$'
 
-step "The service is killed: the remaining listener is told, and requests fail at once."
+step "Two apps on the client: here, their requests reach the service."
+for app in app other; do
+    run_logged $app indicator_monitor
+    expect $app '^listening$'
+    expect service "^switch listener of process ${process[$app]}\$"
+    expect service "^event listener of process ${process[$app]}\$"
+done
+
+step "So does a power event through the library's NotifyPowerEvent."
+run_reporter 1
+expect reporter '^power event 1: 0$'
+expect service '^power event 1 from uid [0-9]+$'
+
+step "A process opens the file that stands for the camera: every listener of every process hears."
+printf '   $ tail -f %s\n' "$camera"
+start user applications tail -f "$camera"
+hear_camera on 1 tail "$(id -u)"
+ctl "active" 0 '^Indicator\{privacySensorType=0, state=0,'
+
+step "The process is killed, which closes the file: the indicator is off."
+stop user KILL 137
+hear_camera off 2 tail "$(id -u)"
+
+step "The service is killed: every listener is told, and requests fail at once."
 stop service KILL 137
 expect first '^the service is gone$'
+for app in app other; do
+    expect_in_order $app '  indicator  camera off$' '  indicator  microphone off$' '  indicator  location off$' \
+        '  use        camera off, microphone off, location off$'
+done
+expect reporter "${log}OnRemoveSystemAbility: "
 ctl "active" 3 'the service is not there$'
 
-step "The service is back, with nothing remembered: the listener registers by itself and hears again."
-run service indicator_service
+step "The service is back, with nothing remembered: the client replays the power event and registers its listeners."
+run service indicator_service --watch "camera=$camera"
 expect service '^ready$'
+if [[ $can_be_replayed == yes ]]; then
+    expect reporter "${log}NotifyPowerEventByCache: To notify current event: 1\$"
+    expect service '^power event 1 from uid [0-9]+$'
+fi
+for app in app other; do
+    expect service "^switch listener of process ${process[$app]}\$"
+    expect service "^event listener of process ${process[$app]}\$"
+done
 expect first '^the service is back$'
 expect first '^switch listener registered$'
 expect first '^event listener registered$'
+
+step "Without having done anything, the apps hear again."
 app "start camera com.example.chat 20010043"
-expect first '^switch: Indicator\{privacySensorType=0, state=0,'
-expect first '^sensorStateChange: .*, privacySensorType=0, privacyAccessState=1,'
+hear_camera on 1 com.example.chat 20010043
 ctl "active" 0 '^Indicator\{privacySensorType=0, state=0,'
 
-step "Both end when asked to."
+step "All end when asked to, the reporter with its input."
+end_of_power 0
+stop app INT 0
+stop other TERM 0
 stop first TERM 0
 stop service TERM 0
 
-if ((missing > 0)); then
-    printf '\n%sdemo: FAIL %d of %d lines are missing%s\n' "$red" $missing $expected "$plain"
-    exit 1
-fi
-printf '\n%sdemo: PASS %d of %d lines%s\n' "$green" $expected $expected "$plain"
+verdict device
+exit $failed

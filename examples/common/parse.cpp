@@ -20,8 +20,10 @@ const char* NameOf(PrivacySensorType sensor)
         return "camera";
     case PrivacySensorType::MICROPHONE:
         return "microphone";
-    default:
+    case PrivacySensorType::LOCATION:
         return "location";
+    default:
+        return "unknown sensor";
     }
 }
 

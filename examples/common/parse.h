@@ -20,7 +20,7 @@ public:
 /** `camera`, `microphone` or `location`. Throws ParseError for anything else. */
 PrivacySensorType ParseSensor(const std::string& name);
 
-/** The name that ParseSensor reads. `sensor` must be one of the three. */
+/** The name that ParseSensor reads; "unknown sensor" if `sensor` is not one of the three. */
 const char* NameOf(PrivacySensorType sensor);
 
 /** A decimal number that fits `Number`. Throws ParseError for anything else. */

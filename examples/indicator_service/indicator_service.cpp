@@ -30,6 +30,15 @@ bool IsUser(int32_t userId)
     return userId >= 0 || userId == UseHistory::ALL_USERS;
 }
 
+// Prints who registered a listener, if `result` says that it was. Returns it.
+int32_t ReportRegistered(const std::string& listener, int32_t result)
+{
+    if (result == PrivacyIndicatorServiceIntf::SUCCESS) {
+        PrintLine(listener + " listener of process " + std::to_string(IPCSkeleton::GetCallingPid()));
+    }
+    return result;
+}
+
 } // namespace
 
 IndicatorService::IndicatorService()
@@ -87,7 +96,7 @@ int32_t IndicatorService::RegisterPrivacyEventListener(
     if (dataType.empty() || dataType.size() > MAX_DATA_TYPE || privacyEventListener == nullptr) {
         return INVALID_VALUE;
     }
-    return eventListeners_->Add(privacyEventListener, dataType);
+    return ReportRegistered("event", eventListeners_->Add(privacyEventListener, dataType));
 }
 
 int32_t IndicatorService::UnregisterPrivacyEventListener(const sptr<PrivacyEventListenerIntf>& privacyEventListener)
@@ -164,7 +173,7 @@ int32_t IndicatorService::TurnOffIndicator(int32_t privacySensorType, int32_t an
 
 int32_t IndicatorService::RegisterPrivacyIndicatorSwitchListener(const sptr<IndicatorSwitchListenerIntf>& listener)
 {
-    return listener != nullptr ? switchListeners_->Add(listener, SWITCH) : INVALID_VALUE;
+    return listener != nullptr ? ReportRegistered("switch", switchListeners_->Add(listener, SWITCH)) : INVALID_VALUE;
 }
 
 int32_t IndicatorService::UnregisterPrivacyIndicatorSwitchListener(const sptr<IndicatorSwitchListenerIntf>& listener)

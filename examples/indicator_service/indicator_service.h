@@ -42,7 +42,10 @@ public:
     /** Lets all listeners go. Waits for the calls that they are in. */
     void Close();
 
-    /** A listener may have several data types. NO_ROOM beyond the limits of ListenerRegistry. */
+    /**
+     * A listener may have several data types. NO_ROOM beyond the limits of ListenerRegistry. Either registration prints
+     * the listener's kind and process as a line on standard output.
+     */
     int32_t RegisterPrivacyEventListener(
         const std::string& dataType, const sptr<Privacy::PrivacyEventListenerIntf>& privacyEventListener) override;
     int32_t UnregisterPrivacyEventListener(

@@ -7,10 +7,13 @@
 #include <array>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <string>
+#include <system_error>
+#include <vector>
 
+#include "arguments.h"
 #include "end_signals.h"
+#include "file_watch.h"
 #include "indicator_service.h"
 #include "print.h"
 #include "sensor_input.h"
@@ -23,10 +26,11 @@ using namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples;
 
 namespace {
 
-constexpr const char* USAGE = R"(usage: indicator_service
+constexpr const char* USAGE = R"(usage: indicator_service [--watch SENSOR=PATH]...
 
 The privacy indicator service, system ability 66090 on the bus that OHOS_BUS_ADDRESS names. It keeps everything in
-memory. "ready" on standard output says that callers can find it; a power event is printed there too.
+memory. "ready" on standard output says that callers can find it; who registers a listener and what power events come is
+printed there too.
 
 Standard input tells it who uses which sensor (camera, microphone or location), a line each:
     start camera com.example.chat 20010043
@@ -34,7 +38,10 @@ Standard input tells it who uses which sensor (camera, microphone or location), 
 What it cannot read it names on standard error, with the line's number, and goes on. The end of the input does not end
 it; SIGINT and SIGTERM do.
 
-Exit codes: 0 ended by a signal, 1 cannot be the service (any more), 2 wrong usage.
+With --watch camera=/dev/video0, the camera is also in use while a process has that file open; any file can stand for a
+sensor. Of other users' processes only root sees what they have open.
+
+Exit codes: 0 ended by a signal, 1 cannot be the service (any more) or watch a file, 2 wrong usage.
 )";
 
 enum ExitCode { EXIT_ENDED = 0, EXIT_NO_SERVICE = 1, EXIT_USAGE = 2 };
@@ -66,41 +73,47 @@ bool Publish(ISystemAbilityManager& manager, const sptr<IndicatorService>& servi
     return false;
 }
 
-// Takes sensor use from standard input until `ended` can be read.
-void Serve(IndicatorService& service, int ended)
+// Takes sensor use from standard input and the files until `ended` can be read.
+void Serve(IndicatorService& service, FileWatch& files, int ended)
 {
     SensorInput input(STDIN_FILENO, service);
-    std::array<pollfd, 2> wait{{{ended, POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}}};
+    std::array<pollfd, 3> wait{{{ended, POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}, {files.GetFd(), POLLIN, 0}}};
     while (wait[0].revents == 0) {
-        if (poll(wait.data(), wait.size(), -1) > 0 && wait[1].revents != 0 && !input.Read()) {
+        const int count = poll(wait.data(), wait.size(), files.GetTimeout());
+        if (count > 0 && wait[1].revents != 0 && !input.Read()) {
             wait[1] = {-1, 0, 0}; // Read to its end: not waited for any more.
+        }
+        if (count == 0 || (count > 0 && wait[2].revents != 0)) {
+            files.Look();
         }
     }
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+std::vector<SensorFile> ParseFiles(const std::vector<std::string>& line)
 {
-    if (argc == 2 && std::strcmp(argv[1], "--help") == 0) {
-        std::fputs(USAGE, stdout);
-        return EXIT_ENDED;
+    std::vector<SensorFile> files;
+    const Arguments arguments(line, 0, {"--watch"});
+    for (const auto& value : arguments.Values("--watch")) {
+        files.push_back(ParseSensorFile(value));
     }
-    if (argc > 1) {
-        Complain("takes no arguments but --help");
-        return EXIT_USAGE;
-    }
+    return files;
+}
+
+// As main returns.
+int Run(const std::vector<SensorFile>& sensorFiles)
+{
     std::signal(SIGPIPE, SIG_IGN); // Callers are served whether or not anyone reads what this prints.
     const sigset_t endSignals = BlockEndSignals();
     const int ended = signalfd(-1, &endSignals, SFD_CLOEXEC);
     const sptr<ISystemAbilityManager> manager = FindManager();
     const sptr<IndicatorService> service(new IndicatorService());
+    FileWatch files(sensorFiles, *service);
     if (ended < 0 || manager == nullptr || !Publish(*manager, service)) {
         return EXIT_NO_SERVICE;
     }
     PrintLine("ready");
 
-    Serve(*service, ended);
+    Serve(*service, files, ended);
 
     const int32_t error = manager->RemoveSystemAbility(PRIVACY_INDICATOR_SA_ID);
     service->Close();
@@ -109,4 +122,24 @@ int main(int argc, char** argv)
         return EXIT_NO_SERVICE;
     }
     return EXIT_ENDED;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const std::vector<std::string> line(argv + 1, argv + argc);
+    if (line == std::vector<std::string>{"--help"}) {
+        std::fputs(USAGE, stdout);
+        return EXIT_ENDED;
+    }
+    try {
+        return Run(ParseFiles(line));
+    } catch (const ParseError& error) {
+        Complain(std::string(error.what()) + " (--help tells more)");
+        return EXIT_USAGE;
+    } catch (const std::system_error& error) {
+        Complain(error.what());
+        return EXIT_NO_SERVICE;
+    }
 }

@@ -263,9 +263,16 @@ std::string Fork(const Words& words)
     return "0";
 }
 
+// Descriptors that the platform opens and closes on a thread of its own are as they stay.
+void AwaitBus()
+{
+    Manager()->GetSystemAbility(0);
+}
+
 // exhaust: leaves no descriptor free, until `restore`.
 std::string Exhaust(const Words& /* words */)
 {
+    AwaitBus();
     const rlimit limit{64, 64};
     setrlimit(RLIMIT_NOFILE, &limit);
     for (int fd = 0; (fd = dup(STDIN_FILENO)) >= 0;) {
@@ -314,6 +321,7 @@ std::string Raw(const Words& words)
     unsigned char answer[1024];
     const ssize_t sent = sendmsg(connection, &packet, MSG_NOSIGNAL);
     const ssize_t size = sent > 0 ? recv(connection, answer, sizeof(answer), 0) : -1;
+    AwaitBus();
     close(connection);
     std::string text;
     for (ssize_t i = 0; i < size; ++i) {

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: Apache-2.0
+// Reports power events as a program does that knows nothing of the library but the name of one function.
+#include <dlfcn.h>
+
+#include <cstdio>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "notify_power_event.h"
+#include "parse.h"
+#include "print.h"
+
+using namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples;
+
+namespace {
+
+constexpr const char* USAGE = R"(usage: power_reporter [EVENT...]
+
+Loads the library and reports power events, 0 or 1: first those of the command line, then one for each line of standard
+input, until its end. Each result is a line on standard output. What it cannot read it names on standard error, and goes
+on. While the program lives, the library reports the last event again whenever the service comes back, if the user that
+it runs as is 3036.
+
+Exit codes: 0 every event was taken, 1 one was refused or could not be read, 2 the library could not be loaded.
+)";
+
+enum ExitCode { EXIT_TAKEN = 0, EXIT_NOT_ALL = 1, EXIT_NO_LIBRARY = 2 };
+
+constexpr const char* LIBRARY = "libqnl_privacy_indicator_service_intf.so";
+constexpr const char* FUNCTION = "NotifyPowerEvent";
+
+using Notify = decltype(&NotifyPowerEvent);
+
+/** Null, and a line on stderr, if there is no such function to be had. */
+Notify LoadNotify()
+{
+    // Never unloaded: the library's threads may call it as long as the program lives.
+    void* const library = dlopen(LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    void* const function = library != nullptr ? dlsym(library, FUNCTION) : nullptr;
+    if (function == nullptr) {
+        Complain(dlerror());
+    }
+    return reinterpret_cast<Notify>(function);
+}
+
+/** False, and a line that says why, if the event was not taken. `place` is where the text stands. */
+bool Report(Notify notify, const std::string& text, const std::string& place)
+{
+    try {
+        const auto event = ParseNumber<int32_t>(text);
+        const int32_t result = notify(event);
+        PrintLine("power event " + std::to_string(event) + ": " + std::to_string(result));
+        return result == 0;
+    } catch (const ParseError& error) {
+        Complain(place + ": " + error.what());
+        return false;
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const std::vector<std::string> events(argv + 1, argv + argc);
+    if (events == std::vector<std::string>{"--help"}) {
+        std::fputs(USAGE, stdout);
+        return EXIT_TAKEN;
+    }
+    const Notify notify = LoadNotify();
+    if (notify == nullptr) {
+        return EXIT_NO_LIBRARY;
+    }
+    bool isAllTaken = true;
+    for (size_t i = 0; i < events.size(); ++i) {
+        isAllTaken &= Report(notify, events[i], "event " + std::to_string(i + 1));
+    }
+    std::string line;
+    for (int number = 1; std::getline(std::cin, line); ++number) {
+        isAllTaken &= Report(notify, line, "line " + std::to_string(number));
+    }
+    return isAllTaken ? EXIT_TAKEN : EXIT_NOT_ALL;
+}
