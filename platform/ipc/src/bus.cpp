@@ -38,7 +38,8 @@ constexpr uint32_t NAME_IS_RELEASED = 1;
 // Entries of one Release message: far below what the daemon takes.
 constexpr size_t MAX_RELEASES = 1000;
 
-// What a thread waits for and the bus thread brings, perhaps too late. Shared by both.
+// What a thread waits for and the bus thread brings, perhaps too late. Shared by both. Set by a task, between messages:
+// the spare descriptor is there then, and the thread that wakes up cannot take its place.
 template <typename T>
 class Answer {
 public:
@@ -360,15 +361,15 @@ int Bus::AskForName(const char* member, const std::string& name, const uint32_t*
 {
     const auto answer = std::make_shared<Answer<int>>();
     Post([this, member, name, hasFlags = flags != nullptr, flag = flags != nullptr ? *flags : 0, answer] {
-        CallDaemon(member, name, hasFlags ? &flag : nullptr, [answer, hasFlags](sd_bus_message* reply) {
+        CallDaemon(member, name, hasFlags ? &flag : nullptr, [this, answer, hasFlags](sd_bus_message* reply) {
             uint32_t result = 0;
-            if (!IsAnswer(reply) || sd_bus_message_read(reply, "u", &result) <= 0) {
-                answer->Set(ErrorOf(reply));
-                return;
+            int error = ErrorOf(reply);
+            if (IsAnswer(reply) && sd_bus_message_read(reply, "u", &result) > 0) {
+                const bool isDone =
+                    hasFlags ? result == NAME_IS_OURS || result == NAME_WAS_OURS : result == NAME_IS_RELEASED;
+                error = isDone ? ERR_NONE : ERR_REFUSED;
             }
-            const bool isDone =
-                hasFlags ? result == NAME_IS_OURS || result == NAME_WAS_OURS : result == NAME_IS_RELEASED;
-            answer->Set(isDone ? ERR_NONE : ERR_REFUSED);
+            Post([answer, error] { answer->Set(error); });
         });
     });
     return answer->AwaitUntil(Clock::now() + DAEMON_PATIENCE, ERR_TIMED_OUT);
@@ -389,7 +390,8 @@ std::shared_ptr<Peer> Bus::OwnerOf(const std::string& name)
     const auto answer = std::make_shared<Answer<std::shared_ptr<Peer>>>();
     Post([this, name, answer] {
         AskOwner(name, [this, answer](const std::string& owner) {
-            answer->Set(owner.empty() || owner == ownName_ ? nullptr : PeerNamed(owner));
+            const auto peer = owner.empty() || owner == ownName_ ? nullptr : PeerNamed(owner);
+            Post([answer, peer] { answer->Set(peer); });
         });
     });
     return answer->AwaitUntil(Clock::now() + DAEMON_PATIENCE, nullptr);
@@ -436,12 +438,12 @@ Descriptor Bus::OpenConnection(const std::string& peer, Clock::time_point deadli
             sd_bus_message_new_method_call(bus_, &call, peer.c_str(), PEER_PATH, PEER_INTERFACE, "Connect");
         }
         const auto patience = std::chrono::ceil<std::chrono::microseconds>(deadline - Clock::now()) + MORE_PATIENCE;
-        Call(call, patience, [place, answer](sd_bus_message* reply) {
+        Call(call, patience, [this, place, answer](sd_bus_message* reply) {
             const int fd = SocketIn(reply);
             if (fd >= 0 && place->Become(fd)) {
-                answer->Set({std::move(*place), ERR_NONE});
+                Post([answer, place] { answer->Set({std::move(*place), ERR_NONE}); });
             } else {
-                answer->Set({{}, ErrorOf(reply)});
+                Post([answer, error = ErrorOf(reply)] { answer->Set({{}, error}); });
             }
         });
     });
@@ -574,8 +576,7 @@ void Bus::Grant(sd_bus_message* call, const std::shared_ptr<Peer>& peer)
     Descriptor theirs;
     if (!Descriptor::MakePair(ours, theirs)) {
         peer->CancelConnection();
-    } else if (peer->Serve(std::move(ours))) {
-        sd_bus_reply_method_return(call, "h", theirs.Get());
+    } else if (peer->Serve(std::move(ours)) && sd_bus_reply_method_return(call, "h", theirs.Get()) >= 0) {
         return;
     }
     sd_bus_reply_method_errorf(call, SD_BUS_ERROR_NO_MEMORY, "No socket or no thread to be had");
