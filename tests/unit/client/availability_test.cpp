@@ -129,9 +129,9 @@ TEST(SubscriptionTest, IsTheConstructorsAndNeedsAManager)
 
 TEST_F(AvailabilityTest, NoticesRaceWithRegistrationAndDispatch)
 {
-    constexpr int ROUNDS = 100;
+    constexpr size_t ROUNDS = 100;
     const auto heardEvents = std::make_shared<Counter>();
-    std::atomic<int> switches = 0;
+    std::atomic<size_t> switches = 0;
     client.RegisterPrivacyEventListener("sensorStateChange", first);
     first->whenCalled = [heardEvents] { heardEvents->Add(); };
     second->whenCalled = [&switches] { ++switches; };
@@ -140,7 +140,7 @@ TEST_F(AvailabilityTest, NoticesRaceWithRegistrationAndDispatch)
     const auto manager = SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
     const auto repeat = [](const std::function<void()>& step) {
         return std::thread([step] {
-            for (int i = 0; i < ROUNDS; ++i) {
+            for (size_t i = 0; i < ROUNDS; ++i) {
                 step();
             }
         });

@@ -86,7 +86,7 @@ private:
  * takes its listeners out when it ends.
  */
 class ClientTest : public testing::Test {
-protected:
+public:
     ClientTest()
     {
         Gate::service = new FakeService();
@@ -107,6 +107,7 @@ protected:
         Gate::service = nullptr;
     }
 
+protected:
     /** The service's calls since the last time, without those for other tests' data types. */
     Lines Calls()
     {

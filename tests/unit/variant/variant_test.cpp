@@ -90,7 +90,7 @@ bool IsDevice()
 
 // Leaves a client without proxy and without death recipient.
 class VariantTest : public testing::Test {
-protected:
+public:
     ~VariantTest() override
     {
         ProvideNew();
@@ -99,6 +99,7 @@ protected:
         EXPECT_EQ(manager->RemoveSystemAbility(SERVICE_ID), 0);
     }
 
+protected:
     // The service from now on.
     sptr<FakeServiceObject> ProvideNew()
     {
