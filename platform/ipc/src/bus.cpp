@@ -591,10 +591,16 @@ void Bus::OnRelease(sd_bus_message* call)
     uint32_t count = 0;
     if (sd_bus_message_enter_container(call, 'a', "(tu)") > 0) {
         while (sd_bus_message_read(call, "(tu)", &id, &count) > 0) {
-            objects.push_back(Exports::Get().Unpin(*peer, id, count));
+            sptr<IRemoteObject> object = Exports::Get().Unpin(*peer, id, count);
+            if (object != nullptr) {
+                objects.push_back(std::move(object));
+            }
         }
     }
-    Notices::Post([released = std::move(objects)] {});
+    // A flood of releases of nothing must not become one of notices.
+    if (!objects.empty()) {
+        Notices::Post([released = std::move(objects)] {});
+    }
 }
 
 int Bus::OnOwnerChange(sd_bus_message* signal, void* bus, sd_bus_error* /* error */)

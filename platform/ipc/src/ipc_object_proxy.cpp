@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "peer.h"
+#include "process.h"
 
 namespace OHOS {
 
@@ -27,6 +28,9 @@ int IPCObjectProxy::SendRequest(uint32_t code, MessageParcel& data, MessageParce
 
 bool IPCObjectProxy::AddDeathRecipient(const sptr<DeathRecipient>& recipient)
 {
+    if (!Transport::Process::IsUsable()) {
+        return false;
+    }
     std::lock_guard<std::mutex> lock(mutex_);
     // The peer is marked dead before its obituary takes this lock, so that no recipient comes too late unnoticed.
     if (recipient == nullptr || IsObjectDead()) {
@@ -38,6 +42,9 @@ bool IPCObjectProxy::AddDeathRecipient(const sptr<DeathRecipient>& recipient)
 
 bool IPCObjectProxy::RemoveDeathRecipient(const sptr<DeathRecipient>& recipient)
 {
+    if (!Transport::Process::IsUsable()) {
+        return false;
+    }
     sptr<DeathRecipient> removed; // Let go of behind the lock.
     std::lock_guard<std::mutex> lock(mutex_);
     const auto found = std::find(recipients_.begin(), recipients_.end(), recipient);

@@ -155,6 +155,7 @@ Descriptor Peer::TakeConnection(Clock::time_point deadline, int& error)
                 return {};
             }
         } else if (freed_.wait_until(lock, deadline) == std::cv_status::timeout) {
+            freed_.notify_one(); // A connection that came in this very moment is for the next one.
             error = ERR_TIMED_OUT;
             return {};
         }

@@ -43,7 +43,7 @@ public:
     virtual int32_t SubscribeSystemAbility(
         int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener) = 0;
 
-    /** No notice begins any more; one under way is not waited for. 0, or ERR_INVALID_VALUE if it was not there. */
+    /** No notice begins any more; one under way is not waited for. 0; ERR_INVALID_VALUE if it was not there. */
     virtual int32_t UnSubscribeSystemAbility(
         int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener) = 0;
 

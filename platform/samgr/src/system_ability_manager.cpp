@@ -125,11 +125,11 @@ int32_t SystemAbilityManager::AddSystemAbility(
 
 int32_t SystemAbilityManager::RemoveSystemAbility(int32_t systemAbilityId)
 {
-    if (Exports::Get().FindService(systemAbilityId) == nullptr) {
-        return ERR_INVALID_VALUE;
-    }
     if (!IsUsable()) {
         return ERR_DEAD_OBJECT;
+    }
+    if (Exports::Get().FindService(systemAbilityId) == nullptr) {
+        return ERR_INVALID_VALUE;
     }
     const int error = Bus::IsConfigured() ? Bus::Get().ReleaseName(NameOf(systemAbilityId)) : ERR_NONE;
     LetGo(Exports::Get().RemoveService(systemAbilityId));
@@ -173,6 +173,9 @@ int32_t SystemAbilityManager::SubscribeSystemAbility(
 int32_t SystemAbilityManager::UnSubscribeSystemAbility(
     int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener)
 {
+    if (!Transport::Process::IsUsable()) {
+        return ERR_DEAD_OBJECT;
+    }
     sptr<ISystemAbilityStatusChange> removed; // Let go of behind the lock.
     std::lock_guard<std::mutex> lock(mutex_);
     const auto known = availabilities_.find(systemAbilityId);
