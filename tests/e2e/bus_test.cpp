@@ -136,7 +136,9 @@ std::string Helper::ReadLine()
 
 void Helper::Signal(int signal) const
 {
-    kill(pid_, signal);
+    if (pid_ > 0) { // -1 is every process there is.
+        kill(pid_, signal);
+    }
 }
 
 void Helper::Kill()
