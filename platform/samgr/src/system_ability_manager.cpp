@@ -108,18 +108,16 @@ int32_t SystemAbilityManager::AddSystemAbility(
     if (!IsUsable()) {
         return ERR_DEAD_OBJECT;
     }
+    std::lock_guard<std::mutex> lock(changeMutex_);
     // There to be called before anyone can know of it.
     sptr<IRemoteObject> former = Exports::Get().AddService(systemAbilityId, ability);
+    int error = ERR_NONE;
     if (!Bus::IsConfigured()) {
-        LetGo(std::move(former));
         ChangeOwner(systemAbilityId, "", THIS_PROCESS);
-        return ERR_NONE;
+    } else if (former == nullptr) { // Else the name is this process's already.
+        error = Bus::Get().RequestName(NameOf(systemAbilityId));
     }
-    const int error = Bus::Get().RequestName(NameOf(systemAbilityId));
-    if (error != ERR_NONE) {
-        LetGo(Exports::Get().RemoveService(systemAbilityId));
-    }
-    LetGo(std::move(former));
+    LetGo(error != ERR_NONE ? Exports::Get().RemoveService(systemAbilityId) : std::move(former));
     return error;
 }
 
@@ -128,6 +126,7 @@ int32_t SystemAbilityManager::RemoveSystemAbility(int32_t systemAbilityId)
     if (!IsUsable()) {
         return ERR_DEAD_OBJECT;
     }
+    std::lock_guard<std::mutex> lock(changeMutex_);
     if (Exports::Get().FindService(systemAbilityId) == nullptr) {
         return ERR_INVALID_VALUE;
     }
@@ -151,13 +150,12 @@ int32_t SystemAbilityManager::SubscribeSystemAbility(
     std::lock_guard<std::mutex> lock(mutex_);
     const auto [known, isNew] = availabilities_.try_emplace(systemAbilityId);
     Availability& availability = known->second;
-    if (std::find(availability.listeners.begin(), availability.listeners.end(), listener) !=
-        availability.listeners.end()) {
+    if (FindListener(availability, listener) != availability.subscriptions.end()) {
         return ERR_NONE;
     }
-    availability.listeners.push_back(listener);
+    availability.subscriptions.push_back({listener, ++lastSubscription_});
     if (!availability.told.empty()) {
-        Tell(systemAbilityId, listener, ISystemAbilityStatusChange::ON_ADD_SYSTEM_ABILITY);
+        Tell(systemAbilityId, availability.subscriptions.back(), ISystemAbilityStatusChange::ON_ADD_SYSTEM_ABILITY);
     } else if (isNew && Bus::IsConfigured()) {
         Bus::Get().Post([this, systemAbilityId] {
             Bus::Get().AskOwner(NameOf(systemAbilityId),
@@ -182,14 +180,20 @@ int32_t SystemAbilityManager::UnSubscribeSystemAbility(
     if (known == availabilities_.end()) {
         return ERR_INVALID_VALUE;
     }
-    auto& listeners = known->second.listeners;
-    const auto found = std::find(listeners.begin(), listeners.end(), listener);
-    if (found == listeners.end()) {
+    const auto found = FindListener(known->second, listener);
+    if (found == known->second.subscriptions.end()) {
         return ERR_INVALID_VALUE;
     }
-    removed = std::move(*found);
-    listeners.erase(found);
+    removed = std::move(found->listener);
+    known->second.subscriptions.erase(found);
     return ERR_NONE;
+}
+
+std::vector<SystemAbilityManager::Subscription>::iterator SystemAbilityManager::FindListener(
+    Availability& availability, const sptr<ISystemAbilityStatusChange>& listener)
+{
+    return std::find_if(availability.subscriptions.begin(), availability.subscriptions.end(),
+        [&listener](const Subscription& subscription) { return subscription.listener == listener; });
 }
 
 sptr<IRemoteObject> SystemAbilityManager::AsObject()
@@ -237,8 +241,8 @@ void SystemAbilityManager::TellChanges(int32_t systemAbilityId, Availability& av
         return;
     }
     const auto tellAll = [&](uint32_t code) {
-        for (const auto& listener : availability.listeners) {
-            Tell(systemAbilityId, listener, code);
+        for (const Subscription& subscription : availability.subscriptions) {
+            Tell(systemAbilityId, subscription, code);
         }
     };
     if (!availability.told.empty()) {
@@ -250,12 +254,11 @@ void SystemAbilityManager::TellChanges(int32_t systemAbilityId, Availability& av
     availability.told = availability.owner;
 }
 
-void SystemAbilityManager::Tell(
-    int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener, uint32_t code)
+void SystemAbilityManager::Tell(int32_t systemAbilityId, const Subscription& subscription, uint32_t code)
 {
-    Transport::Notices::Post([this, systemAbilityId, listener, code] {
-        const sptr<IRemoteObject> object = listener->AsObject();
-        if (object == nullptr || !IsSubscribed(systemAbilityId, listener)) {
+    Transport::Notices::Post([this, systemAbilityId, subscription, code] {
+        const sptr<IRemoteObject> object = subscription.listener->AsObject();
+        if (object == nullptr || !IsSubscribed(systemAbilityId, subscription)) {
             return;
         }
         MessageParcel data;
@@ -268,11 +271,12 @@ void SystemAbilityManager::Tell(
     });
 }
 
-bool SystemAbilityManager::IsSubscribed(int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener)
+bool SystemAbilityManager::IsSubscribed(int32_t systemAbilityId, const Subscription& subscription)
 {
     std::lock_guard<std::mutex> lock(mutex_);
-    const auto& listeners = availabilities_.at(systemAbilityId).listeners;
-    return std::find(listeners.begin(), listeners.end(), listener) != listeners.end();
+    Availability& availability = availabilities_.at(systemAbilityId);
+    const auto found = FindListener(availability, subscription.listener);
+    return found != availability.subscriptions.end() && found->number == subscription.number;
 }
 
 } // namespace OHOS

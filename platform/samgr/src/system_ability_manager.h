@@ -36,24 +36,33 @@ public:
     sptr<IRemoteObject> AsObject() override;
 
 private:
+    struct Subscription {
+        sptr<ISystemAbilityStatusChange> listener;
+        uint64_t number; // A later one of the same listener has another.
+    };
+
     /** What is known of a service that was ever subscribed to. An owner is a unique bus name; empty for none. */
     struct Availability {
         std::string owner;
         std::string told;
         int leaving = 0; // Owners whose last words are awaited before anything is told.
-        std::vector<sptr<ISystemAbilityStatusChange>> listeners;
+        std::vector<Subscription> subscriptions;
     };
 
     SystemAbilityManager();
 
+    static std::vector<Subscription>::iterator FindListener(
+        Availability& availability, const sptr<ISystemAbilityStatusChange>& listener);
     void ChangeOwner(int32_t systemAbilityId, const std::string& from, const std::string& to);
     void LoseAll();
     void TellChanges(int32_t systemAbilityId, Availability& availability);
-    void Tell(int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener, uint32_t code);
-    bool IsSubscribed(int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener);
+    void Tell(int32_t systemAbilityId, const Subscription& subscription, uint32_t code);
+    bool IsSubscribed(int32_t systemAbilityId, const Subscription& subscription);
 
-    std::mutex mutex_;
+    std::mutex changeMutex_; // Held while a service of this process comes or goes.
+    std::mutex mutex_;       // Guards what follows.
     std::map<int32_t, Availability> availabilities_;
+    uint64_t lastSubscription_ = 0;
 };
 
 } // namespace OHOS
