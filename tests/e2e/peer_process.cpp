@@ -132,6 +132,7 @@ public:
             return IPCObjectStub::OnRemoteRequest(code, data, reply, option);
         } else {
             reply.WriteString(code == WHO ? Who() : text);
+            reply.WriteRemoteObject(object); // Goes home while its last proxy here goes.
         }
         return ERR_NONE;
     }
@@ -229,13 +230,14 @@ std::string Hammer(const Words& words)
             for (int i = 0; i < count; ++i) {
                 const std::string text = std::to_string(next++);
                 const int oneWay = Call(target, ECHO, "", new Object(""), MessageOption::TF_ASYNC).code;
-                const Answer echo = Call(target, ECHO, text, new Object(""));
+                const sptr<IRemoteObject> object = new Object("");
+                const Answer echo = Call(target, ECHO, text, object);
                 const Answer back = Call(target, CALL_BACK, "", Named("me"));
                 if ((oneWay != 0 && oneWay != ERR_BUFFER_FULL) || echo.code != 0 || back.code != 0) {
                     ++failed;
                     return;
                 }
-                wrong += echo.text != text || back.text.rfind(who + " 0 ", 0) != 0 ? 1 : 0;
+                wrong += echo.text != text || echo.object != object || back.text.rfind(who + " 0 ", 0) != 0 ? 1 : 0;
                 if (i == 0 && ++begun == threads.size()) {
                     Tell("begun");
                 }

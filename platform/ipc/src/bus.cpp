@@ -68,6 +68,12 @@ struct Connection {
     int error;
 };
 
+// Other kinds of addresses start programs or go over the network.
+bool IsSocket(const std::string& address)
+{
+    return address.rfind("unix:", 0) == 0 && address.find(';') == std::string::npos;
+}
+
 bool IsAnswer(sd_bus_message* reply)
 {
     return reply != nullptr && sd_bus_message_is_method_error(reply, nullptr) == 0;
@@ -161,10 +167,11 @@ bool Bus::Connect()
     if (state_ == State::UNTRIED) {
         std::lock_guard<std::mutex> lock(connectMutex_);
         if (state_ == State::UNTRIED && Open()) {
-            state_ = State::UP;
-            if (!Process::StartThread([this] { Run(); })) {
+            if (Process::StartThread([this] { Run(); })) {
+                State untried = State::UNTRIED;
+                state_.compare_exchange_strong(untried, State::UP); // It may have been lost again already.
+            } else {
                 Close();
-                state_ = State::UNTRIED;
             }
         }
     }
@@ -175,7 +182,7 @@ bool Bus::Open()
 {
     const char* address = secure_getenv(ADDRESS_VARIABLE);
     wake_ = Descriptor::Event();
-    if (address == nullptr || !wake_ || sd_bus_new(&bus_) < 0) {
+    if (address == nullptr || !IsSocket(address) || !wake_ || sd_bus_new(&bus_) < 0) {
         return false;
     }
     const auto deadline = Clock::now() + DAEMON_PATIENCE;
@@ -192,13 +199,17 @@ bool Bus::Open()
     }
     while (isOpen && sd_bus_is_ready(bus_) == 0) {
         const auto left = std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now()).count();
-        const int done = left > 0 ? sd_bus_process(bus_, nullptr) : -ETIMEDOUT;
-        isOpen = done > 0 || (done == 0 && sd_bus_wait(bus_, static_cast<uint64_t>(left)) >= 0) || done == -EINTR;
+        int done = left > 0 ? sd_bus_process(bus_, nullptr) : -ETIMEDOUT;
+        if (done == 0) {
+            done = sd_bus_wait(bus_, static_cast<uint64_t>(left));
+        }
+        isOpen = done >= 0 || done == -EINTR;
     }
     const char* name = nullptr;
     if (!isOpen || sd_bus_is_ready(bus_) <= 0 || sd_bus_get_unique_name(bus_, &name) < 0 ||
-        sd_bus_match_signal(bus_, nullptr, DAEMON, DAEMON_PATH, DAEMON, "NameOwnerChanged", &Bus::OnOwnerChange, this) <
-            0 ||
+        // Asked for before anything else is, and so in force before anything else is answered.
+        sd_bus_match_signal_async(
+            bus_, nullptr, DAEMON, DAEMON_PATH, DAEMON, "NameOwnerChanged", &Bus::OnOwnerChange, nullptr, this) < 0 ||
         sd_bus_add_object(bus_, nullptr, PEER_PATH, &Bus::OnMessage, this) < 0) {
         Close();
         return false;
@@ -230,8 +241,8 @@ void Bus::Run()
         while (!dying_.empty() && dying_.front().deadline <= now) {
             Forget(dying_.front().peer);
         }
-        if (!isBusy) {
-            Wait();
+        if (!isBusy || !blocked_.empty()) {
+            Wait(isBusy);
         }
     }
 }
@@ -255,9 +266,13 @@ bool Bus::ProcessOne()
         std::lock_guard<std::mutex> gate(Descriptor::ForkGate());
         // At most one message is read, with at most one descriptor: for which there must be room even when nobody waits
         // for it any more, or the stream would break.
-        spare_ = {};
+        if (connectsOut_ > 0) {
+            spare_ = {};
+        }
         done = sd_bus_process(bus_, nullptr);
-        spare_ = Descriptor::Copy(wake_.Get());
+        if (!spare_) {
+            spare_ = Descriptor::Copy(wake_.Get());
+        }
     }
     if (done < 0 && done != -EINTR && done != -EAGAIN) {
         Lose();
@@ -265,10 +280,10 @@ bool Bus::ProcessOne()
     return done != 0;
 }
 
-void Bus::Wait()
+void Bus::Wait(bool isBusy)
 {
     std::vector<pollfd> waits{{wake_.Get(), POLLIN, 0}};
-    int64_t timeout = -1; // In microseconds; negative for ever.
+    int64_t timeout = isBusy ? 0 : -1; // In microseconds; negative for ever.
     const auto limit = [&timeout](int64_t left) {
         const int64_t least = std::max<int64_t>(left, 0);
         timeout = timeout < 0 ? least : std::min(timeout, least);
@@ -377,7 +392,12 @@ int Bus::AskForName(const char* member, const std::string& name, const uint32_t*
 
 int Bus::RequestName(const std::string& name)
 {
-    return AskForName("RequestName", name, &DO_NOT_QUEUE);
+    const int error = AskForName("RequestName", name, &DO_NOT_QUEUE);
+    if (error == ERR_TIMED_OUT) {
+        // Should the daemon give it after all: it takes one question after the other.
+        Post([this, name] { CallDaemon("ReleaseName", name, nullptr, [](sd_bus_message* /* reply */) {}); });
+    }
+    return error;
 }
 
 int Bus::ReleaseName(const std::string& name)
@@ -438,7 +458,10 @@ Descriptor Bus::OpenConnection(const std::string& peer, Clock::time_point deadli
             sd_bus_message_new_method_call(bus_, &call, peer.c_str(), PEER_PATH, PEER_INTERFACE, "Connect");
         }
         const auto patience = std::chrono::ceil<std::chrono::microseconds>(deadline - Clock::now()) + MORE_PATIENCE;
+        ++connectsOut_;
         Call(call, patience, [this, place, answer](sd_bus_message* reply) {
+            // Who does not answer in time may still do so later.
+            connectsOut_ -= sd_bus_message_is_method_error(reply, SD_BUS_ERROR_NO_REPLY) > 0 ? 0 : 1;
             const int fd = SocketIn(reply);
             if (fd >= 0 && place->Become(fd)) {
                 Post([answer, place] { answer->Set({std::move(*place), ERR_NONE}); });

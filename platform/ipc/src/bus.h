@@ -93,7 +93,8 @@ private:
     void Run();
     void RunTasks();
     bool ProcessOne();
-    void Wait();
+    /** Until there is something to do; if it `isBusy`, sees only to the blocked ones that can go on. */
+    void Wait(bool isBusy);
     void Lose();
 
     /** Sends `call`, which is then no longer the caller's. `done` gets the reply, an error, or null for a lost bus. */
@@ -131,6 +132,7 @@ private:
     std::vector<Dying> dying_;
     std::vector<std::shared_ptr<Peer>> blocked_; // Whose releases wait for room in a socket.
     Descriptor spare_;                           // Makes room for the descriptor that a message may bring.
+    size_t connectsOut_ = 0;                     // Asked for, and not answered.
 };
 
 } // namespace OHOS::Transport

@@ -64,7 +64,7 @@ bool Exports::Pin(const Peer& peer, const sptr<IRemoteObject>& object, uint64_t&
     return true;
 }
 
-sptr<IRemoteObject> Exports::Unpin(const Peer& peer, uint64_t id, uint32_t count)
+sptr<IRemoteObject> Exports::Unpin(Peer& peer, uint64_t id, uint32_t count)
 {
     std::lock_guard<std::mutex> lock(mutex_);
     const auto pins = pins_.find(&peer);
@@ -83,7 +83,9 @@ sptr<IRemoteObject> Exports::Unpin(const Peer& peer, uint64_t id, uint32_t count
     if (pins->second.empty()) {
         pins_.erase(pins);
     }
-    return DropOne(id);
+    sptr<IRemoteObject> object = objects_.at(id).object;
+    static_cast<void>(DropOne(id));
+    return peer.Park(id, std::move(object));
 }
 
 std::vector<sptr<IRemoteObject>> Exports::Forget(const Peer& peer)
@@ -113,7 +115,7 @@ sptr<IRemoteObject> Exports::DropOne(uint64_t id)
     return object;
 }
 
-sptr<IRemoteObject> Exports::Find(const Peer& peer, uint64_t id)
+sptr<IRemoteObject> Exports::Find(Peer& peer, uint64_t id)
 {
     std::lock_guard<std::mutex> lock(mutex_);
     if (const auto service = services_.find(static_cast<int32_t>(id));
@@ -121,7 +123,7 @@ sptr<IRemoteObject> Exports::Find(const Peer& peer, uint64_t id)
         return service->second;
     }
     const auto pins = pins_.find(&peer);
-    return pins != pins_.end() && pins->second.count(id) != 0 ? objects_.at(id).object : nullptr;
+    return pins != pins_.end() && pins->second.count(id) != 0 ? objects_.at(id).object : peer.FindParked(id);
 }
 
 bool Exports::Welcomes(const Peer& peer)

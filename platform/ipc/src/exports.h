@@ -32,13 +32,13 @@ public:
     bool Pin(const Peer& peer, const sptr<IRemoteObject>& object, uint64_t& id);
 
     /** Takes `count` pins off, of those that the peer has. */
-    [[nodiscard]] sptr<IRemoteObject> Unpin(const Peer& peer, uint64_t id, uint32_t count);
+    [[nodiscard]] sptr<IRemoteObject> Unpin(Peer& peer, uint64_t id, uint32_t count);
 
     /** Takes all pins of a peer off, and has it pinned to nothing any more. */
     [[nodiscard]] std::vector<sptr<IRemoteObject>> Forget(const Peer& peer);
 
-    /** The object, if `peer` is pinned to it or it is a service; null otherwise. */
-    sptr<IRemoteObject> Find(const Peer& peer, uint64_t id);
+    /** The object, if `peer` is pinned to it, or was (see Peer::Park), or it is a service; null otherwise. */
+    sptr<IRemoteObject> Find(Peer& peer, uint64_t id);
 
     /** Whether `peer` has anything to call here. */
     bool Welcomes(const Peer& peer);

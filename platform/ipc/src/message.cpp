@@ -4,8 +4,9 @@
 #include <sys/socket.h>
 #include <sys/uio.h>
 
-#include <algorithm>
 #include <cerrno>
+#include <iterator>
+#include <utility>
 
 #include "exports.h"
 #include "ipc_object_proxy.h"
@@ -142,39 +143,45 @@ bool Incoming::Await(int fd)
     return IsWellFormed(header_, size_);
 }
 
-bool Incoming::Receive(int fd, MessageParcel& parcel)
+int Incoming::Receive(int fd, const std::shared_ptr<Peer>& from, MessageParcel& parcel)
 {
     handles_.resize(header_.handleCount);
+    const size_t start = parcel.GetDataSize();
     // The sizes are known, so that the bytes go straight to where they stay.
     iovec parts[] = {{&header_, sizeof(header_)}, {handles_.data(), handles_.size() * sizeof(Handle)}, {}};
     if (header_.dataSize > 0) {
-        const size_t end = parcel.GetDataSize() + header_.dataSize;
-        parcel.SetMaxCapacity(end + sizeof(uint32_t));
+        parcel.SetMaxCapacity(start + header_.dataSize + sizeof(uint32_t));
         parts[2] = {parcel.Extend(header_.dataSize), header_.dataSize};
-        if (parts[2].iov_base == nullptr) {
-            return false;
-        }
-        parcel.Truncate(end);
+        parcel.Truncate(start + header_.dataSize);
     }
-    return ReceivePacket(fd, parts, std::size(parts), 0) == static_cast<ssize_t>(size_) &&
-           AreWellFormed(handles_, header_.dataSize);
+    // Without memory for the data, that is cut off; the handles are wanted nonetheless.
+    const bool hasMemory = header_.dataSize == 0 || parts[2].iov_base != nullptr;
+    const ssize_t size = ReceivePacket(fd, parts, std::size(parts) - (hasMemory ? 0 : 1), MSG_TRUNC);
+    int error = ERR_BAD_MESSAGE;
+    if (size == static_cast<ssize_t>(size_) && AreWellFormed(handles_, header_.dataSize)) {
+        std::vector<MessageParcel::Entry> objects;
+        error = !Resolve(from, start, objects) ? ERR_REFUSED : hasMemory ? ERR_NONE : ERR_NO_MEMORY;
+        if (error == ERR_NONE) {
+            std::move(objects.begin(), objects.end(), std::back_inserter(parcel.objects_));
+            parcel.peer_ = from;
+            return ERR_NONE;
+        }
+    }
+    parcel.Truncate(start);
+    return error;
 }
 
-bool Incoming::Resolve(const std::shared_ptr<Peer>& from, MessageParcel& parcel)
+bool Incoming::Resolve(
+    const std::shared_ptr<Peer>& from, size_t start, std::vector<MessageParcel::Entry>& objects) const
 {
-    const size_t start = parcel.GetDataSize() - header_.dataSize;
-    parcel.objects_.reserve(handles_.size());
+    bool areKnown = true;
     for (const Handle& handle : handles_) {
-        sptr<IRemoteObject> object = handle.owner == Handle::SENDER
-                                         ? sptr<IRemoteObject>(from->ProxyOf(handle.id, true))
-                                         : Exports::Get().Find(*from, handle.id);
-        if (object == nullptr) {
-            return false;
-        }
-        parcel.objects_.push_back({start + handle.position, std::move(object)});
+        objects.push_back({start + handle.position, handle.owner == Handle::SENDER
+                                                        ? sptr<IRemoteObject>(from->ProxyOf(handle.id, true))
+                                                        : Exports::Get().Find(*from, handle.id)});
+        areKnown = areKnown && objects.back().object != nullptr;
     }
-    parcel.peer_ = from;
-    return true;
+    return areKnown;
 }
 
 } // namespace OHOS::Transport

@@ -75,11 +75,12 @@ public:
      */
     bool Await(int fd);
 
-    /** Takes that message, its bytes into `parcel`. False as above, and without memory. */
-    bool Receive(int fd, MessageParcel& parcel);
-
-    /** Puts the objects into `parcel`. False if `from` names one that it cannot know. */
-    bool Resolve(const std::shared_ptr<Peer>& from, MessageParcel& parcel);
+    /**
+     * Takes that message: its bytes and its objects into `parcel`, behind what is there already. 0; ERR_BAD_MESSAGE as
+     * above; or, the connection being as good as before and the message lost, ERR_NO_MEMORY, or ERR_REFUSED if `from`
+     * names an object that it cannot know. `parcel` is as it was then, and what the message hands over is released.
+     */
+    int Receive(int fd, const std::shared_ptr<Peer>& from, MessageParcel& parcel);
 
     const Header& GetHeader() const
     {
@@ -87,6 +88,8 @@ public:
     }
 
 private:
+    bool Resolve(const std::shared_ptr<Peer>& from, size_t start, std::vector<MessageParcel::Entry>& objects) const;
+
     Header header_{};
     size_t size_ = 0; // Of the whole packet.
     std::vector<Handle> handles_;

@@ -87,7 +87,7 @@ void Peer::Remove(const IPCObjectProxy& proxy)
     if (known != proxies_.end() && known->second == &proxy) {
         proxies_.erase(known);
     }
-    if (proxy.received_ > 0 && !dead_) {
+    if (proxy.received_ > 0 && !dead_ && releases_.size() < MAX_WAITING_RELEASES) {
         const bool isScheduled = !releases_.empty();
         releases_[proxy.id_] += proxy.received_;
         if (!isScheduled) {
@@ -112,20 +112,24 @@ int Peer::Call(uint64_t id, uint32_t code, MessageParcel& data, MessageParcel& r
     if (isOneWay) {
         return CallOneWay(message, header, deadline);
     }
-    int error = ERR_NONE;
-    Descriptor connection = TakeConnection(deadline, error);
-    if (!connection) {
-        return error;
+    for (;;) {
+        int error = ERR_NONE;
+        Descriptor connection = TakeConnection(deadline, error);
+        if (!connection) {
+            return error;
+        }
+        error = message.Send(connection.Get(), header);
+        // The peer has closed it, so that nothing was sent; if it is dead, there is no other.
+        const bool hasEnded = error == ERR_DEAD_OBJECT;
+        bool isUsable = !hasEnded;
+        if (error == ERR_NONE) {
+            error = AwaitReply(connection.Get(), reply, deadline, isUsable);
+        }
+        GiveBack(std::move(connection), isUsable);
+        if (!hasEnded) {
+            return error;
+        }
     }
-    bool isUsable = true;
-    error = message.Send(connection.Get(), header);
-    if (error == ERR_NONE) {
-        error = AwaitReply(connection.Get(), reply, deadline, isUsable);
-    } else {
-        isUsable = error != ERR_DEAD_OBJECT;
-    }
-    GiveBack(std::move(connection), isUsable);
-    return error;
 }
 
 Descriptor Peer::TakeConnection(Clock::time_point deadline, int& error)
@@ -136,7 +140,7 @@ Descriptor Peer::TakeConnection(Clock::time_point deadline, int& error)
             Descriptor connection = std::move(idle_.back());
             idle_.pop_back();
             if (IsQuiet(connection.Get())) {
-                busy_.insert(connection.Get());
+                busy_[connection.Get()] = ++lastCall_;
                 return connection;
             }
             --callConnections_;
@@ -146,7 +150,7 @@ Descriptor Peer::TakeConnection(Clock::time_point deadline, int& error)
             Descriptor connection = Bus::Get().OpenConnection(name_, deadline, error);
             lock.lock();
             if (connection && !dead_) {
-                busy_.insert(connection.Get());
+                busy_[connection.Get()] = ++lastCall_;
                 return connection;
             }
             --callConnections_;
@@ -166,8 +170,14 @@ Descriptor Peer::TakeConnection(Clock::time_point deadline, int& error)
 
 void Peer::GiveBack(Descriptor connection, bool isUsable)
 {
+    std::vector<Parked> dropped; // Behind the lock.
     std::lock_guard<std::mutex> lock(mutex_);
     busy_.erase(connection.Get());
+    while (!parked_.empty() && std::none_of(busy_.begin(), busy_.end(),
+                                   [this](const auto& call) { return call.second <= parked_.front().lastCall; })) {
+        dropped.push_back(std::move(parked_.front()));
+        parked_.pop_front();
+    }
     if (isUsable && !dead_) {
         idle_.push_back(std::move(connection));
     } else {
@@ -185,11 +195,14 @@ int Peer::AwaitReply(int fd, MessageParcel& reply, Clock::time_point deadline, b
         shutdown(fd, SHUT_RD);
     }
     Incoming message;
-    if (message.Await(fd) && message.Receive(fd, reply) && message.GetHeader().kind == Header::REPLY &&
-        message.Resolve(shared_from_this(), reply)) {
-        return static_cast<int32_t>(message.GetHeader().code);
+    int error = ERR_BAD_MESSAGE;
+    if (message.Await(fd) && message.GetHeader().kind == Header::REPLY) {
+        error = message.Receive(fd, shared_from_this(), reply);
     }
-    const int error = !isUsable ? ERR_TIMED_OUT : HasEnded(fd) ? ERR_DEAD_OBJECT : ERR_BAD_MESSAGE;
+    if (error == ERR_NONE || error == ERR_NO_MEMORY) {
+        return error == ERR_NONE ? static_cast<int32_t>(message.GetHeader().code) : error;
+    }
+    error = !isUsable ? ERR_TIMED_OUT : HasEnded(fd) ? ERR_DEAD_OBJECT : ERR_BAD_MESSAGE;
     isUsable = false;
     return error;
 }
@@ -197,8 +210,16 @@ int Peer::AwaitReply(int fd, MessageParcel& reply, Clock::time_point deadline, b
 int Peer::CallOneWay(Outgoing& message, const Header& header, Clock::time_point deadline)
 {
     std::unique_lock<std::mutex> lock(mutex_);
-    // One thread connects for all: the peer grants just one connection besides those for calls.
-    while (!oneWay_ && !dead_) {
+    while (!dead_) {
+        if (oneWay_) {
+            const int error = message.Send(oneWay_.Get(), header);
+            if (error != ERR_DEAD_OBJECT) {
+                return error;
+            }
+            oneWay_ = {}; // The peer has closed it, so that nothing was sent.
+            continue;
+        }
+        // One thread connects for all: the peer grants just one connection besides those for calls.
         if (isConnecting_) {
             if (connected_.wait_until(lock, deadline) == std::cv_status::timeout) {
                 return ERR_TIMED_OUT;
@@ -219,14 +240,7 @@ int Peer::CallOneWay(Outgoing& message, const Header& header, Clock::time_point 
             oneWay_ = std::move(connection);
         }
     }
-    if (dead_) {
-        return ERR_DEAD_OBJECT;
-    }
-    const int error = message.Send(oneWay_.Get(), header);
-    if (error == ERR_DEAD_OBJECT) {
-        oneWay_ = {};
-    }
-    return error;
+    return ERR_DEAD_OBJECT;
 }
 
 bool Peer::FlushReleases(const std::function<void(const Releases&)>& other)
@@ -266,6 +280,24 @@ const Peer* Peer::Calling()
     return g_calling;
 }
 
+sptr<IRemoteObject> Peer::Park(uint64_t id, sptr<IRemoteObject> object)
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (busy_.empty()) {
+        return object;
+    }
+    parked_.push_back({lastCall_, id, std::move(object)});
+    return nullptr;
+}
+
+sptr<IRemoteObject> Peer::FindParked(uint64_t id)
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    const auto found =
+        std::find_if(parked_.begin(), parked_.end(), [id](const Parked& parked) { return parked.id == id; });
+    return found != parked_.end() ? found->object : nullptr;
+}
+
 void Peer::SetCredentials(const Credentials& credentials)
 {
     credentials_ = credentials;
@@ -302,11 +334,16 @@ bool Peer::Serve(Descriptor connection)
     auto owned = std::make_shared<Descriptor>(std::move(connection));
     const bool isStarted = !dead_ && Process::StartThread([self = shared_from_this(), owned]() mutable {
         self->ServeConnection(*owned);
-        std::unique_lock<std::mutex> lock(self->mutex_);
-        self->served_.erase(owned->Get());
-        owned.reset();
-        lock.unlock();
+        if (Process::IsForked()) {
+            return; // A handler forked and came back in the child, where nobody holds these locks any more.
+        }
+        {
+            std::lock_guard<std::mutex> lock(self->mutex_);
+            self->served_.erase(owned->Get());
+        }
+        // Before the peer sees the end, and may want another one.
         self->CancelConnection();
+        owned.reset();
         if (self->dead_) {
             Bus::Get().Post([self] { Bus::Get().ForgetIfRead(self); });
         }
@@ -326,52 +363,50 @@ void Peer::ServeConnection(const Descriptor& connection)
     const int fd = connection.Get();
     for (;;) {
         Incoming message;
-        if (!message.Await(fd)) {
+        if (!message.Await(fd) || message.GetHeader().kind == Header::REPLY) {
             return;
         }
         const Process::Activity activity;
         MessageParcel data; // What it holds is let go of within the activity.
-        if (!activity || HasStopped() || !message.Receive(fd, data)) {
+        if (!activity || HasStopped()) {
+            return;
+        }
+        const int error = message.Receive(fd, shared_from_this(), data);
+        if (error == ERR_BAD_MESSAGE) {
             return;
         }
         const Header& header = message.GetHeader();
-        switch (header.kind) {
-        case Header::CALL:
-            if (!message.Resolve(shared_from_this(), data) || !ServeCall(fd, message, data)) {
-                return;
-            }
-            break;
-        case Header::RELEASE:
+        if (header.kind == Header::RELEASE) {
             static_cast<void>(Exports::Get().Unpin(*this, header.objectId, header.code));
-            break;
-        default:
+        } else if (!ServeCall(fd, header, data, error)) {
             return;
         }
     }
 }
 
-bool Peer::ServeCall(int fd, const Incoming& call, MessageParcel& data)
+bool Peer::ServeCall(int fd, const Header& header, MessageParcel& data, int error)
 {
     const CallingScope scope(this);
-    const Header& header = call.GetHeader();
     const sptr<IRemoteObject> target = Exports::Get().Find(*this, header.objectId);
     MessageParcel reply;
     reply.peer_ = shared_from_this();
     MessageOption option(static_cast<int>(header.flags));
-    const int result = target != nullptr ? target->SendRequest(header.code, data, reply, option) : ERR_REFUSED;
-    if (header.flags == MessageOption::TF_ASYNC) {
-        return true;
+    const int result = error != ERR_NONE   ? error
+                       : target != nullptr ? target->SendRequest(header.code, data, reply, option)
+                                           : ERR_REFUSED;
+    if (header.flags == MessageOption::TF_ASYNC || Process::IsForked()) {
+        return !Process::IsForked();
     }
     Header answer{};
     answer.kind = Header::REPLY;
     answer.code = static_cast<uint32_t>(result);
     Outgoing full(shared_from_this(), result == ERR_NONE ? &reply : nullptr);
-    const int error = full.Send(fd, answer);
-    if (error == ERR_NONE || error == ERR_DEAD_OBJECT || error == ERR_BUFFER_FULL) {
-        return error == ERR_NONE;
+    const int failure = full.Send(fd, answer);
+    if (failure == ERR_NONE || failure == ERR_DEAD_OBJECT || failure == ERR_BUFFER_FULL) {
+        return failure == ERR_NONE;
     }
     // The reply can't travel: the caller learns why.
-    answer.code = static_cast<uint32_t>(error);
+    answer.code = static_cast<uint32_t>(failure);
     return Outgoing(shared_from_this(), nullptr).Send(fd, answer) == ERR_NONE;
 }
 
@@ -381,7 +416,7 @@ void Peer::Die()
     dead_ = true;
     callConnections_ -= idle_.size();
     idle_.clear();
-    for (const int fd : busy_) {
+    for (const auto& [fd, call] : busy_) {
         shutdown(fd, SHUT_RDWR);
     }
     oneWay_ = {};

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -43,6 +44,8 @@ public:
     static constexpr size_t MAX_CONNECTIONS = 32;
     /** Connections granted to all peers. */
     static constexpr size_t MAX_ALL_CONNECTIONS = 1024;
+    /** Objects whose releases wait for a peer that does not read. Those beyond are never released. */
+    static constexpr size_t MAX_WAITING_RELEASES = 65536;
 
     explicit Peer(std::string name) : name_(std::move(name)) {}
 
@@ -81,6 +84,13 @@ public:
     {
         return credentials_.pid;
     }
+
+    /**
+     * Takes an object that the peer has just released, as long as calls to the peer are under way that began before:
+     * their replies may have brought it home, and the release came by another way. Else the object is given back.
+     */
+    [[nodiscard]] sptr<IRemoteObject> Park(uint64_t id, sptr<IRemoteObject> object);
+    sptr<IRemoteObject> FindParked(uint64_t id);
 
     /** Guarded by the exports. */
     bool IsForgotten() const
@@ -140,7 +150,7 @@ private:
     int AwaitReply(int fd, MessageParcel& reply, Clock::time_point deadline, bool& isUsable);
     void ServeConnection(const Descriptor& connection);
     bool HasStopped();
-    bool ServeCall(int fd, const Incoming& call, MessageParcel& data);
+    bool ServeCall(int fd, const Header& header, MessageParcel& data, int error);
 
     const std::string name_;
     std::atomic<bool> dead_{false};
@@ -153,7 +163,14 @@ private:
     std::map<uint64_t, wptr<IPCObjectProxy>> proxies_;
 
     std::vector<Descriptor> idle_; // Connections for calls.
-    std::set<int> busy_;
+    std::map<int, uint64_t> busy_; // Those under way, and the call's number.
+    uint64_t lastCall_ = 0;
+    struct Parked {
+        uint64_t lastCall; // When it was parked.
+        uint64_t id;
+        sptr<IRemoteObject> object;
+    };
+    std::deque<Parked> parked_;
     size_t callConnections_ = 0; // Idle, busy and being made.
     std::condition_variable freed_;
     Descriptor oneWay_;
