@@ -28,6 +28,10 @@ string(REPLACE "-O3" "-O2" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
 add_link_options(-Wl,--enable-new-dtags)
 
+# What ships is loaded by programs of every kind: a bug that is left should end the process, not become a way in.
+add_compile_options("$<$<CONFIG:Release>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3;-fstack-protector-strong>")
+add_link_options(-Wl,-z,relro,-z,now)
+
 if(QNL_SANITIZE)
     # The check of vptr looks at memory through a pipe, and takes it for bad where no descriptor is left for one.
     add_compile_options(

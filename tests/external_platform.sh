@@ -20,4 +20,4 @@ if grep -rF "$source/platform" "$work/build/build.ninja"; then
     exit 1
 fi
 LD_LIBRARY_PATH=$platform/lib "$source/tests/library_symbols.sh" \
-    "$work/device/lib/libqnl_privacy_indicator_service_intf.so"
+    "$work/device/lib/libqnl_privacy_indicator_service_intf.so" Debug

@@ -1,10 +1,11 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
-# usage: library_symbols.sh LIBRARY
+# usage: library_symbols.sh LIBRARY BUILD_TYPE
 # The library exports the classes of its public headers and nothing else, needs the five platform libraries by name,
-# and leaves no symbol open.
+# leaves no symbol open, and is hardened.
 set -eu
 library=$1
+build_type=$2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 failed=0
@@ -64,5 +65,14 @@ done
 
 ldd -r "$library" >"$work/ldd" 2>&1
 grep -E 'not found|undefined symbol' "$work/ldd" >"$work/open" && complain "open symbols" "$work/open"
+
+readelf -W -l -d "$library" >"$work/elf"
+for mark in GNU_RELRO BIND_NOW; do
+    grep -q "$mark" "$work/elf" || complain "no $mark in the library, which has" "$work/elf"
+done
+if [ "$build_type" = Release ]; then
+    nm -D "$library" >"$work/symbols"
+    grep -q __stack_chk_fail "$work/symbols" || complain "no stack protector in the library, which has" "$work/symbols"
+fi
 
 exit $failed

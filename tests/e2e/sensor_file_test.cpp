@@ -26,7 +26,7 @@ class SensorFileTest : public BusTest {
 public:
     SensorFileTest()
     {
-        mkdtemp(folder_);
+        EXPECT_NE(mkdtemp(folder_), nullptr);
         camera_ = folder_ + std::string("/camera");
         microphone_ = folder_ + std::string("/microphone");
         Create(camera_);

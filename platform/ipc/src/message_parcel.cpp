@@ -21,7 +21,9 @@ MessageParcel::MessageParcel() = default;
 
 MessageParcel::~MessageParcel() = default;
 
-// By value, as on a device. NOLINTNEXTLINE(performance-unnecessary-value-param)
+// By value, as on a device.
+// cppcheck-suppress passedByValue
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 bool MessageParcel::WriteInterfaceToken(std::u16string token)
 {
     return WriteInt32(TOKEN_POLICY) && WriteInt32(TOKEN_WORK_SOURCE) && WriteString16(token);
