@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "failing.h"
+#include "support.h"
 
-#include <cstddef>
-#include <cstring>
 #include <dlfcn.h>
 #include <new>
 
@@ -26,13 +24,8 @@ void* operator new(size_t size, const std::nothrow_t& /*tag*/) noexcept
 
 bool OHOS::Parcel::WriteInt32(int32_t value)
 {
-    // The library's own, as the pointer to a member that the C++ ABI makes of it.
-    static const auto behind = [] {
-        void* const parts[] = {dlsym(RTLD_NEXT, "_ZN4OHOS6Parcel10WriteInt32Ei"), nullptr};
-        bool (Parcel::*member)(int32_t) = nullptr;
-        static_assert(sizeof(member) == sizeof(parts));
-        std::memcpy(&member, parts, sizeof(member));
-        return member;
-    }();
-    return Failing::write != value && (this->*behind)(value);
+    // The library's own: the C++ ABI hands the object over as the first argument.
+    using Function = bool (*)(Parcel*, int32_t);
+    static const auto behind = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "_ZN4OHOS6Parcel10WriteInt32Ei"));
+    return Failing::write != value && behind(this, value);
 }

@@ -30,19 +30,19 @@ struct Sample {
 };
 
 // 0x41480000 is 12.5, 0xBE800000 is -0.25, 0x40400000 is 3.
-inline const Sample DATA = {I32(0x12345678) + I32(-90000) + I32(0x41480000) + Number(0xBE800000U) + I32(0x40400000) +
+inline const Sample DATA = {I32(0x12345678) + I32(-90000) + I32(0x41480000) + I32(0xBE800000) + I32(0x40400000) +
                                 I32(0x3F000000) + Str("#00ff7f") + I32(4),
     "Indicator{privacySensorType=305419896, state=-90000, positionX=12.500000, positionY=-0.250000, width=3.000000, "
     "height=0.500000, color='#00ff7f', animationType=4}"};
 
-inline const Sample POSITION = {I32(0x41480000) + Number(0xBE800000U) + I32(-1080) + I32(2340) + I32(270),
+inline const Sample POSITION = {I32(0x41480000) + I32(0xBE800000) + I32(-1080) + I32(2340) + I32(270),
     "IndicatorPosition{positionX=12.500000, positionY=-0.250000, screenWidth=-1080, screenHeight=2340, "
     "screenRotation=270}"};
 
 inline const Sample SIZE = {I32(0x40400000) + I32(0x3F000000), "IndicatorSize{width=3.000000, height=0.500000}"};
 
 inline const Sample DETAIL = {Str("com.o'hara") + I32(20010043) + I32(2) + I64(-5) + I32(0x55667788) + I32(0x11223344) +
-                                  I64(6) + I32(7) + I32(1) + Number(3000000000U),
+                                  I64(6) + I32(7) + I32(1) + I32(3000000000),
     "PrivacyEventDetail='com.o'hara', uid=20010043, privacySensorType=2, startTimestamp=-5, "
     "realEndTimestamp=1234605616436508552, showEndTimestamp=6, realAccessState=7, showAccessState=13000000000}"};
 

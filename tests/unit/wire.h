@@ -3,7 +3,6 @@
 #define WIRE_H
 
 #include <cstdint>
-#include <cstring>
 #include <string>
 
 #include "message_parcel.h"
@@ -13,24 +12,23 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test {
 /** What a parcel must hold, item by item and put together without one: I32(2) + Str("x"). */
 using Bytes = std::string;
 
-template <typename T>
-Bytes Number(T value)
+inline Bytes Number(int64_t value, unsigned size)
 {
     Bytes bytes;
-    for (size_t i = 0; i < sizeof(value); ++i) {
+    for (unsigned i = 0; i < size; ++i) {
         bytes += static_cast<char>(static_cast<uint64_t>(value) >> (8 * i));
     }
     return bytes;
 }
 
-inline Bytes I32(int32_t value)
+inline Bytes I32(int64_t value)
 {
-    return Number(value);
+    return Number(value, 4);
 }
 
 inline Bytes I64(int64_t value)
 {
-    return Number(value);
+    return Number(value, 8);
 }
 
 inline Bytes Padded(const Bytes& bytes)
@@ -40,16 +38,16 @@ inline Bytes Padded(const Bytes& bytes)
 
 inline Bytes Str(const std::string& text)
 {
-    return I32(static_cast<int32_t>(text.size())) + Padded(text + '\0');
+    return I32(static_cast<int64_t>(text.size())) + Padded(text + '\0');
 }
 
 inline Bytes Str16(const std::u16string& text)
 {
     Bytes units;
     for (const char16_t unit : text + u'\0') {
-        units += Number(unit);
+        units += Number(unit, 2);
     }
-    return I32(static_cast<int32_t>(text.size())) + Padded(units);
+    return I32(static_cast<int64_t>(text.size())) + Padded(units);
 }
 
 inline Bytes Token(const std::u16string& descriptor)
@@ -87,6 +85,9 @@ public:
         const Bytes filler(GetMaxCapacity() - GetDataSize() - room, 'x');
         WriteBuffer(filler.data(), filler.size());
     }
+
+    using Parcel::Extend;
+    using Parcel::Skip;
 };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test

@@ -1,12 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef LOG_CAPTURE_H
-#define LOG_CAPTURE_H
+#ifndef SUPPORT_H
+#define SUPPORT_H
 
+#include <cstdint>
+#include <cstdio>
 #include <mutex>
+#include <optional>
 #include <sstream>
 #include <string>
+#include <unistd.h>
 #include <utility>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "hilog/log.h"
 
@@ -26,7 +32,7 @@ inline std::string Tagged(char level, const std::string& end)
     return std::string(1, level) + " 3 0xd005610 KRV: [QNL][" + end;
 }
 
-/** A line of the client's. */
+/** As above, for the tag of most files. */
 inline std::string Line(char level, const std::string& end)
 {
     return Tagged(level, "PrivacyIndicator]" + end);
@@ -45,11 +51,9 @@ public:
     {
         Take();
         LOG_SetCallback([](LogType type, LogLevel level, unsigned int domain, const char* tag, const char* message) {
-            const std::string name = tag;
-            if (name == "KRV" || name == "PrivacyIndicatorService") {
-                std::ostringstream line;
-                line << "???DIWEF"[level] << ' ' << type << " 0x" << std::hex << domain << ' ' << tag << ": "
-                     << message;
+            std::ostringstream line;
+            line << "???DIWEF"[level] << ' ' << type << " 0x" << std::hex << domain << ' ' << tag << ": " << message;
+            if (domain == 0xD005610) { // The library's, not the platform's.
                 const std::lock_guard<std::mutex> lock(mutex);
                 lines.push_back(line.str());
             }
@@ -76,6 +80,42 @@ private:
     static inline Lines lines;
 };
 
+/** What fails on this thread while one of these lives. One at a time. */
+struct Failing {
+    static inline thread_local int nthNew = 0;               // The nth `new (std::nothrow)` from now.
+    static inline thread_local std::optional<int32_t> write; // A parcel's WriteInt32 of this value.
+
+    static constexpr int32_t TOKEN = 0x100; // The first int32 of an interface token.
+
+    explicit Failing(int nth = 0, std::optional<int32_t> value = {})
+    {
+        nthNew = nth;
+        write = value;
+    }
+
+    Failing(const Failing&) = delete;
+    Failing& operator=(const Failing&) = delete;
+
+    ~Failing()
+    {
+        nthNew = 0;
+        write.reset();
+    }
+};
+
+/** Runs the test up to here, and then `body`, in a new process: the client and what it keeps exist once in each. */
+template <typename Body>
+void InNewProcess(Body body)
+{
+    const auto run = [&body] {
+        body();
+        std::fflush(nullptr);
+        _exit(testing::Test::HasFailure() ? 1 : 0); // Nothing of the test's is to be ended here.
+    };
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
+}
+
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test
 
-#endif // LOG_CAPTURE_H
+#endif // SUPPORT_H
