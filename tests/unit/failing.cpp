@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "support.h"
+#include "failing.h"
 
 #include <dlfcn.h>
 #include <new>

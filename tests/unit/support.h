@@ -2,10 +2,8 @@
 #ifndef SUPPORT_H
 #define SUPPORT_H
 
-#include <cstdint>
 #include <cstdio>
 #include <mutex>
-#include <optional>
 #include <sstream>
 #include <string>
 #include <unistd.h>
@@ -14,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include "failing.h"
 #include "hilog/log.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test {
@@ -78,29 +77,6 @@ public:
 private:
     static inline std::mutex mutex;
     static inline Lines lines;
-};
-
-/** What fails on this thread while one of these lives. One at a time. */
-struct Failing {
-    static inline thread_local int nthNew = 0;               // The nth `new (std::nothrow)` from now.
-    static inline thread_local std::optional<int32_t> write; // A parcel's WriteInt32 of this value.
-
-    static constexpr int32_t TOKEN = 0x100; // The first int32 of an interface token.
-
-    explicit Failing(int nth = 0, std::optional<int32_t> value = {})
-    {
-        nthNew = nth;
-        write = value;
-    }
-
-    Failing(const Failing&) = delete;
-    Failing& operator=(const Failing&) = delete;
-
-    ~Failing()
-    {
-        nthNew = 0;
-        write.reset();
-    }
 };
 
 /** Runs the test up to here, and then `body`, in a new process: the client and what it keeps exist once in each. */

@@ -12,10 +12,11 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test {
 /** What a parcel must hold, item by item and put together without one: I32(2) + Str("x"). */
 using Bytes = std::string;
 
-inline Bytes Number(int64_t value, unsigned size)
+template <typename T>
+Bytes Number(T value)
 {
     Bytes bytes;
-    for (unsigned i = 0; i < size; ++i) {
+    for (size_t i = 0; i < sizeof(value); ++i) {
         bytes += static_cast<char>(static_cast<uint64_t>(value) >> (8 * i));
     }
     return bytes;
@@ -23,12 +24,12 @@ inline Bytes Number(int64_t value, unsigned size)
 
 inline Bytes I32(int64_t value)
 {
-    return Number(value, 4);
+    return Number(static_cast<int32_t>(value));
 }
 
 inline Bytes I64(int64_t value)
 {
-    return Number(value, 8);
+    return Number(value);
 }
 
 inline Bytes Padded(const Bytes& bytes)
@@ -45,7 +46,7 @@ inline Bytes Str16(const std::u16string& text)
 {
     Bytes units;
     for (const char16_t unit : text + u'\0') {
-        units += Number(unit, 2);
+        units += Number(unit);
     }
     return I32(static_cast<int64_t>(text.size())) + Padded(units);
 }
