@@ -165,13 +165,14 @@ int Helper::AwaitEnd()
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-BusTest::BusTest()
+BusTest::BusTest(const std::string& serviceUser)
 {
     char folder[] = "/tmp/ohos_bus_test.XXXXXX";
     folder_ = mkdtemp(folder);
     std::ifstream file(BUS_CONFIGURATION);
     std::string configuration{std::istreambuf_iterator<char>(file), {}};
-    configuration = Replace(configuration, "@SERVICE_USER@", getpwuid(getuid())->pw_name);
+    configuration =
+        Replace(configuration, "@SERVICE_USER@", serviceUser.empty() ? getpwuid(getuid())->pw_name : serviceUser);
     std::ofstream(folder_ + "/bus.conf") << Replace(configuration, "@FOLDER@", folder_);
     const std::string command = "exec dbus-daemon --nofork --nopidfile --print-address=1 2>/dev/null --config-file=";
     daemon_ = std::make_unique<Helper>(std::vector<std::string>{"sh", "-c", command + folder_ + "/bus.conf"}, "");

@@ -60,7 +60,8 @@ private:
 /** A test with a bus daemon, and a folder, of its own. The helpers that run to its end must end well. */
 class BusTest : public testing::Test {
 public:
-    BusTest();
+    /** Services may be had by `serviceUser` alone; by this process's user where it is empty. */
+    explicit BusTest(const std::string& serviceUser = "");
     ~BusTest() override;
 
 protected:

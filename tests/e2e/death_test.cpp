@@ -82,6 +82,25 @@ TEST_F(DeathTest, TheNewsOfADeathDoesNotWaitForeverForAReaderOfLastEvents)
     EXPECT_EQ(caller.Event(), "me 0");
 }
 
+TEST_F(DeathTest, DeathsWhoseLastWordsTakeTooLongAreAllTold)
+{
+    Helper& service = Start({"serve 100", "hold"});
+    Helper* dying[] = {&Start({"find s 100", "make a"}), &Start({"find s 100", "make b"})};
+    EXPECT_EQ(dying[0]->Ask("call s take a"), "0 remote");
+    EXPECT_EQ(dying[1]->Ask("call s take b"), "0 remote");
+    EXPECT_EQ(service.Ask("mourn a"), "0");
+    EXPECT_EQ(service.Ask("mourn b"), "0");
+    for (Helper* caller : dying) {
+        EXPECT_EQ(caller->Ask("background call s wait long"), "0");
+        EXPECT_EQ(service.Event(), "waiting"); // Is being served, and stays so.
+    }
+    for (Helper* caller : dying) {
+        caller->Kill();
+    }
+    EXPECT_EQ(service.Events(2), "dead a, dead b");
+    EXPECT_EQ(service.Ask("release"), "0");
+}
+
 TEST_F(DeathTest, WithoutTheBusEverybodyIsDeadForGood)
 {
     Helper& service = Start({"serve 100", "watch 100"});

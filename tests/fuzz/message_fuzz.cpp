@@ -287,7 +287,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         }
         parcel.reset();
         std::map<uint64_t, uint32_t> released;
-        peer->FlushReleases([&released](const Peer::Releases& releases) { released = releases; });
+        peer->FlushReleases([&released](Peer::Releases& releases) { released.swap(releases); });
         Require(released == (error != ERR_BAD_MESSAGE ? parts.handedOver : std::map<uint64_t, uint32_t>()),
             "what was handed over is released, as often as it was");
     }

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <optional>
 #include <utility>
 
@@ -35,8 +36,19 @@ constexpr uint32_t NAME_IS_OURS = 1;
 constexpr uint32_t NAME_WAS_OURS = 4;
 constexpr uint32_t NAME_IS_RELEASED = 1;
 
-// Entries of one Release message: far below what the daemon takes.
-constexpr size_t MAX_RELEASES = 1000;
+// The daemon counts what lies unread at a process against its sender, and in the end reads no more from that one: so
+// nobody is sent more than this, in bytes, before it has shown that it reads. A process that keeps to the rules never
+// has more than half of it coming in answers.
+constexpr size_t MAX_UNREAD = 32768;
+constexpr size_t MAX_UNREAD_RELEASES = MAX_UNREAD / 2;
+constexpr size_t MAX_UNREAD_PONGS = MAX_UNREAD + 1024; // Lest two wait for each other.
+constexpr size_t ASK_FROM = MAX_UNREAD / 4;
+constexpr std::chrono::hours FOR_EVER{24 * 365};
+
+// About what messages take.
+constexpr size_t MESSAGE_SIZE = 256;
+constexpr size_t RELEASE_SIZE = 16;
+constexpr size_t MAX_RELEASES = 250; // In one message.
 
 // What a thread waits for and the bus thread brings, perhaps too late. Shared by both. Set by a task, between messages:
 // the spare descriptor is there then, and the thread that wakes up cannot take its place.
@@ -210,7 +222,7 @@ bool Bus::Open()
         // Asked for before anything else is, and so in force before anything else is answered.
         sd_bus_match_signal_async(
             bus_, nullptr, DAEMON, DAEMON_PATH, DAEMON, "NameOwnerChanged", &Bus::OnOwnerChange, nullptr, this) < 0 ||
-        sd_bus_add_object(bus_, nullptr, PEER_PATH, &Bus::OnMessage, this) < 0) {
+        sd_bus_add_filter(bus_, nullptr, &Bus::OnMessage, this) < 0) {
         Close();
         return false;
     }
@@ -504,7 +516,8 @@ void Bus::ForgetIfRead(const std::shared_ptr<Peer>& peer)
     }
 }
 
-void Bus::Forget(const std::shared_ptr<Peer>& peer)
+// By value: what is given may be an entry of dying_. NOLINTNEXTLINE(performance-unnecessary-value-param)
+void Bus::Forget(std::shared_ptr<Peer> peer)
 {
     std::vector<std::function<void()>> tasks;
     const auto dying =
@@ -523,17 +536,19 @@ void Bus::Forget(const std::shared_ptr<Peer>& peer)
 
 void Bus::FlushReleases(const std::shared_ptr<Peer>& peer)
 {
-    const bool isFlushed = peer->FlushReleases([this, &peer](const Peer::Releases& releases) {
-        auto next = releases.begin();
-        while (bus_ != nullptr && next != releases.end()) {
+    const bool isFlushed = peer->FlushReleases([this, &peer](Peer::Releases& releases) {
+        while (bus_ != nullptr && !releases.empty()) {
+            const size_t count = std::min(releases.size(), MAX_RELEASES);
             sd_bus_message* message = nullptr;
-            if (sd_bus_message_new_method_call(
+            if (!MaySend(peer, MESSAGE_SIZE + count * RELEASE_SIZE, MAX_UNREAD_RELEASES) ||
+                sd_bus_message_new_method_call(
                     bus_, &message, peer->Name().c_str(), PEER_PATH, PEER_INTERFACE, "Release") < 0) {
                 return;
             }
             sd_bus_message_open_container(message, 'a', "(tu)");
-            for (size_t i = 0; i < MAX_RELEASES && next != releases.end(); ++i, ++next) {
-                sd_bus_message_append(message, "(tu)", next->first, next->second);
+            for (size_t i = 0; i < count; ++i) {
+                sd_bus_message_append(message, "(tu)", releases.begin()->first, releases.begin()->second);
+                releases.erase(releases.begin());
             }
             sd_bus_message_close_container(message);
             sd_bus_message_set_expect_reply(message, 0);
@@ -546,25 +561,52 @@ void Bus::FlushReleases(const std::shared_ptr<Peer>& peer)
     }
 }
 
+bool Bus::MaySend(const std::shared_ptr<Peer>& peer, size_t size, size_t limit)
+{
+    Peer::Mail& mail = peer->GetMail();
+    if (mail.sent - mail.read + size > ASK_FROM && !mail.isAsked && bus_ != nullptr) {
+        mail.isAsked = true;
+        sd_bus_message* call = nullptr;
+        sd_bus_message_new_method_call(bus_, &call, peer->Name().c_str(), PEER_PATH, PEER_INTERFACE, "Ping");
+        Call(call, FOR_EVER, [this, peer, upTo = mail.sent](sd_bus_message* reply) {
+            peer->GetMail().isAsked = false;
+            if (reply != nullptr) {
+                peer->GetMail().read = upTo;
+                FlushReleases(peer);
+            }
+        });
+    }
+    const bool isAllowed = mail.sent - mail.read + size <= limit;
+    mail.sent += isAllowed ? size : 0;
+    return isAllowed;
+}
+
 int Bus::OnMessage(sd_bus_message* message, void* bus, sd_bus_error* /* error */)
 {
-    if (sd_bus_message_get_sender(message) == nullptr) {
+    uint8_t type = 0;
+    const char* const sender = sd_bus_message_get_sender(message);
+    if (sd_bus_message_get_type(message, &type) < 0 || type != SD_BUS_MESSAGE_METHOD_CALL) {
         return 0;
     }
-    if (sd_bus_message_is_method_call(message, PEER_INTERFACE, "Connect") > 0) {
-        static_cast<Bus*>(bus)->OnConnect(message);
-        return 1;
+    Bus& self = *static_cast<Bus*>(bus);
+    if (sender != nullptr && sd_bus_message_is_method_call(message, PEER_INTERFACE, "Connect") > 0) {
+        self.OnConnect(message);
+    } else if (sender != nullptr && sd_bus_message_is_method_call(message, PEER_INTERFACE, "Release") > 0) {
+        self.OnRelease(message);
+    } else if (sender != nullptr && sd_bus_message_is_method_call(message, PEER_INTERFACE, "Ping") > 0) {
+        if (self.MaySend(self.PeerNamed(sender), MESSAGE_SIZE, MAX_UNREAD_PONGS)) {
+            sd_bus_reply_method_return(message, "");
+        }
     }
-    if (sd_bus_message_is_method_call(message, PEER_INTERFACE, "Release") > 0) {
-        static_cast<Bus*>(bus)->OnRelease(message);
-        return 1;
-    }
-    return 0;
+    return 1; // Nobody else answers: not sd-bus either, and whatever else is asked.
 }
 
 void Bus::OnConnect(sd_bus_message* call)
 {
     const std::shared_ptr<Peer> peer = PeerNamed(sd_bus_message_get_sender(call));
+    if (!MaySend(peer, MESSAGE_SIZE, MAX_UNREAD)) {
+        return; // It does not read its answers.
+    }
     if (!Process::IsUsable() || !Exports::Get().Welcomes(*peer)) {
         sd_bus_reply_method_errorf(call, SD_BUS_ERROR_ACCESS_DENIED, "Nothing here is yours to call");
         return;
@@ -631,7 +673,10 @@ int Bus::OnOwnerChange(sd_bus_message* signal, void* bus, sd_bus_error* /* error
     const char* name = nullptr;
     const char* from = nullptr;
     const char* to = nullptr;
-    if (sd_bus_message_read(signal, "sss", &name, &from, &to) > 0) {
+    // Anyone can send us such a signal, and sd-bus takes a unique name for any well-known one.
+    const char* const sender = sd_bus_message_get_sender(signal);
+    if (sender != nullptr && std::strcmp(sender, DAEMON) == 0 &&
+        sd_bus_message_read(signal, "sss", &name, &from, &to) > 0) {
         if (name[0] != ':') {
             static_cast<Bus*>(bus)->ownerChange_(name, from, to);
         } else if (to[0] == '\0') {

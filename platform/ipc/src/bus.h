@@ -104,8 +104,10 @@ private:
 
     std::shared_ptr<Peer> PeerNamed(const std::string& name);
     void MarkDead(const std::string& name);
-    void Forget(const std::shared_ptr<Peer>& peer);
+    void Forget(std::shared_ptr<Peer> peer);
     void OnConnect(sd_bus_message* call);
+    /** Counts a message of about `size` bytes to a peer. False if more than `limit` would lie unread there. */
+    bool MaySend(const std::shared_ptr<Peer>& peer, size_t size, size_t limit);
     void Grant(sd_bus_message* call, const std::shared_ptr<Peer>& peer);
     void OnRelease(sd_bus_message* call);
 

@@ -5,6 +5,7 @@
 #include <sys/uio.h>
 
 #include <cerrno>
+#include <cstring>
 #include <iterator>
 #include <utility>
 
@@ -132,10 +133,10 @@ int Outgoing::Send(int fd, Header header)
     return ERR_NONE;
 }
 
-bool Incoming::Await(int fd)
+bool Incoming::Await(int fd, int flags)
 {
     iovec part{&header_, sizeof(header_)};
-    const ssize_t size = ReceivePacket(fd, &part, 1, MSG_PEEK | MSG_TRUNC);
+    const ssize_t size = ReceivePacket(fd, &part, 1, MSG_PEEK | MSG_TRUNC | flags);
     if (size < static_cast<ssize_t>(sizeof(Header))) {
         return false;
     }
@@ -148,7 +149,8 @@ int Incoming::Receive(int fd, const std::shared_ptr<Peer>& from, MessageParcel& 
     handles_.resize(header_.handleCount);
     const size_t start = parcel.GetDataSize();
     // The sizes are known, so that the bytes go straight to where they stay.
-    iovec parts[] = {{&header_, sizeof(header_)}, {handles_.data(), handles_.size() * sizeof(Handle)}, {}};
+    Header header{};
+    iovec parts[] = {{&header, sizeof(header)}, {handles_.data(), handles_.size() * sizeof(Handle)}, {}};
     if (header_.dataSize > 0) {
         parcel.SetMaxCapacity(start + header_.dataSize + sizeof(uint32_t));
         parts[2] = {parcel.Extend(header_.dataSize), header_.dataSize};
@@ -156,9 +158,11 @@ int Incoming::Receive(int fd, const std::shared_ptr<Peer>& from, MessageParcel& 
     }
     // Without memory for the data, that is cut off; the handles are wanted nonetheless.
     const bool hasMemory = header_.dataSize == 0 || parts[2].iov_base != nullptr;
-    const ssize_t size = ReceivePacket(fd, parts, std::size(parts) - (hasMemory ? 0 : 1), MSG_TRUNC);
+    // A peer may have kept this end too, and taken the message back or put another in its place.
+    const ssize_t size = ReceivePacket(fd, parts, std::size(parts) - (hasMemory ? 0 : 1), MSG_TRUNC | MSG_DONTWAIT);
     int error = ERR_BAD_MESSAGE;
-    if (size == static_cast<ssize_t>(size_) && AreWellFormed(handles_, header_.dataSize)) {
+    if (size == static_cast<ssize_t>(size_) && std::memcmp(&header, &header_, sizeof(header)) == 0 &&
+        AreWellFormed(handles_, header_.dataSize)) {
         std::vector<MessageParcel::Entry> objects;
         error = !Resolve(from, start, objects) ? ERR_REFUSED : hasMemory ? ERR_NONE : ERR_NO_MEMORY;
         if (error == ERR_NONE) {

@@ -70,10 +70,10 @@ private:
 class Incoming {
 public:
     /**
-     * Waits for a message, and looks at its header. False at the connection's end and for anything malformed: the
-     * connection is of no use then.
+     * Waits for a message, or with MSG_DONTWAIT in `flags` does not, and looks at its header. False at the connection's
+     * end and for anything malformed: the connection is of no use then.
      */
-    bool Await(int fd);
+    bool Await(int fd, int flags = 0);
 
     /**
      * Takes that message: its bytes and its objects into `parcel`, behind what is there already. 0; ERR_BAD_MESSAGE as

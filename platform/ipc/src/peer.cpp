@@ -19,6 +19,9 @@ thread_local const Peer* g_calling = nullptr;
 
 std::atomic<size_t> g_allReserved{0};
 
+// Connections for one message: the second one is new, and only a peer that plays tricks has closed that too.
+constexpr int MAX_TRIES = 2;
+
 class CallingScope {
 public:
     explicit CallingScope(const Peer* peer)
@@ -112,7 +115,7 @@ int Peer::Call(uint64_t id, uint32_t code, MessageParcel& data, MessageParcel& r
     if (isOneWay) {
         return CallOneWay(message, header, deadline);
     }
-    for (;;) {
+    for (int tries = 1;; ++tries) {
         int error = ERR_NONE;
         Descriptor connection = TakeConnection(deadline, error);
         if (!connection) {
@@ -126,7 +129,7 @@ int Peer::Call(uint64_t id, uint32_t code, MessageParcel& data, MessageParcel& r
             error = AwaitReply(connection.Get(), reply, deadline, isUsable);
         }
         GiveBack(std::move(connection), isUsable);
-        if (!hasEnded) {
+        if (!hasEnded || tries == MAX_TRIES) {
             return error;
         }
     }
@@ -196,7 +199,8 @@ int Peer::AwaitReply(int fd, MessageParcel& reply, Clock::time_point deadline, b
     }
     Incoming message;
     int error = ERR_BAD_MESSAGE;
-    if (message.Await(fd) && message.GetHeader().kind == Header::REPLY) {
+    // The peer may have taken away what made us look: no deadline holds in there.
+    if (message.Await(fd, MSG_DONTWAIT) && message.GetHeader().kind == Header::REPLY) {
         error = message.Receive(fd, shared_from_this(), reply);
     }
     if (error == ERR_NONE || error == ERR_NO_MEMORY) {
@@ -210,13 +214,16 @@ int Peer::AwaitReply(int fd, MessageParcel& reply, Clock::time_point deadline, b
 int Peer::CallOneWay(Outgoing& message, const Header& header, Clock::time_point deadline)
 {
     std::unique_lock<std::mutex> lock(mutex_);
-    while (!dead_) {
+    for (int tries = 1; !dead_;) {
         if (oneWay_) {
             const int error = message.Send(oneWay_.Get(), header);
             if (error != ERR_DEAD_OBJECT) {
                 return error;
             }
             oneWay_ = {}; // The peer has closed it, so that nothing was sent.
+            if (tries++ == MAX_TRIES) {
+                return error;
+            }
             continue;
         }
         // One thread connects for all: the peer grants just one connection besides those for calls.
@@ -243,7 +250,7 @@ int Peer::CallOneWay(Outgoing& message, const Header& header, Clock::time_point 
     return ERR_DEAD_OBJECT;
 }
 
-bool Peer::FlushReleases(const std::function<void(const Releases&)>& other)
+bool Peer::FlushReleases(const std::function<void(Releases&)>& other)
 {
     std::lock_guard<std::mutex> lock(mutex_);
     while (oneWay_ && !dead_ && !releases_.empty()) {
@@ -262,10 +269,11 @@ bool Peer::FlushReleases(const std::function<void(const Releases&)>& other)
             oneWay_ = {};
         }
     }
-    if (!dead_ && !releases_.empty()) {
+    if (dead_) {
+        releases_.clear();
+    } else if (!releases_.empty()) {
         other(releases_);
     }
-    releases_.clear();
     return true;
 }
 
@@ -287,7 +295,12 @@ sptr<IRemoteObject> Peer::Park(uint64_t id, sptr<IRemoteObject> object)
         return object;
     }
     parked_.push_back({lastCall_, id, std::move(object)});
-    return nullptr;
+    if (parked_.size() <= MAX_PARKED) {
+        return nullptr;
+    }
+    object = std::move(parked_.front().object);
+    parked_.pop_front();
+    return object;
 }
 
 sptr<IRemoteObject> Peer::FindParked(uint64_t id)

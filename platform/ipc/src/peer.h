@@ -47,6 +47,9 @@ public:
     /** Objects whose releases wait for a peer that does not read. Those beyond are never released. */
     static constexpr size_t MAX_WAITING_RELEASES = 65536;
 
+    /** Objects that the peer has released and that are held for replies under way. The oldest make room. */
+    static constexpr size_t MAX_PARKED = 4096;
+
     explicit Peer(std::string name) : name_(std::move(name)) {}
 
     const std::string& Name() const
@@ -112,6 +115,18 @@ public:
 
     void SetCredentials(const Credentials& credentials);
 
+    /** Bytes sent to the peer over the bus. */
+    struct Mail {
+        size_t sent = 0;
+        size_t read = 0;      // That it has shown to have read.
+        bool isAsked = false; // To show it.
+    };
+
+    Mail& GetMail()
+    {
+        return mail_;
+    }
+
     /** Takes one of the connections that the peer may have. False if there is none left. */
     bool ReserveConnection();
     void CancelConnection();
@@ -121,10 +136,10 @@ public:
 
     /**
      * Sends what releases it can on the one-way connection, behind the calls made there. False if that is full. Where
-     * there is none, nothing is left to overtake, and the releases are handed to `other`.
+     * there is none, nothing is left to overtake, and `other` takes what it can.
      */
     using Releases = std::map<uint64_t, uint32_t>;
-    bool FlushReleases(const std::function<void(const Releases&)>& other);
+    bool FlushReleases(const std::function<void(Releases&)>& other);
 
     /** The one-way connection; -1 if there is none. */
     int OneWayConnection();
@@ -156,6 +171,7 @@ private:
     std::atomic<bool> dead_{false};
     Credentials credentials_{}; // Set before the first connection is served, never again.
     bool hasCredentials_ = false;
+    Mail mail_; // The bus thread's own.
     mutable bool forgotten_ = false;
 
     std::mutex mutex_; // Guards what follows. Nothing of a caller's runs under it.
