@@ -165,7 +165,7 @@ int Helper::AwaitEnd()
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-BusTest::BusTest(const std::string& serviceUser)
+BusTest::BusTest(const std::string& serviceUser) : launcher_(OnVariant("emulator"))
 {
     char folder[] = "/tmp/ohos_bus_test.XXXXXX";
     folder_ = mkdtemp(folder);
@@ -191,10 +191,21 @@ BusTest::~BusTest()
     std::filesystem::remove_all(folder_);
 }
 
+std::vector<std::string> BusTest::OnVariant(const std::string& variant)
+{
+    return {"env", "LD_LIBRARY_PATH=" LIBRARIES_DIR "/" + variant};
+}
+
+std::vector<std::string> BusTest::CommandFor(const std::string& program) const
+{
+    std::vector<std::string> command = launcher_;
+    command.push_back(std::string(PROCESSES_DIR) + "/" + program);
+    return command;
+}
+
 Helper& BusTest::Start(std::initializer_list<std::string> commands, const std::string& program)
 {
-    const std::vector<std::string> command{std::string(PROCESSES_DIR) + "/" + program};
-    Helper& helper = helpers_.emplace_back(command, busAddress_);
+    Helper& helper = helpers_.emplace_back(CommandFor(program), busAddress_);
     for (const std::string& first : commands) {
         EXPECT_EQ(helper.Ask(first), "0") << first;
     }

@@ -68,7 +68,15 @@ protected:
     /** Starts a helper, and has it run some commands, all of which must answer "0". */
     Helper& Start(std::initializer_list<std::string> commands = {}, const std::string& program = "peer_process");
 
-    std::string busAddress_; // For the helpers that are yet to be started.
+    /** The launcher for helpers on a variant of the library. */
+    static std::vector<std::string> OnVariant(const std::string& variant);
+
+    /** What starts one of the programs beside these tests. */
+    std::vector<std::string> CommandFor(const std::string& program) const;
+
+    // For the helpers that are yet to be started.
+    std::string busAddress_;
+    std::vector<std::string> launcher_; // Goes before the program.
     std::unique_ptr<Helper> daemon_;
 
 private:

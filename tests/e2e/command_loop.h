@@ -5,10 +5,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <condition_variable>
 #include <functional>
 #include <iostream>
 #include <iterator>
 #include <map>
+#include <mutex>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -29,9 +31,24 @@ inline void Tell(const std::string& event, const char* mark = "! ")
     }
 }
 
+/** Never destroyed: some threads run on while the process exits. */
+struct Hold {
+    std::mutex mutex;
+    std::condition_variable released;
+    bool isOn = false;
+};
+inline Hold& g_hold = *new Hold();
+
+inline void WaitWhileHeld()
+{
+    std::unique_lock<std::mutex> lock(g_hold.mutex);
+    g_hold.released.wait(lock, [] { return !g_hold.isOn; });
+}
+
 /**
  * Serves commands, a line each, until the end of standard input, and answers each with `= ANSWER`. With `background`
- * before it, a command runs on a thread of its own and tells `done ANSWER` in the end.
+ * before it, a command runs on a thread of its own and tells `done ANSWER` in the end. At `hold`, what calls
+ * WaitWhileHeld waits there for `release`.
  */
 inline void ServeCommands(const std::map<std::string, Command>& commands)
 {
@@ -42,6 +59,13 @@ inline void ServeCommands(const std::map<std::string, Command>& commands)
         const bool isBackground = words.at(0) == "background";
         words.erase(words.begin(), words.begin() + (isBackground ? 1 : 0));
         words.resize(std::max<size_t>(words.size(), 5));
+        if (words[0] == "hold" || words[0] == "release") {
+            std::lock_guard<std::mutex> lock(g_hold.mutex);
+            g_hold.isOn = words[0] == "hold";
+            g_hold.released.notify_all();
+            Tell("0", "= ");
+            continue;
+        }
         const Command& command = commands.at(words[0]);
         if (isBackground) {
             threads.emplace_back([&command, words] { Tell("done " + command(words)); });

@@ -6,7 +6,6 @@
 #include <sys/syscall.h>
 
 #include <atomic>
-#include <condition_variable>
 #include <mutex>
 #include <utility>
 
@@ -29,8 +28,6 @@ const std::map<std::string, uint32_t> CODES{{"echo", ECHO}, {"who", WHO}, {"take
 struct State {
     std::mutex mutex;
     std::map<std::string, sptr<IRemoteObject>> objects;
-    std::condition_variable released;
-    bool held = false; // Then EVENT and WAIT wait.
     std::atomic<int> patience{8};
     std::atomic<int> alive{0}; // Objects of this process.
     std::map<std::string, sptr<IRemoteObject::DeathRecipient>> mourners;
@@ -51,14 +48,6 @@ sptr<IRemoteObject> Name(const std::string& name, sptr<IRemoteObject> object)
 {
     std::lock_guard<std::mutex> lock(g_state.mutex);
     return std::exchange(g_state.objects[name], std::move(object));
-}
-
-std::string Hold(bool isHeld)
-{
-    std::lock_guard<std::mutex> lock(g_state.mutex);
-    g_state.held = isHeld;
-    g_state.released.notify_all();
-    return "0";
 }
 
 std::string Who()
@@ -111,8 +100,7 @@ public:
             Tell("waiting");
         }
         if (code == WAIT || code == EVENT) {
-            std::unique_lock<std::mutex> lock(g_state.mutex);
-            g_state.released.wait(lock, [] { return !g_state.held; });
+            WaitWhileHeld();
         }
         if (code == EVENT) {
             Tell(name_ + " " + text);
@@ -369,8 +357,6 @@ const std::map<std::string, Command>& COMMANDS = *new std::map<std::string, Comm
     {"who", [](auto&) { return Who(); }},
     {"dead", [](auto& w) { return Named(w[1])->IsObjectDead() ? "yes" : "no"; }},
     {"patience", [](auto& w) { return std::to_string((g_state.patience = std::stoi(w[1])) * 0); }},
-    {"hold", [](auto&) { return Hold(true); }},
-    {"release", [](auto&) { return Hold(false); }},
     {"call", CallNamed},
     {"find", Find},
     {"size", SendSize},

@@ -1,171 +1,174 @@
 // SPDX-License-Identifier: Apache-2.0
-// A process that is a service, which tells of its requests and calls back at the last one, or that makes each once.
+// A process that is the service: it knows which stubs it holds, calls them back, and tells of its requests if asked to.
 #include <atomic>
+#include <set>
+#include <tuple>
 
-#include "../unit/samples.h"
+#include "../unit/fake_service.h"
 #include "command_loop.h"
-#include "indicator_switch_listener_stub_impl.h"
 #include "ipc_skeleton.h"
 #include "iservice_registry.h"
-#include "privacy_event_listener_stub_impl.h"
-#include "privacy_indicator_service_intf_proxy.h"
-#include "privacy_indicator_service_intf_stub.h"
 
 using namespace OHOS;
 using namespace OHOS::Korvane::Quenlar::PrivacyIndicator;
 using namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test;
-using Indicator::IndicatorSwitchListenerIntf;
-using Privacy::PrivacyEventListenerIntf;
 
 namespace {
 
-template <typename... Parts>
-void TellAll(const Parts&... parts)
-{
-    std::ostringstream text;
-    ((text << parts), ...);
-    Tell(text.str());
-}
+// Whose it is, its data type or "switch", and the stub: there twice only if it is two objects.
+using Held = std::set<std::tuple<int, std::string, sptr<IRemoteObject>>>;
 
-template <typename Record>
-void TellRecords(const std::string& what, const std::vector<Record>& records)
+// Never destroyed: requests may still come while the process exits.
+struct State {
+    std::mutex mutex;
+    Held held;
+    std::string generation; // Who registers is called back with it at once, unless it is empty.
+    std::atomic<bool> telling{false};
+    std::atomic<bool> flooding{false};
+};
+State& g_state = *new State();
+thread_local bool t_failed = false; // This thread's last call back.
+
+void CallBack(const std::string& kind, const sptr<IRemoteObject>& object, const std::string& generation)
 {
-    for (const Record& record : records) {
-        TellAll(what, record.ToString());
+    auto data = *Read<IndicatorData>(DATA.bytes);
+    std::vector<PrivacyEventRemindInfo> infos{*Read<PrivacyEventRemindInfo>(REMIND_INFO.bytes), {}};
+    if (!generation.empty()) {
+        data.state = Indicator::IndicatorState::ON;
+        data.color = infos[0].bundleName = generation;
+    }
+    if (kind == "switch") {
+        iface_cast<Indicator::IndicatorSwitchListenerIntf>(object)->OnSwitchChanged(data);
+    } else {
+        iface_cast<Privacy::PrivacyEventListenerIntf>(object)->OnPrivacyEventChanged(kind, infos);
     }
 }
 
-class Service : public PrivacyIndicatorServiceIntfStub {
+void LetGo(const sptr<IRemoteObject>& object)
+{
+    std::lock_guard<std::mutex> lock(g_state.mutex);
+    for (auto entry = g_state.held.begin(); entry != g_state.held.end();) {
+        entry = std::get<2>(*entry) == object ? g_state.held.erase(entry) : std::next(entry);
+    }
+}
+
+class Service : public FakeService, public IRemoteObject::DeathRecipient {
 public:
-    int32_t RegisterPrivacyEventListener(
-        const std::string& dataType, const sptr<PrivacyEventListenerIntf>& listener) override
+    int OnRemoteRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option) override
     {
-        eventListener = listener;
-        return Told("events of ", dataType);
+        std::lock_guard<std::mutex> lock(serving);
+        elements = 2;
+        const int error = FakeService::OnRemoteRequest(code, data, reply, option);
+        for (const std::string& call : Take()) {
+            if (call.rfind("Register", 0) == 0) {
+                Hold(call == "RegisterSwitch" ? "switch" : call.substr(call.find(' ') + 1));
+            } else if (call.rfind("Unregister", 0) == 0) {
+                LetGo(listenerObject);
+                listenerObject->RemoveDeathRecipient(this);
+            }
+            if (g_state.telling) {
+                Tell(std::to_string(IPCSkeleton::GetCallingPid()) + " " + call);
+            }
+            WaitWhileHeld();
+        }
+        return error;
     }
 
-    int32_t UnregisterPrivacyEventListener(const sptr<PrivacyEventListenerIntf>& listener) override
+    void OnRemoteDied(const wptr<IRemoteObject>& object) override
     {
-        return Told("no events for ", listener->AsObject() == eventListener->AsObject() ? "it" : "whom?");
+        LetGo(object.promote());
     }
 
-    int32_t GetPrivacyEventDetails(int32_t userId, std::vector<PrivacyEventDetail>& details) override
-    {
-        details.resize(2, *Read<PrivacyEventDetail>(DETAIL.bytes));
-        return Told("details of ", userId);
-    }
-
-    int32_t GetPrivacyEventDetailsByPrivacySensorType(
-        int32_t userId, int32_t privacySensorType, std::vector<PrivacyEventDetail>& details) override
-    {
-        details.resize(1);
-        return Told("details of ", userId, " and ", privacySensorType);
-    }
-
-    int32_t GetActiveIndicators(std::vector<IndicatorData>& indicators) override
-    {
-        indicators.push_back(*Read<IndicatorData>(DATA.bytes));
-        return Told("active");
-    }
-
-    int32_t TurnOnIndicator(int32_t privacySensorType, const IndicatorPosition& position, const IndicatorSize& size,
-        int32_t animationType) override
-    {
-        return Told("on ", privacySensorType, position.ToString(), size.ToString(), animationType);
-    }
-
-    int32_t TurnOffIndicator(int32_t privacySensorType, int32_t animationType) override
-    {
-        return Told("off ", privacySensorType, animationType);
-    }
-
-    int32_t RegisterPrivacyIndicatorSwitchListener(const sptr<IndicatorSwitchListenerIntf>& listener) override
-    {
-        switchListener = listener;
-        return Told("switches");
-    }
-
-    int32_t UnregisterPrivacyIndicatorSwitchListener(const sptr<IndicatorSwitchListenerIntf>& listener) override
-    {
-        return Told("no switches for ", listener->AsObject() == switchListener->AsObject() ? "it" : "whom?");
-    }
-
-    int32_t GetPermissionUsageDurationSummary(
-        const PermissionUsageDurationQuery& query, std::vector<PermissionUsageDuration>& durations) override
-    {
-        durations.push_back(*Read<PermissionUsageDuration>(DURATION.bytes));
-        return Told(query.ToString());
-    }
-
-    int32_t NotifyPowerEvent(int32_t event) override
-    {
-        switchListener->OnSwitchChanged(*Read<IndicatorData>(DATA.bytes));
-        eventListener->OnPrivacyEventChanged(
-            "camera", {*Read<PrivacyEventRemindInfo>(REMIND_INFO.bytes), PrivacyEventRemindInfo()});
-        return Told("power ", event);
-    }
-
-    std::atomic<int32_t> result{0};
+    std::mutex serving; // One request at a time.
 
 private:
-    template <typename... Parts>
-    int32_t Told(const Parts&... parts)
+    void Hold(const std::string& kind)
     {
-        TellAll(IPCSkeleton::GetCallingPid(), " ", parts...);
-        return result;
+        if (!g_state.generation.empty() && kind == "switch") {
+            CallBack(kind, listenerObject, g_state.generation);
+        } else if (!g_state.generation.empty() && kind == "sensorStateChange") {
+            // Not from here: the app waits for this request with the lock that its listeners are called under.
+            std::thread(CallBack, kind, listenerObject, g_state.generation).detach();
+        }
+        std::lock_guard<std::mutex> lock(g_state.mutex);
+        const auto [entry, isNew] = g_state.held.emplace(IPCSkeleton::GetCallingPid(), kind, listenerObject);
+        if (isNew && !listenerObject->AddDeathRecipient(this)) {
+            g_state.held.erase(entry);
+        }
     }
-
-    // One caller's calls, made one after the other, come on one thread.
-    sptr<PrivacyEventListenerIntf> eventListener;
-    sptr<IndicatorSwitchListenerIntf> switchListener;
 };
+const sptr<Service>& g_service = *new sptr<Service>(new Service());
 
-const sptr<Service>& OWN = *new sptr<Service>(new Service());
-
-std::string Serve(const Words& /* words */)
+// serve [GENERATION]
+std::string Serve(const Words& words)
 {
+    g_state.generation = words[1];
     const auto manager = SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
-    return std::to_string(manager->AddSystemAbility(PRIVACY_INDICATOR_SA_ID, OWN));
+    return std::to_string(manager->AddSystemAbility(PRIVACY_INDICATOR_SA_ID, g_service));
 }
 
-// Tells the records that came, and answers with the results.
-std::string CallAll(const Words& /* words */)
+// ... PID|all [KIND]
+Held Choose(const Words& words)
 {
-    static const sptr<PrivacyEventListenerIntf> eventListener(new Privacy::PrivacyEventListenerStubImpl(
-        [](const std::string& dataType, const auto& infos) { TellRecords(dataType + " ", infos); }));
-    static const sptr<IndicatorSwitchListenerIntf> switchListener(
-        new Indicator::IndicatorSwitchListenerStubImpl([](const auto& data) { TellAll("switch ", data.ToString()); }));
-    const auto manager = SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
-    const auto service = iface_cast<PrivacyIndicatorServiceIntf>(manager->GetSystemAbility(PRIVACY_INDICATOR_SA_ID));
-    std::vector<PrivacyEventDetail> details;
-    std::vector<PrivacyEventDetail> detailsOfOne;
-    std::vector<IndicatorData> indicators;
-    std::vector<PermissionUsageDuration> durations;
-    const int32_t results[] = {service->RegisterPrivacyEventListener("camera", eventListener),
-        service->UnregisterPrivacyEventListener(eventListener), service->GetPrivacyEventDetails(100, details),
-        service->GetPrivacyEventDetailsByPrivacySensorType(-5, 3, detailsOfOne),
-        service->GetActiveIndicators(indicators),
-        service->TurnOnIndicator(1, *Read<IndicatorPosition>(POSITION.bytes), *Read<IndicatorSize>(SIZE.bytes), 7),
-        service->TurnOffIndicator(2, -8), service->RegisterPrivacyIndicatorSwitchListener(switchListener),
-        service->UnregisterPrivacyIndicatorSwitchListener(switchListener),
-        service->GetPermissionUsageDurationSummary(*Read<PermissionUsageDurationQuery>(QUERY.bytes), durations),
-        service->NotifyPowerEvent(11)};
-    TellRecords("", details);
-    TellRecords("", detailsOfOne);
-    TellRecords("", indicators);
-    TellRecords("", durations);
-    std::ostringstream text;
-    for (const int32_t result : results) {
-        text << result << ' ';
+    Held chosen;
+    std::lock_guard<std::mutex> lock(g_state.mutex);
+    for (const auto& entry : g_state.held) {
+        if ((words[1] == "all" || words[1] == std::to_string(std::get<0>(entry))) &&
+            (words[2].empty() || words[2] == std::get<1>(entry))) {
+            chosen.insert(entry);
+        }
     }
-    return text.str();
+    return chosen;
+}
+
+std::string ShowHeld(const Words& words)
+{
+    std::string text;
+    for (const auto& [pid, kind, object] : Choose(words)) {
+        text += (text.empty() ? "" : " ") + kind;
+    }
+    return text;
+}
+
+// The library keeps the result of these calls to itself, but for its log.
+std::string CallAll(const Words& words)
+{
+    t_failed = false;
+    for (const auto& [pid, kind, object] : Choose(words)) {
+        CallBack(kind, object, "");
+    }
+    return t_failed ? "failed" : "0";
+}
+
+// The same again and again, until `calm`.
+std::string Flood(const Words& words)
+{
+    g_state.flooding = true;
+    for (int rounds = 1; g_state.flooding; ++rounds) {
+        CallAll(words);
+        if (rounds == 10) {
+            Tell("flooding");
+        }
+    }
+    return "0";
+}
+
+std::string SetResult(const Words& words)
+{
+    std::lock_guard<std::mutex> lock(g_service->serving);
+    g_service->result = std::stoi(words[1]);
+    return "0";
 }
 
 } // namespace
 
 int main()
 {
-    ServeCommands({{"serve", Serve}, {"call", CallAll},
-        {"result", [](auto& words) { return std::to_string((OWN->result = std::stoi(words[1])) * 0); }}});
+    LOG_SetCallback([](const LogType, const LogLevel level, const unsigned int, const char*, const char*) {
+        t_failed = t_failed || level == LOG_ERROR;
+    });
+    ServeCommands({{"serve", Serve}, {"held", ShowHeld}, {"call", CallAll}, {"flood", Flood}, {"result", SetResult},
+        {"calm", [](auto&) { return std::to_string(g_state.flooding = false); }},
+        {"tell", [](auto&) { return std::to_string(!(g_state.telling = true)); }}});
     return 0;
 }

@@ -4,15 +4,10 @@
 
 #include <functional>
 
+#include "fake_service.h"
 #include "ipc_object_stub.h"
-#include "privacy_indicator_service_intf_stub.h"
-#include "samples.h"
-#include "support.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test {
-
-using EventListener = Privacy::PrivacyEventListenerIntf;
-using SwitchListener = Indicator::IndicatorSwitchListenerIntf;
 
 /** An object of another process, which can die: keeps the last request and answers as it is told. */
 class FakeRemote : public IPCObjectStub {
@@ -69,99 +64,6 @@ public:
     int flags = -1;
     int waitTime = -1;
     Bytes request;
-};
-
-/** Writes down each call with its arguments, and answers as it is told. Any thread may call it. */
-class FakeService : public PrivacyIndicatorServiceIntfStub {
-public:
-    int32_t RegisterPrivacyEventListener(const std::string& dataType, const sptr<EventListener>& listener) override
-    {
-        return Called("RegisterEvent " + dataType, listener);
-    }
-
-    int32_t UnregisterPrivacyEventListener(const sptr<EventListener>& listener) override
-    {
-        return Called("UnregisterEvent", listener);
-    }
-
-    int32_t GetPrivacyEventDetails(int32_t userId, std::vector<PrivacyEventDetail>& out) override
-    {
-        return Filled("Details " + std::to_string(userId), out, DETAIL);
-    }
-
-    int32_t GetPrivacyEventDetailsByPrivacySensorType(
-        int32_t userId, int32_t sensor, std::vector<PrivacyEventDetail>& out) override
-    {
-        return Filled("Details " + std::to_string(userId) + " " + std::to_string(sensor), out, DETAIL);
-    }
-
-    int32_t GetActiveIndicators(std::vector<IndicatorData>& out) override
-    {
-        return Filled("Active", out, DATA);
-    }
-
-    int32_t TurnOnIndicator(
-        int32_t sensor, const IndicatorPosition& position, const IndicatorSize& size, int32_t animation) override
-    {
-        return Called(
-            "On " + std::to_string(sensor) + position.ToString() + size.ToString() + std::to_string(animation));
-    }
-
-    int32_t TurnOffIndicator(int32_t sensor, int32_t animation) override
-    {
-        return Called("Off " + std::to_string(sensor) + " " + std::to_string(animation));
-    }
-
-    int32_t RegisterPrivacyIndicatorSwitchListener(const sptr<SwitchListener>& listener) override
-    {
-        return Called("RegisterSwitch", listener);
-    }
-
-    int32_t UnregisterPrivacyIndicatorSwitchListener(const sptr<SwitchListener>& listener) override
-    {
-        return Called("UnregisterSwitch", listener);
-    }
-
-    int32_t GetPermissionUsageDurationSummary(
-        const PermissionUsageDurationQuery& query, std::vector<PermissionUsageDuration>& out) override
-    {
-        return Filled("Usage " + query.ToString(), out, DURATION);
-    }
-
-    int32_t NotifyPowerEvent(int32_t event) override
-    {
-        return Called("Power " + std::to_string(event));
-    }
-
-    /** The calls since the last time. */
-    Lines Take()
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        return std::exchange(calls, {});
-    }
-
-    size_t elements = 0; // How many a query appends.
-    int32_t result = 0;
-    sptr<IRemoteObject> listenerObject; // Of the last call; null if it had none.
-
-private:
-    int32_t Called(const std::string& what, const sptr<IRemoteBroker>& listener = nullptr)
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        calls.push_back(what);
-        listenerObject = listener != nullptr ? listener->AsObject() : nullptr;
-        return result;
-    }
-
-    template <typename T>
-    int32_t Filled(const std::string& what, std::vector<T>& out, const Sample& sample)
-    {
-        out.insert(out.end(), elements, *Read<T>(sample.bytes));
-        return Called(what);
-    }
-
-    std::mutex mutex;
-    Lines calls;
 };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test
