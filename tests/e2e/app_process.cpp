@@ -289,13 +289,13 @@ public:
     std::promise<void> reached;
 };
 
-// settle [gone]: waits until the client is through with all news of the service so far, at least that it has gone.
-std::string Settle(const Words& words)
+// settle: waits until the client is through with all news of the service so far.
+std::string Settle(const Words& /* words */)
 {
     Client();
     const auto manager = SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
-    if (manager == nullptr || (!words[1].empty() && manager->GetSystemAbility(PRIVACY_INDICATOR_SA_ID) != nullptr)) {
-        return manager == nullptr ? "0" : "it is there";
+    if (manager == nullptr) {
+        return "0";
     }
     const sptr<Fence> fence(new Fence());
     manager->AddSystemAbility(getpid(), new IPCObjectStub());

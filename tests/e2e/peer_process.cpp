@@ -161,6 +161,7 @@ private:
     {
         const bool isOnMain = std::this_thread::get_id() == MAIN_THREAD;
         Tell(change + std::to_string(id) + deviceId + name_ + (isOnMain ? " on the main thread" : ""));
+        WaitWhileHeld();
         if (name_ == "once") {
             Manager()->UnSubscribeSystemAbility(id, sptr<ISystemAbilityStatusChange>(this));
         }

@@ -87,7 +87,8 @@ sptr<IRemoteObject> SystemAbilityManager::GetSystemAbility(int32_t systemAbility
     sptr<IRemoteObject> object = Exports::Get().FindService(systemAbilityId);
     if (object == nullptr && Bus::IsConfigured()) {
         const auto owner = Bus::Get().OwnerOf(NameOf(systemAbilityId));
-        if (owner != nullptr) {
+        // Who has yet to hear of the former one's end would hear from the next one before.
+        if (owner != nullptr && IsEndTold(systemAbilityId)) {
             object = owner->ProxyOf(static_cast<uint64_t>(systemAbilityId), false);
         }
     }
@@ -247,6 +248,11 @@ void SystemAbilityManager::TellChanges(int32_t systemAbilityId, Availability& av
     };
     if (!availability.told.empty()) {
         tellAll(ISystemAbilityStatusChange::ON_REMOVE_SYSTEM_ABILITY);
+        ++availability.untold;
+        Transport::Notices::Post([this, &availability] { // Availabilities stay where they are, for good.
+            std::lock_guard<std::mutex> lock(mutex_);
+            --availability.untold;
+        });
     }
     if (!availability.owner.empty()) {
         tellAll(ISystemAbilityStatusChange::ON_ADD_SYSTEM_ABILITY);
@@ -269,6 +275,13 @@ void SystemAbilityManager::Tell(int32_t systemAbilityId, const Subscription& sub
         data.WriteString("");
         object->SendRequest(code, data, reply, option);
     });
+}
+
+bool SystemAbilityManager::IsEndTold(int32_t systemAbilityId)
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    const auto known = availabilities_.find(systemAbilityId);
+    return known == availabilities_.end() || (known->second.leaving == 0 && known->second.untold == 0);
 }
 
 bool SystemAbilityManager::IsSubscribed(int32_t systemAbilityId, const Subscription& subscription)

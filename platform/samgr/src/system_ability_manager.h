@@ -46,6 +46,7 @@ private:
         std::string owner;
         std::string told;
         int leaving = 0; // Owners whose last words are awaited before anything is told.
+        int untold = 0;  // Removals that a listener is yet to hear of.
         std::vector<Subscription> subscriptions;
     };
 
@@ -58,6 +59,7 @@ private:
     void TellChanges(int32_t systemAbilityId, Availability& availability);
     void Tell(int32_t systemAbilityId, const Subscription& subscription, uint32_t code);
     bool IsSubscribed(int32_t systemAbilityId, const Subscription& subscription);
+    bool IsEndTold(int32_t systemAbilityId);
 
     std::mutex changeMutex_; // Held while a service of this process comes or goes.
     std::mutex mutex_;       // Guards what follows.
