@@ -151,6 +151,20 @@ TEST_F(HostileTest, APeerThatIsCalledHarmsItsCallerOnly)
     ExpectAllWell(16 << 10);
 }
 
+TEST_F(HostileTest, WhoDoesNotConnectHoldsItsCallerUpOnce)
+{
+    EXPECT_EQ(attacker_.Ask("offer x"), "0");
+    EXPECT_EQ(victim_.Ask("patience 1"), "0");
+    EXPECT_EQ(victim_.Ask("send x 1"), "0 then 110");
+    EXPECT_EQ(victim_.Ask("patience 600"), "0");
+    EXPECT_EQ(victim_.Ask("send x 1"), "0 then 110"); // At once.
+    EXPECT_EQ(attacker_.Ask("background answer good"), "0");
+    victim_.AskUntil("1 then 0", "send x 1"); // It has thought better of it.
+    EXPECT_EQ(attacker_.Event(), "done 0");
+    EXPECT_EQ(victim_.Ask("drop x"), "0");
+    ExpectAllWell(16 << 10);
+}
+
 TEST_F(HostileTest, TheDaemonAloneSaysWhoOwnsAName)
 {
     EXPECT_EQ(victim_.Ask("watch 66090"), "0");

@@ -43,42 +43,11 @@ constexpr size_t MAX_UNREAD = 32768;
 constexpr size_t MAX_UNREAD_RELEASES = MAX_UNREAD / 2;
 constexpr size_t MAX_UNREAD_PONGS = MAX_UNREAD + 1024; // Lest two wait for each other.
 constexpr size_t ASK_FROM = MAX_UNREAD / 4;
-constexpr std::chrono::hours FOR_EVER{24 * 365};
 
 // About what messages take.
 constexpr size_t MESSAGE_SIZE = 256;
 constexpr size_t RELEASE_SIZE = 16;
 constexpr size_t MAX_RELEASES = 250; // In one message.
-
-// What a thread waits for and the bus thread brings, perhaps too late. Shared by both. Set by a task, between messages:
-// the spare descriptor is there then, and the thread that wakes up cannot take its place.
-template <typename T>
-class Answer {
-public:
-    void Set(T value)
-    {
-        std::lock_guard<std::mutex> lock(mutex_);
-        value_ = std::move(value);
-        set_.notify_all();
-    }
-
-    T AwaitUntil(Clock::time_point deadline, T otherwise)
-    {
-        std::unique_lock<std::mutex> lock(mutex_);
-        set_.wait_until(lock, deadline, [this] { return value_.has_value(); });
-        return value_.has_value() ? std::move(*value_) : std::move(otherwise);
-    }
-
-private:
-    std::mutex mutex_;
-    std::condition_variable set_;
-    std::optional<T> value_;
-};
-
-struct Connection {
-    Descriptor descriptor;
-    int error;
-};
 
 // Other kinds of addresses start programs or go over the network.
 bool IsSocket(const std::string& address)
@@ -448,16 +417,16 @@ void Bus::AfterLastWords(const std::string& peer, const std::function<void()>& t
     });
 }
 
-Descriptor Bus::OpenConnection(const std::string& peer, Clock::time_point deadline, int& error)
+std::shared_ptr<Answer<Introduction>> Bus::AskForConnection(const std::string& peer, std::chrono::microseconds patience)
 {
+    const auto answer = std::make_shared<Answer<Introduction>>();
     // The connection's place in the descriptor table is taken before anyone is asked.
     const auto place = std::make_shared<Descriptor>(Descriptor::Copy(wake_.Get()));
     if (!*place) {
-        error = ERR_NO_DESCRIPTOR;
-        return {};
+        answer->Set({{}, ERR_NO_DESCRIPTOR});
+        return answer;
     }
-    const auto answer = std::make_shared<Answer<Connection>>();
-    Post([this, peer, deadline, place, answer] {
+    Post([this, peer, patience, place, answer] {
         if (!spare_) {
             spare_ = Descriptor::Copy(wake_.Get());
         }
@@ -469,7 +438,6 @@ Descriptor Bus::OpenConnection(const std::string& peer, Clock::time_point deadli
         if (bus_ != nullptr) {
             sd_bus_message_new_method_call(bus_, &call, peer.c_str(), PEER_PATH, PEER_INTERFACE, "Connect");
         }
-        const auto patience = std::chrono::ceil<std::chrono::microseconds>(deadline - Clock::now()) + MORE_PATIENCE;
         ++connectsOut_;
         Call(call, patience, [this, place, answer](sd_bus_message* reply) {
             // Who does not answer in time may still do so later.
@@ -482,9 +450,15 @@ Descriptor Bus::OpenConnection(const std::string& peer, Clock::time_point deadli
             }
         });
     });
-    Connection connection = answer->AwaitUntil(deadline, {{}, ERR_TIMED_OUT});
-    error = connection.error;
-    return std::move(connection.descriptor);
+    return answer;
+}
+
+Descriptor Bus::OpenConnection(const std::string& peer, Clock::time_point deadline, int& error)
+{
+    const auto left = std::chrono::ceil<std::chrono::microseconds>(deadline - Clock::now());
+    Introduction made = AskForConnection(peer, left + MORE_PATIENCE)->AwaitUntil(deadline, {{}, ERR_TIMED_OUT});
+    error = made.error;
+    return std::move(made.connection);
 }
 
 std::shared_ptr<Peer> Bus::PeerNamed(const std::string& name)
@@ -568,7 +542,7 @@ bool Bus::MaySend(const std::shared_ptr<Peer>& peer, size_t size, size_t limit)
         mail.isAsked = true;
         sd_bus_message* call = nullptr;
         sd_bus_message_new_method_call(bus_, &call, peer->Name().c_str(), PEER_PATH, PEER_INTERFACE, "Ping");
-        Call(call, FOR_EVER, [this, peer, upTo = mail.sent](sd_bus_message* reply) {
+        Call(call, AS_LONG_AS_IT_LIVES, [this, peer, upTo = mail.sent](sd_bus_message* reply) {
             peer->GetMail().isAsked = false;
             if (reply != nullptr) {
                 peer->GetMail().read = upTo;

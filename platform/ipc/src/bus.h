@@ -29,6 +29,9 @@ public:
     /** Never destroyed. */
     static Bus& Get();
 
+    /** For an answer that comes, or does not, before the peer is gone. */
+    static constexpr std::chrono::hours AS_LONG_AS_IT_LIVES{24 * 365};
+
     /** Whether there is a bus to speak to at all: OHOS_BUS_ADDRESS is set. */
     static bool IsConfigured();
 
@@ -49,6 +52,10 @@ public:
 
     /** Asks a peer for a connection. None, and why not, if there is none by `deadline`. */
     Descriptor OpenConnection(const std::string& peer, Clock::time_point deadline, int& error);
+
+    /** The same, for who does not wait for it so long. */
+    std::shared_ptr<Answer<Introduction>> AskForConnection(
+        const std::string& peer, std::chrono::microseconds patience = AS_LONG_AS_IT_LIVES);
 
     // On the bus thread.
 

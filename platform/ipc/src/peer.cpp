@@ -234,17 +234,20 @@ int Peer::CallOneWay(Outgoing& message, const Header& header, Clock::time_point 
             continue;
         }
         isConnecting_ = true;
+        // Who has let one call wait in vain does not get to hold up the next ones too.
+        const auto until = oneWayAsked_ != nullptr ? Clock::now() : deadline;
         lock.unlock();
-        int error = ERR_NONE;
-        Descriptor connection = Bus::Get().OpenConnection(name_, deadline, error);
+        const auto asked = oneWayAsked_ != nullptr ? oneWayAsked_ : Bus::Get().AskForConnection(name_);
+        Introduction made = asked->AwaitUntil(until, {{}, ERR_TIMED_OUT});
         lock.lock();
         isConnecting_ = false;
+        oneWayAsked_ = made.error == ERR_TIMED_OUT ? asked : nullptr;
         connected_.notify_all();
-        if (!connection) {
-            return error;
+        if (!made.connection) {
+            return made.error;
         }
         if (!dead_) {
-            oneWay_ = std::move(connection);
+            oneWay_ = std::move(made.connection);
         }
     }
     return ERR_DEAD_OBJECT;

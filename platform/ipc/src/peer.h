@@ -18,13 +18,12 @@
 #include <utility>
 #include <vector>
 
+#include "answer.h"
 #include "descriptor.h"
 #include "ipc_object_proxy.h"
 #include "message.h"
 
 namespace OHOS::Transport {
-
-using Clock = std::chrono::steady_clock;
 
 /**
  * Another process on the bus: our connections to it, its connections to us, and the proxies of its objects. There is
@@ -190,7 +189,8 @@ private:
     size_t callConnections_ = 0; // Idle, busy and being made.
     std::condition_variable freed_;
     Descriptor oneWay_;
-    bool isConnecting_ = false; // The one-way connection is being made.
+    bool isConnecting_ = false;                         // The one-way connection is being made.
+    std::shared_ptr<Answer<Introduction>> oneWayAsked_; // By who may connect; null unless it was in vain so far.
     std::condition_variable connected_;
     Releases releases_; // Yet to be sent.
 
