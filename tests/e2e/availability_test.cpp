@@ -32,15 +32,14 @@ TEST_F(AvailabilityTest, EverySubscriberHearsOfEveryChange)
 TEST_F(AvailabilityTest, TheNextServiceIsFoundWhenTheFormerOnesEndIsTold)
 {
     Helper& service = Start({"serve 100"});
-    Helper& watcher = Start({"watch 100"});
-    EXPECT_EQ(watcher.Event(), "up 100");
-    EXPECT_EQ(watcher.Ask("hold"), "0");
+    Helper& watcher = Start({"hold", "watch 100"});
+    EXPECT_EQ(watcher.Event(), "up 100"); // Is told, and not yet heard out.
     service.Kill();
-    EXPECT_EQ(watcher.Event(), "down 100"); // Is being told, and not yet heard out.
     Start({"serve 100"});
     EXPECT_EQ(watcher.Ask("find s 100"), "null");
     EXPECT_EQ(Start().Ask("find s 100"), "0"); // Who does not watch has nothing to wait for.
     EXPECT_EQ(watcher.Ask("release"), "0");
+    EXPECT_EQ(watcher.Event(), "down 100");
     EXPECT_EQ(watcher.Event(), "up 100");
     EXPECT_EQ(watcher.Ask("find s 100"), "0");
 }
