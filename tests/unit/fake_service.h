@@ -2,6 +2,9 @@
 #ifndef FAKE_SERVICE_H
 #define FAKE_SERVICE_H
 
+#include <functional>
+
+#include "ipc_object_stub.h"
 #include "privacy_indicator_service_intf_stub.h"
 #include "samples.h"
 #include "support.h"
@@ -10,6 +13,60 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test {
 
 using EventListener = Privacy::PrivacyEventListenerIntf;
 using SwitchListener = Indicator::IndicatorSwitchListenerIntf;
+
+/** An object of another process, which can die: keeps the last message, and answers as it is told. */
+class FakeRemote : public IPCObjectStub {
+public:
+    bool IsProxyObject() const override
+    {
+        return true;
+    }
+
+    bool IsObjectDead() const override
+    {
+        return dead;
+    }
+
+    bool AddDeathRecipient(const sptr<DeathRecipient>& added) override
+    {
+        recipients += takesRecipients ? 1 : 0;
+        recipient = added;
+        return takesRecipients;
+    }
+
+    bool RemoveDeathRecipient(const sptr<DeathRecipient>& removed) override
+    {
+        recipients -= removed == recipient ? 1 : 0;
+        return true;
+    }
+
+    int SendRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option) override
+    {
+        whenCalled();
+        ++calls;
+        header = {code, option.GetFlags(), option.GetWaitTime()};
+        request = BytesOf(data);
+        reply.SetMaxCapacity(size_t{8} << 20);
+        reply.WriteBuffer(answer.data(), answer.size());
+        const int error = behind != nullptr ? behind->SendRequest(code, data, reply, option) : result;
+        written = BytesOf(reply);
+        return error;
+    }
+
+    sptr<IRemoteObject> behind; // Serves the requests, if there is one. Otherwise:
+    Bytes answer;
+    int result = 0;
+    std::function<void()> whenCalled = [] {};
+    bool dead = false;
+    bool takesRecipients = true;
+
+    int recipients = 0;
+    sptr<DeathRecipient> recipient; // The last one.
+    int calls = 0;
+    std::vector<int64_t> header; // Code, flags and seconds to wait.
+    Bytes request;
+    Bytes written; // The reply.
+};
 
 /** Writes down each call with its arguments, and answers as it is told. Any thread may call it. */
 class FakeService : public PrivacyIndicatorServiceIntfStub {

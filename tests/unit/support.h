@@ -25,16 +25,10 @@ inline Lines Labelled(const std::string& message)
     return {"E 3 0xd005610 PrivacyIndicatorService: " + message};
 }
 
-/** A line under a source file's tag, whose end is "module]function: message". */
-inline std::string Tagged(char level, const std::string& end)
+/** A line under a source file's tag, whose end is "function: message". */
+inline std::string Line(char level, const std::string& end, const std::string& tag = "PrivacyIndicator")
 {
-    return std::string(1, level) + " 3 0xd005610 KRV: [QNL][" + end;
-}
-
-/** As above, for the tag of most files. */
-inline std::string Line(char level, const std::string& end)
-{
-    return Tagged(level, "PrivacyIndicator]" + end);
+    return std::string(1, level) + " 3 0xd005610 KRV: [QNL][" + tag + "]" + end;
 }
 
 inline Lines operator+(Lines lines, const Lines& more)
@@ -58,9 +52,6 @@ public:
             }
         });
     }
-
-    LogCapture(const LogCapture&) = delete;
-    LogCapture& operator=(const LogCapture&) = delete;
 
     ~LogCapture()
     {

@@ -88,7 +88,6 @@ public:
     }
 
     using Parcel::Extend;
-    using Parcel::Skip;
 };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <functional>
 #include <future>
 #include <thread>
 
 #include <gtest/gtest.h>
 
-#include "fakes.h"
+#include "fake_service.h"
 #include "iservice_registry.h"
 #include "privacy_indicator_client.h"
 #include "privacy_indicator_service_intf_proxy.h"
@@ -49,10 +50,14 @@ protected:
         return object;
     }
 
-    // What was logged of the proxy and the gate since the last time.
-    Lines Logged()
+    // What the steps log of the proxy and the gate.
+    Lines Logged(const std::vector<std::function<void()>>& steps)
     {
+        log.Take();
         Lines lines;
+        for (const auto& step : steps) {
+            step();
+        }
         for (const auto& line : log.Take()) {
             if (line.find("Proxy: ") != std::string::npos) {
                 lines.push_back(line);
@@ -61,24 +66,12 @@ protected:
         return lines;
     }
 
-    Lines Initialized()
-    {
-        client.InitializeProxy();
-        return Logged();
-    }
-
-    Lines Reset()
-    {
-        client.ResetProxy();
-        return Logged();
-    }
-
-    void ExpectCall(int32_t result, const Lines& lines)
-    {
-        EXPECT_EQ(client.TurnOffIndicator(PrivacySensorType::LOCATION, 100), result);
-        EXPECT_EQ(Logged(), lines);
-    }
-
+    const std::function<void()> initialize = [this] { client.InitializeProxy(); };
+    const std::function<void()> reset = [this] { client.ResetProxy(); };
+    const std::function<void()> call = [this] {
+        EXPECT_EQ(client.TurnOffIndicator(PrivacySensorType::LOCATION, 100), expected);
+    };
+    int32_t expected = 7; // What the calls return.
     PrivacyIndicatorClient& client = PrivacyIndicatorClient::GetInstance();
     const sptr<ISystemAbilityManager> manager = SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
     LogCapture log;
@@ -86,28 +79,24 @@ protected:
 
 TEST_F(VariantTest, ProxyIsKeptAsLongAsTheServiceLives)
 {
-    EXPECT_EQ(Initialized(), NO_SERVICE);
+    EXPECT_EQ(Logged({initialize}), NO_SERVICE);
     const auto former = ProvideNew();
-    EXPECT_EQ(Initialized(), NEW_RECIPIENT + SUCCESS);
-    EXPECT_EQ(Initialized(), KNOWN);
+    EXPECT_EQ(Logged({initialize, initialize}), NEW_RECIPIENT + SUCCESS + KNOWN);
     EXPECT_EQ(former->recipients, 1);
     former->dead = true;
     const std::string dead = "SA is IsObjectDead, why load system ability return a dead SA?";
-    EXPECT_EQ(Initialized(), DEAD_PROXY + Initialize('E', dead));
-    EXPECT_EQ(Reset(), NOTHING_TO_DROP);
+    EXPECT_EQ(Logged({initialize, reset}), DEAD_PROXY + Initialize('E', dead) + NOTHING_TO_DROP);
     const auto later = ProvideNew();
-    EXPECT_EQ(Initialized(), SUCCESS); // With the recipient that it has.
+    EXPECT_EQ(Logged({initialize}), SUCCESS); // With the recipient that it has.
     EXPECT_EQ(later->recipients, 1);
-    EXPECT_EQ(Reset(), DROPPED);
+    EXPECT_EQ(Logged({reset}), DROPPED);
     EXPECT_EQ(later->recipients, 0);
     later->takesRecipients = false;
     const Lines refused = Initialize('E', "Sa AddDeathRecipient return false, please check.");
-    EXPECT_EQ(Initialized(), NEW_RECIPIENT + refused);
-    EXPECT_EQ(Initialized() + Reset(), refused + NOTHING_TO_DROP);
+    EXPECT_EQ(Logged({initialize, reset}), NEW_RECIPIENT + refused + NOTHING_TO_DROP);
     later->takesRecipients = true;
-    EXPECT_EQ(Initialized(), SUCCESS);
-    later->recipient->OnRemoteDied(nullptr);
-    EXPECT_EQ(Logged() + Reset(), DROPPED + NOTHING_TO_DROP);
+    EXPECT_EQ(Logged({initialize}), SUCCESS);
+    EXPECT_EQ(Logged({[&] { later->recipient->OnRemoteDied(nullptr); }, reset}), DROPPED + NOTHING_TO_DROP);
 }
 
 TEST_F(VariantTest, NoProxyWithoutCreator)
@@ -121,15 +110,14 @@ TEST_F(VariantTest, NoProxyWithoutCreator)
     const auto service = ProvideNew();
     brokers.Unregister(DESCRIPTOR);
     const std::string noInterface = "iface_cast SA=66090 is nullptr, there is nothing we can do.";
-    EXPECT_EQ(Initialized(), NEW_RECIPIENT + Initialize('E', noInterface));
+    EXPECT_EQ(Logged({initialize}), NEW_RECIPIENT + Initialize('E', noInterface));
     EXPECT_TRUE(brokers.Register(DESCRIPTOR, BrokerCreator<Homeless>(), nullptr));
-    EXPECT_EQ(Initialized(), SUCCESS);
-    EXPECT_EQ(Initialized(), DEAD_PROXY + SUCCESS);
+    EXPECT_EQ(Logged({initialize, initialize}), SUCCESS + DEAD_PROXY + SUCCESS);
     const std::string noObject = "ResetProxy: iRemoteObject is nullptr, failed to RemoveDeathRecipient, ignore.";
-    EXPECT_EQ(Reset(), (Lines{Line('W', noObject), Line('I', "ResetProxy: set proxy to nullptr done.")}));
+    EXPECT_EQ(Logged({reset}), (Lines{Line('W', noObject), Line('I', "ResetProxy: set proxy to nullptr done.")}));
     brokers.Unregister(DESCRIPTOR);
     EXPECT_TRUE(brokers.Register(DESCRIPTOR, BrokerCreator<PrivacyIndicatorServiceIntfProxy>(), nullptr));
-    EXPECT_EQ(Initialized(), SUCCESS); // With the recipient that was kept.
+    EXPECT_EQ(Logged({initialize}), SUCCESS); // With the recipient that was kept.
 }
 
 using EmulatorTest = VariantTest;
@@ -139,30 +127,24 @@ TEST_F(EmulatorTest, RequestsReturnSuccessAndTouchNothing)
 {
     const auto service = ProvideNew();
     std::vector<PrivacyEventDetail> details(2);
-    std::vector<IndicatorData> indicators(3);
-    std::vector<PermissionUsageDuration> durations(4);
+    expected = 0;
+    EXPECT_EQ(Logged({call}), Lines{Line('I', "WithSystemAbilityProxy: emulator is not support")});
     EXPECT_EQ(client.GetPrivacyEventDetails(1, details), 0);
-    EXPECT_EQ(client.GetPrivacyEventDetailsByPrivacySensorType(1, PrivacySensorType::CAMERA, details), 0);
-    EXPECT_EQ(client.GetActiveIndicators(indicators), 0);
-    EXPECT_EQ(client.TurnOnIndicator(PrivacySensorType::CAMERA, {}, {}, 0), 0);
-    EXPECT_EQ(client.GetPermissionUsageDurationSummary({}, durations), 0);
-    EXPECT_EQ(client.NotifyPowerEvent(1), 0);
-    const std::string refused = Line('I', "WithSystemAbilityProxy: emulator is not support");
-    ExpectCall(0, Lines(7, refused));
-    EXPECT_EQ(details.size() + indicators.size() + durations.size(), 9U);
+    EXPECT_EQ(details.size(), 2U);
     EXPECT_EQ(service->calls + service->recipients, 0);
-    EXPECT_EQ(Reset(), NOTHING_TO_DROP);
+    EXPECT_EQ(Logged({reset}), NOTHING_TO_DROP);
 }
 
 TEST_F(DeviceTest, RequestsReachTheServiceThatIsThere)
 {
-    ExpectCall(0, NO_SERVICE);
+    expected = 0;
+    EXPECT_EQ(Logged({call}), NO_SERVICE);
+    expected = 7;
     const auto former = ProvideNew();
-    ExpectCall(7, NEW_RECIPIENT + SUCCESS);
-    ExpectCall(7, KNOWN);
+    EXPECT_EQ(Logged({call, call}), NEW_RECIPIENT + SUCCESS + KNOWN);
     former->dead = true; // And replaced before anyone was told.
     const auto later = ProvideNew();
-    ExpectCall(7, DEAD_PROXY + SUCCESS);
+    EXPECT_EQ(Logged({call}), DEAD_PROXY + SUCCESS);
     EXPECT_EQ(std::make_pair(former->calls, later->calls), std::make_pair(2, 1));
 }
 
@@ -178,17 +160,15 @@ TEST_F(DeviceTest, ACallUnderWayHoldsUpNobody)
         begun.set_value();
         EXPECT_TRUE(happens(goOn));
     };
-    std::thread call([this] { EXPECT_EQ(client.TurnOffIndicator(PrivacySensorType::CAMERA, 1), 7); });
+    std::thread caller(call);
     EXPECT_TRUE(happens(begun));
-    former->dead = true;
-    Logged();
-    former->recipient->OnRemoteDied(nullptr); // Drops the proxy, which the call still uses.
-    EXPECT_EQ(Logged(), DROPPED);
+    // Drops the proxy, which the call still uses.
+    EXPECT_EQ(Logged({[&] { former->recipient->OnRemoteDied(nullptr); }}), DROPPED);
     const auto later = ProvideNew();
-    ExpectCall(7, NEW_RECIPIENT + SUCCESS);
+    EXPECT_EQ(Logged({call}), NEW_RECIPIENT + SUCCESS);
     EXPECT_EQ(std::make_pair(former->calls, later->calls), std::make_pair(0, 1)); // The first has not come back.
     goOn.set_value();
-    call.join();
+    caller.join();
     EXPECT_EQ(former->calls, 1);
 }
 
