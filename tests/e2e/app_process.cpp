@@ -6,8 +6,8 @@
 
 #include <atomic>
 #include <chrono>
-#include <filesystem>
 #include <future>
+#include <thread>
 
 #include "../unit/samples.h"
 #include "command_loop.h"
@@ -50,10 +50,7 @@ public:
 private:
     void TellOf(const std::string& text)
     {
-        if (name_ != "-") {
-            Tell(name_ + " " + text);
-        }
-        WaitWhileHeld();
+        WaitWhileHeld(name_ != "-" ? name_ + " " + text : "");
     }
 
     const std::string name_;
@@ -66,15 +63,15 @@ public:
 
     void OnSwitchChanged(const IndicatorData& data) override
     {
-        const int off = switches_ % 4 - 1; // The sensor that is off next; first, none.
-        if (data.state == Indicator::IndicatorState::ON) {
-            wrong_ += !(off < 0 && data.color == std::to_string(++switches_ / 4 + 1));
-        } else if (data.state == Indicator::IndicatorState::OFF) {
-            wrong_ += !(off == static_cast<int>(data.privacySensorType));
-            ++switches_;
-        } else {
-            wrong_ += !(off == 0); // Any other event is of a service that is there.
+        const int step = switches_ % 4;
+        const bool isOff = data.state == Indicator::IndicatorState::OFF;
+        if (data.state != Indicator::IndicatorState::ON && !isOff) {
+            wrong_ += !(step == 1); // Any other event is of a service that is there.
+            return;
         }
+        wrong_ += !(step == 0 ? !isOff && data.color == std::to_string(switches_ / 4 + 1)
+                              : isOff && static_cast<int>(data.privacySensorType) == step - 1);
+        ++switches_;
     }
 
     void OnPrivacyEventChanged(
@@ -213,18 +210,6 @@ std::string Become(const Words& words)
     return std::to_string(error);
 }
 
-// count: threads, descriptors, and the heap's bytes in use, which are 0 under a sanitizer.
-std::string Count(const Words& /* words */)
-{
-    malloc_trim(0);
-    std::ostringstream text;
-    for (const char* folder : {"/proc/self/task", "/proc/self/fd"}) {
-        text << std::distance(std::filesystem::directory_iterator(folder), {}) << ' ';
-    }
-    text << mallinfo2().uordblks;
-    return text.str();
-}
-
 // Asks, or registers and unregisters, again and again. The longest time that it took, in ms.
 int64_t RunLoad(const std::string& what)
 {
@@ -310,7 +295,12 @@ int main()
 {
     ServeCommands({{"listen", ListenByName}, {"unlisten", ListenByName}, {"events", GetDetails}, {"active", GetActive},
         {"usage", GetUsage}, {"on", TurnOn}, {"many", ListenAsMany}, {"fork", Fork}, {"become", Become},
-        {"count", Count}, {"keep", Keep}, {"storm", Storm}, {"calm", Calm}, {"settle", Settle},
+        {"heap",
+            [](auto&) {
+                malloc_trim(0);
+                return std::to_string(mallinfo2().uordblks);
+            }}, // 0 under a sanitizer.
+        {"keep", Keep}, {"storm", Storm}, {"calm", Calm}, {"settle", Settle},
         {"order", [](auto&) { return g_keeper->Show(); }},
         {"off",
             [](auto& w) {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bus_test.h"
 
-#include <fcntl.h>
 #include <poll.h>
 #include <pwd.h>
 #include <sys/prctl.h>
@@ -26,13 +25,6 @@ using Clock = std::chrono::steady_clock;
 // For what takes milliseconds: enough for a sanitizer's build on a busy machine.
 constexpr std::chrono::seconds PATIENCE{20};
 
-bool AwaitInput(int fd, Clock::time_point deadline)
-{
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
-    pollfd wait{fd, POLLIN, 0};
-    return poll(&wait, 1, static_cast<int>(std::max<int64_t>(left, 0))) > 0;
-}
-
 std::string Replace(std::string text, const std::string& what, const std::string& with)
 {
     return text.replace(text.find(what), what.size(), with);
@@ -46,6 +38,8 @@ Helper::Helper(const std::vector<std::string>& command, const std::string& busAd
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
         std::abort();
     }
+    const timeval patience{PATIENCE.count(), 0};
+    setsockopt(ends[0], SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience));
     std::vector<char*> arguments(command.size() + 1);
     std::transform(command.begin(), command.end(), arguments.begin(),
         [](const std::string& argument) { return const_cast<char*>(argument.c_str()); });
@@ -63,6 +57,7 @@ Helper::Helper(const std::vector<std::string>& command, const std::string& busAd
         _exit(127);
     }
     line_ = ends[0];
+    input_ = fdopen(line_, "r");
     close(ends[1]);
 }
 
@@ -71,7 +66,14 @@ Helper::~Helper()
     if (pid_ >= 0) {
         Kill();
     }
-    close(line_);
+    std::fclose(input_);
+}
+
+void Helper::Do(std::initializer_list<std::string> commands)
+{
+    for (const std::string& command : commands) {
+        EXPECT_EQ(Ask(command), "0") << command;
+    }
 }
 
 std::string Helper::Ask(const std::string& command)
@@ -104,40 +106,47 @@ std::string Helper::Event()
     return event;
 }
 
-std::string Helper::Events(size_t count)
+void Helper::Hears(std::initializer_list<std::string> events)
 {
-    std::vector<std::string> events;
-    std::generate_n(std::back_inserter(events), count, [this] { return Event(); });
-    std::sort(events.begin(), events.end());
-    std::string all;
     for (const std::string& event : events) {
-        all += (all.empty() ? "" : ", ") + event;
+        EXPECT_EQ(Event(), event);
     }
-    return all;
+}
+
+std::vector<std::string> Helper::Events(size_t count)
+{
+    std::vector<std::string> events(count);
+    std::generate(events.begin(), events.end(), [this] { return Event(); });
+    std::sort(events.begin(), events.end());
+    return events;
 }
 
 std::string Helper::ReadLine()
 {
-    const auto deadline = Clock::now() + PATIENCE;
-    size_t end = 0;
-    while ((end = unread_.find('\n')) == std::string::npos) {
-        char bytes[4096];
-        const ssize_t size = AwaitInput(line_, deadline) ? read(line_, bytes, sizeof(bytes)) : -1;
-        if (size <= 0) {
-            ADD_FAILURE() << "process " << pid_ << (size < 0 ? " keeps silent" : " has ended");
-            return "";
-        }
-        unread_.append(bytes, static_cast<size_t>(size));
+    char* bytes = nullptr;
+    size_t capacity = 0;
+    const ssize_t size = getline(&bytes, &capacity, input_);
+    const std::unique_ptr<char, decltype(&std::free)> owned(bytes, std::free);
+    if (size <= 0) {
+        ADD_FAILURE() << "process " << pid_ << (std::feof(input_) != 0 ? " has ended" : " keeps silent");
+        return "";
     }
-    std::string line = unread_.substr(0, end);
-    unread_.erase(0, end + 1);
-    return line;
+    return {bytes, static_cast<size_t>(size) - 1};
+}
+
+size_t Helper::Count(const std::string& what) const
+{
+    const std::filesystem::directory_iterator all("/proc/" + std::to_string(pid_) + "/" + what);
+    return static_cast<size_t>(std::distance(begin(all), end(all)));
 }
 
 void Helper::Signal(int signal) const
 {
     if (pid_ > 0) { // -1 is every process there is.
         kill(pid_, signal);
+        if (signal == SIGSTOP) { // Some of its threads may run on a while.
+            waitid(P_PID, static_cast<id_t>(pid_), nullptr, WSTOPPED);
+        }
     }
 }
 
@@ -154,12 +163,12 @@ void Helper::EndInput() const
 
 int Helper::AwaitEnd()
 {
-    const int end = static_cast<int>(syscall(SYS_pidfd_open, pid_, 0));
-    if (!AwaitInput(end, Clock::now() + PATIENCE)) {
+    pollfd end{static_cast<int>(syscall(SYS_pidfd_open, pid_, 0)), POLLIN, 0};
+    if (poll(&end, 1, std::chrono::milliseconds(PATIENCE).count()) <= 0) {
         ADD_FAILURE() << "process " << pid_ << " does not end";
         Signal(SIGKILL);
     }
-    close(end);
+    close(end.fd);
     int status = 0;
     waitpid(std::exchange(pid_, -1), &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -171,8 +180,8 @@ BusTest::BusTest(const std::string& serviceUser) : launcher_(OnVariant("emulator
     folder_ = mkdtemp(folder);
     std::ifstream file(BUS_CONFIGURATION);
     std::string configuration{std::istreambuf_iterator<char>(file), {}};
-    configuration =
-        Replace(configuration, "@SERVICE_USER@", serviceUser.empty() ? getpwuid(getuid())->pw_name : serviceUser);
+    const std::string user = serviceUser.empty() ? getpwuid(getuid())->pw_name : serviceUser;
+    configuration = Replace(configuration, "@SERVICE_USER@", user);
     std::ofstream(folder_ + "/bus.conf") << Replace(configuration, "@FOLDER@", folder_);
     const std::string command = "exec dbus-daemon --nofork --nopidfile --print-address=1 2>/dev/null --config-file=";
     daemon_ = std::make_unique<Helper>(std::vector<std::string>{"sh", "-c", command + folder_ + "/bus.conf"}, "");
@@ -206,8 +215,6 @@ std::vector<std::string> BusTest::CommandFor(const std::string& program) const
 Helper& BusTest::Start(std::initializer_list<std::string> commands, const std::string& program)
 {
     Helper& helper = helpers_.emplace_back(CommandFor(program), busAddress_);
-    for (const std::string& first : commands) {
-        EXPECT_EQ(helper.Ask(first), "0") << first;
-    }
+    helper.Do(commands);
     return helper;
 }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <sys/types.h>
 
+#include <cstdio>
 #include <deque>
 #include <initializer_list>
 #include <list>
@@ -21,6 +22,9 @@ public:
     Helper& operator=(const Helper&) = delete;
     ~Helper();
 
+    /** Has it run commands, each of which must answer "0". */
+    void Do(std::initializer_list<std::string> commands);
+
     /** The answer to a command. */
     std::string Ask(const std::string& command);
 
@@ -30,11 +34,17 @@ public:
     /** The next event. */
     std::string Event();
 
-    /** The next `count` events, sorted, with ", " between them. */
-    std::string Events(size_t count);
+    /** Its next events must be these, in this order. */
+    void Hears(std::initializer_list<std::string> events);
+
+    /** The next `count` events, sorted. */
+    std::vector<std::string> Events(size_t count);
 
     /** Its next line; empty, and a failed test, if none comes. */
     std::string ReadLine();
+
+    /** How many of "task" or "fd", its threads or descriptors, it has. */
+    size_t Count(const std::string& what) const;
 
     void Signal(int signal) const;
     void Kill();
@@ -51,9 +61,9 @@ public:
     }
 
 private:
-    pid_t pid_ = -1; // -1 once it has ended.
-    int line_ = -1;  // To its standard input and output.
-    std::string unread_;
+    pid_t pid_ = -1;             // -1 once it has ended.
+    int line_ = -1;              // To its standard input and output.
+    std::FILE* input_ = nullptr; // What comes on the line, which it closes.
     std::deque<std::string> events_;
 };
 
@@ -65,7 +75,7 @@ public:
     ~BusTest() override;
 
 protected:
-    /** Starts a helper, and has it run some commands, all of which must answer "0". */
+    /** Starts a helper, and has it do some commands. */
     Helper& Start(std::initializer_list<std::string> commands = {}, const std::string& program = "peer_process");
 
     /** The launcher for helpers on a variant of the library. */
@@ -78,9 +88,9 @@ protected:
     std::string busAddress_;
     std::vector<std::string> launcher_; // Goes before the program.
     std::unique_ptr<Helper> daemon_;
+    std::string folder_; // Goes, with all in it.
 
 private:
-    std::string folder_;
     std::list<Helper> helpers_;
 };
 

@@ -7,13 +7,13 @@
 #include <algorithm>
 #include <condition_variable>
 #include <functional>
+#include <future>
 #include <iostream>
 #include <iterator>
 #include <map>
 #include <mutex>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 /** A command and its arguments; missing ones are empty. */
@@ -39,9 +39,13 @@ struct Hold {
 };
 inline Hold& g_hold = *new Hold();
 
-inline void WaitWhileHeld()
+/** A `hold` that comes behind `event`, which is told if it is not empty, is too late for it. */
+inline void WaitWhileHeld(const std::string& event = "")
 {
     std::unique_lock<std::mutex> lock(g_hold.mutex);
+    if (!event.empty()) {
+        Tell(event);
+    }
     g_hold.released.wait(lock, [] { return !g_hold.isOn; });
 }
 
@@ -52,7 +56,7 @@ inline void WaitWhileHeld()
  */
 inline void ServeCommands(const std::map<std::string, Command>& commands)
 {
-    std::vector<std::thread> threads;
+    std::vector<std::future<void>> background; // Waits for all in the end.
     for (std::string line; std::getline(std::cin, line);) {
         std::istringstream stream(line);
         Words words{std::istream_iterator<std::string>(stream), {}};
@@ -68,12 +72,9 @@ inline void ServeCommands(const std::map<std::string, Command>& commands)
         }
         const Command& command = commands.at(words[0]);
         if (isBackground) {
-            threads.emplace_back([&command, words] { Tell("done " + command(words)); });
+            background.push_back(std::async(std::launch::async, [&command, words] { Tell("done " + command(words)); }));
         }
         Tell(isBackground ? "0" : command(words), "= ");
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
     }
 }
 

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // A peer that keeps to no rule: it speaks to the bus, and on sockets to service 66090, by hand.
 #include <fcntl.h>
-#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <systemd/sd-bus.h>
 
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <iomanip>
 #include <random>
 #include <utility>
 
@@ -146,18 +146,6 @@ std::string CallAll(const Words& words)
     return std::to_string(answered);
 }
 
-// offer NAME: gives the victim an object by that name (one letter).
-std::string Offer(const Words& words)
-{
-    Packet data{1, static_cast<uint32_t>(words[1][0])};
-    const Packet handles = InventHandles(1, 0, data);
-    const Packet packet = Message(CALL, 4, handles, data);
-    std::array<char, 64> reply{};
-    Connect({"", "1"});
-    Send(g_connections.back(), packet, packet.size() * 4);
-    return recv(g_connections.back(), reply.data(), reply.size(), 0) > 0 ? "0" : "no reply";
-}
-
 // flood MEMBER COUNT: calls whose answers are never read, Releases as large as can be.
 std::string Flood(const Words& words)
 {
@@ -198,6 +186,34 @@ std::string Forge(const Words& words)
     return std::to_string(std::min(sent, sd_bus_flush(g_bus)));
 }
 
+// raw HEX...: sends these bytes, with a descriptor if the last word is `fd`, on a new connection. What comes back.
+std::string Raw(const Words& words)
+{
+    std::string digits;
+    for (size_t i = 1; i < words.size(); ++i) {
+        digits += words[i] == "fd" ? "" : words[i];
+    }
+    Packet packet(digits.size() / 8 + 1);
+    auto* const bytes = reinterpret_cast<unsigned char*>(packet.data());
+    for (size_t i = 0; i < digits.size() / 2; ++i) {
+        bytes[i] = static_cast<unsigned char>(std::stoul(digits.substr(i * 2, 2), nullptr, 16));
+    }
+    std::array<unsigned char, 1024> answer{};
+    if (Connect({"", "1"}) != "1") {
+        return "no connection";
+    }
+    Send(g_connections.back(), packet, digits.size() / 2, std::find(words.begin(), words.end(), "fd") != words.end());
+    const ssize_t size = recv(g_connections.back(), answer.data(), answer.size(), 0);
+    close(g_connections.back());
+    g_connections.pop_back();
+    std::ostringstream text;
+    for (ssize_t i = 0; i < size; ++i) {
+        text << (i > 0 && i % 4 == 0 ? " " : "") << std::hex << std::setw(2) << std::setfill('0')
+             << +answer.at(static_cast<size_t>(i));
+    }
+    return size > 0 ? text.str() : "closed";
+}
+
 // Answers the next Connect, with a descriptor if there is one.
 void AnswerConnect(int fd)
 {
@@ -214,19 +230,17 @@ void AnswerConnect(int fd)
     sd_bus_flush(g_bus);
 }
 
-// answer HOW: is called, once.
+// answer HOW: is called. Where that is `shared` or `alone`, twice.
 std::string Answer(const Words& words)
 {
     const std::string& how = words[1];
     int ends[2] = {-1, -1};
-    if (how == "event") {
-        ends[1] = eventfd(0, EFD_CLOEXEC);
-    } else if (how == "alone") {
+    if (how == "alone") {
         ends[1] = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
     } else if (how != "none") {
         socketpair(AF_UNIX, (how == "stream" ? SOCK_STREAM : SOCK_SEQPACKET) | SOCK_CLOEXEC, 0, ends);
     }
-    const bool isOver = how == "none" || how == "event" || how == "stream" || how == "alone";
+    const bool isCalled = how != "none" && how != "stream" && how != "alone";
     for (int i = 0; i < (how == "shared" || how == "alone" ? 2 : 1); ++i) {
         AnswerConnect(ends[1]);
     }
@@ -235,13 +249,13 @@ std::string Answer(const Words& words)
     Packet data = TEXT;
     const Packet handles = InventHandles(how == "forged" ? 1 : 0, 1, data);
     const Packet reply = Message(how == "kind" ? CALL : REPLY, 0, handles, data);
-    for (int i = 0; !isOver && i < (how == "shared" ? 2 : 1); ++i) {
+    for (int i = 0; isCalled && i < (how == "shared" ? 2 : 1); ++i) {
         recv(ends[0], call.data(), MAX_SIZE, 0);
     }
-    for (int i = 0; !isOver && how != "end" && i < (how == "twice" ? 2 : 1); ++i) {
+    for (int i = 0; isCalled && how != "end" && i < (how == "twice" ? 2 : 1); ++i) {
         Send(ends[0], reply, how == "half" ? 16 : reply.size() * 4, how == "descriptor");
     }
-    if (isOver || how == "end" || how == "good" || how == "twice") { // Else the victim has to end it.
+    if (!isCalled || how == "end" || how == "twice") { // Else the victim has to end it.
         close(ends[0]);
     }
     return "0";
@@ -252,7 +266,7 @@ std::string Answer(const Words& words)
 int main()
 {
     Join({});
-    ServeCommands({{"join", Join}, {"connect", Connect}, {"garbage", Garbage}, {"call", CallAll}, {"offer", Offer},
-        {"flood", Flood}, {"claim", Claim}, {"forge", Forge}, {"answer", Answer}});
+    ServeCommands({{"join", Join}, {"connect", Connect}, {"garbage", Garbage}, {"call", CallAll}, {"flood", Flood},
+        {"claim", Claim}, {"forge", Forge}, {"answer", Answer}, {"raw", Raw}});
     return 0;
 }

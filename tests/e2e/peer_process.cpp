@@ -2,11 +2,10 @@
 // A process that has objects, calls others' objects, and tells what happens to it.
 #include <poll.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
-#include <sys/syscall.h>
 
 #include <atomic>
 #include <mutex>
+#include <thread>
 #include <utility>
 
 #include "command_loop.h"
@@ -96,11 +95,8 @@ public:
     {
         const std::string text = data.ReadString();
         const sptr<IRemoteObject> object = data.ReadRemoteObject();
-        if (code == WAIT) {
-            Tell("waiting");
-        }
         if (code == WAIT || code == EVENT) {
-            WaitWhileHeld();
+            WaitWhileHeld(code == WAIT ? "waiting" : "");
         }
         if (code == EVENT) {
             Tell(name_ + " " + text);
@@ -160,8 +156,7 @@ private:
     void TellOf(const char* change, int32_t id, const std::string& deviceId)
     {
         const bool isOnMain = std::this_thread::get_id() == MAIN_THREAD;
-        Tell(change + std::to_string(id) + deviceId + name_ + (isOnMain ? " on the main thread" : ""));
-        WaitWhileHeld();
+        WaitWhileHeld(change + std::to_string(id) + deviceId + name_ + (isOnMain ? " on the main thread" : ""));
         if (name_ == "once") {
             Manager()->UnSubscribeSystemAbility(id, sptr<ISystemAbilityStatusChange>(this));
         }
@@ -190,16 +185,17 @@ std::string SendSize(const Words& words)
     return std::to_string(answer.code) + (answer.code == 0 && answer.text != text ? " but changed" : "");
 }
 
-// send NAME COUNT: one-way events, numbered from 0. How many were taken before one was not, and why.
+// send NAME COUNT: one-way events; those that are taken are numbered from 0. How many they are, and the last error.
 std::string Send(const Words& words)
 {
-    int sent = 0;
-    int error = 0;
-    while (error == 0 && sent < std::stoi(words[2])) {
-        error = Call(Named(words[1]), EVENT, std::to_string(sent), nullptr, MessageOption::TF_ASYNC).code;
-        sent += error == 0 ? 1 : 0;
+    int taken = 0;
+    int lastError = 0;
+    for (int i = 0; i < std::stoi(words[2]); ++i) {
+        const int error = Call(Named(words[1]), EVENT, std::to_string(taken), nullptr, MessageOption::TF_ASYNC).code;
+        taken += error == 0 ? 1 : 0;
+        lastError = error != 0 ? error : lastError;
     }
-    return std::to_string(sent) + " then " + std::to_string(error);
+    return std::to_string(taken) + " then " + std::to_string(lastError);
 }
 
 // hammer NAME THREADS COUNT: all kinds of calls, handing over objects that both sides let go of at once and one that
@@ -209,13 +205,13 @@ std::string Hammer(const Words& words)
     const sptr<IRemoteObject> target = Named(words[1]);
     const std::string who = Who();
     const int count = std::stoi(words[3]);
-    std::vector<std::thread> threads(std::stoul(words[2]));
+    std::vector<std::future<void>> threads(std::stoul(words[2]));
     std::atomic<size_t> begun{0};
     std::atomic<int> wrong{0};
     std::atomic<int> failed{0};
     std::atomic<int> next{0};
-    for (std::thread& thread : threads) {
-        thread = std::thread([&] {
+    for (auto& thread : threads) {
+        thread = std::async(std::launch::async, [&] {
             for (int i = 0; i < count; ++i) {
                 const std::string text = std::to_string(next++);
                 const int oneWay = Call(target, ECHO, "", new Object(""), MessageOption::TF_ASYNC).code;
@@ -233,9 +229,7 @@ std::string Hammer(const Words& words)
             }
         });
     }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    threads.clear(); // Waits for them.
     return std::to_string(wrong) + " wrong, " + std::to_string(failed) + " failed";
 }
 
@@ -254,16 +248,10 @@ std::string Fork(const Words& words)
     return "0";
 }
 
-// Descriptors that the platform opens and closes on a thread of its own are as they stay.
-void AwaitBus()
-{
-    Manager()->GetSystemAbility(0);
-}
-
 // exhaust: leaves no descriptor free, until `restore`.
 std::string Exhaust(const Words& /* words */)
 {
-    AwaitBus();
+    Manager()->GetSystemAbility(0); // What the platform does with descriptors on a thread of its own is done then.
     const rlimit limit{64, 64};
     setrlimit(RLIMIT_NOFILE, &limit);
     for (int fd = 0; (fd = dup(STDIN_FILENO)) >= 0;) {
@@ -280,52 +268,12 @@ std::string Restore(const Words& /* words */)
     return "0";
 }
 
-// raw HEX... [fd]: sends these bytes, perhaps with a descriptor, on this process's one connection. What comes back.
-std::string Raw(const Words& words)
-{
-    // A copy of our own, made behind the thread sanitizer's back: the original is closed by other threads as they
-    // please.
-    int connection = -1;
-    for (int fd = 3; connection < 0 && fd < 1000; ++fd) {
-        int type = 0;
-        socklen_t length = sizeof(type);
-        getsockopt(fd, SOL_SOCKET, SO_TYPE, &type, &length);
-        connection = type == SOCK_SEQPACKET ? static_cast<int>(syscall(SYS_dup, fd)) : -1;
-    }
-    std::string bytes;
-    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))] = {};
-    msghdr packet{};
-    for (auto word = words.begin() + 1; word != words.end(); ++word) {
-        if (*word == "fd") {
-            packet.msg_control = control;
-            packet.msg_controllen = sizeof(control);
-            *CMSG_FIRSTHDR(&packet) = {CMSG_LEN(sizeof(int)), SOL_SOCKET, SCM_RIGHTS}; // Descriptor 0.
-            continue;
-        }
-        for (size_t i = 0; i < word->size(); i += 2) {
-            bytes += static_cast<char>(std::stoi(word->substr(i, 2), nullptr, 16));
-        }
-    }
-    iovec part{bytes.data(), bytes.size()};
-    packet.msg_iov = &part;
-    packet.msg_iovlen = 1;
-    unsigned char answer[1024];
-    const ssize_t sent = sendmsg(connection, &packet, MSG_NOSIGNAL);
-    const ssize_t size = sent > 0 ? recv(connection, answer, sizeof(answer), 0) : -1;
-    AwaitBus();
-    close(connection);
-    std::string text;
-    for (ssize_t i = 0; i < size; ++i) {
-        const char* digits = "0123456789abcdef";
-        text += std::string(i > 0 && i % 4 == 0 ? " " : "") + digits[answer[i] / 16] + digits[answer[i] % 16];
-    }
-    return size > 0 ? text : sent > 0 ? "closed" : "not sent";
-}
-
 std::string Find(const Words& words)
 {
-    const sptr<ISystemAbilityManager> manager = Manager();
-    Name(words[1], manager != nullptr ? manager->GetSystemAbility(std::stoi(words[2])) : nullptr);
+    if (Manager() == nullptr) {
+        return "no manager";
+    }
+    Name(words[1], Manager()->GetSystemAbility(std::stoi(words[2])));
     return Named(words[1]) != nullptr ? "0" : "null";
 }
 
@@ -348,36 +296,21 @@ std::string Watch(const Words& words)
                                               : Manager()->UnSubscribeSystemAbility(id, watcher));
 }
 
-const std::map<std::string, Command>& COMMANDS = *new std::map<std::string, Command>{
-    {"serve", [](auto& w) { return std::to_string(Manager()->AddSystemAbility(std::stoi(w[1]), Named("me"))); }},
-    {"unserve", [](auto& w) { return std::to_string(Manager()->RemoveSystemAbility(std::stoi(w[1]))); }},
-    {"manager", [](auto&) { return Manager() != nullptr ? "0" : "null"; }},
-    {"make", [](auto& w) { return Name(w[1], new Object(w[1])) == nullptr ? "0" : "0 anew"; }},
-    {"drop", [](auto& w) { return Name(w[1], nullptr) != nullptr ? "0" : "there is none"; }},
-    {"alive", [](auto&) { return std::to_string(g_state.alive); }},
-    {"who", [](auto&) { return Who(); }},
-    {"dead", [](auto& w) { return Named(w[1])->IsObjectDead() ? "yes" : "no"; }},
-    {"patience", [](auto& w) { return std::to_string((g_state.patience = std::stoi(w[1])) * 0); }},
-    {"call", CallNamed},
-    {"find", Find},
-    {"size", SendSize},
-    {"send", Send},
-    {"hammer", Hammer},
-    {"mourn", Mourn},
-    {"unmourn", Mourn},
-    {"watch", Watch},
-    {"unwatch", Watch},
-    {"fork", Fork},
-    {"exhaust", Exhaust},
-    {"restore", Restore},
-    {"raw", Raw},
-};
-
 } // namespace
 
 int main()
 {
     Name("me", new Object("me"));
-    ServeCommands(COMMANDS);
+    ServeCommands(
+        {{"serve", [](auto& w) { return std::to_string(Manager()->AddSystemAbility(std::stoi(w[1]), Named("me"))); }},
+            {"unserve", [](auto& w) { return std::to_string(Manager()->RemoveSystemAbility(std::stoi(w[1]))); }},
+            {"make", [](auto& w) { return Name(w[1], new Object(w[1])) == nullptr ? "0" : "0 anew"; }},
+            {"drop", [](auto& w) { return Name(w[1], nullptr) != nullptr ? "0" : "there is none"; }},
+            {"alive", [](auto&) { return std::to_string(g_state.alive); }}, {"who", [](auto&) { return Who(); }},
+            {"dead", [](auto& w) { return Named(w[1])->IsObjectDead() ? "yes" : "no"; }},
+            {"patience", [](auto& w) { return std::to_string((g_state.patience = std::stoi(w[1])) * 0); }},
+            {"call", CallNamed}, {"find", Find}, {"size", SendSize}, {"send", Send}, {"hammer", Hammer},
+            {"mourn", Mourn}, {"unmourn", Mourn}, {"watch", Watch}, {"unwatch", Watch}, {"fork", Fork},
+            {"exhaust", Exhaust}, {"restore", Restore}});
     return 0;
 }

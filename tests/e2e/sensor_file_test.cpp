@@ -2,11 +2,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <optional>
+#include <set>
 
 #include "bus_test.h"
 
@@ -23,49 +22,23 @@ void Create(const std::string& path)
 
 /** A service that watches two files, and an app on the device's library that shows what becomes of it. */
 class SensorFileTest : public BusTest {
-public:
+protected:
     SensorFileTest()
     {
-        EXPECT_NE(mkdtemp(folder_), nullptr);
-        camera_ = folder_ + std::string("/camera");
-        microphone_ = folder_ + std::string("/microphone");
         Create(camera_);
         Create(microphone_);
-    }
-
-    ~SensorFileTest() override
-    {
-        for (const std::string& path : {camera_, microphone_, Other(), std::string(folder_)}) {
-            std::remove(path.c_str());
-        }
-    }
-
-protected:
-    void Begin()
-    {
-        service_.emplace(ServiceCommand(), busAddress_);
+        service_.emplace(serviceCommand_, busAddress_);
         EXPECT_EQ(service_->ReadLine(), "ready");
         app_.emplace(std::vector<std::string>{"env", DEVICE_LIBRARY, MONITOR}, busAddress_);
         EXPECT_EQ(app_->ReadLine(), "listening");
     }
 
-    /** With its standard error where its output goes. */
-    std::vector<std::string> ServiceCommand() const
-    {
-        return {"sh", "-c", R"(exec "$0" "$@" 2>&1)", SERVICE, "--watch", "camera=" + camera_, "--watch",
-            "microphone=" + microphone_};
-    }
-
-    /** The app's next two lines, without their times: the switch, then the use, which come in either order. */
-    std::string Hear()
+    /** The app's next two lines are these, behind their times: the switch, then the use, which come in either order. */
+    void Hears(const std::string& indicator, const std::string& use)
     {
         constexpr size_t TIME = 14; // And two blanks.
-        std::vector<std::string> lines{app_->ReadLine(), app_->ReadLine()};
-        for (std::string& line : lines) {
-            line.erase(0, TIME);
-        }
-        std::sort(lines.begin(), lines.end());
-        return lines[0] + ", " + lines[1];
+        std::multiset<std::string> lines{app_->ReadLine().erase(0, TIME), app_->ReadLine().erase(0, TIME)};
+        EXPECT_EQ(lines, (std::multiset<std::string>{"indicator  " + indicator, "use        " + use}));
     }
 
     /** The service's next line that is not about a listener. */
@@ -78,76 +51,59 @@ protected:
         return line;
     }
 
-    std::string Other() const
-    {
-        return folder_ + std::string("/other");
-    }
-
-    char folder_[32] = "/tmp/sensor_file_test.XXXXXX";
-    std::string camera_;
-    std::string microphone_;
+    const std::string camera_ = folder_ + "/camera";
+    const std::string microphone_ = folder_ + "/microphone";
+    const std::vector<std::string> openCamera_{"tail", "-f", camera_};
+    // With its standard error where its output goes.
+    const std::vector<std::string> serviceCommand_{"sh", "-c", R"(exec "$0" "$@" 2>&1)", SERVICE, "--watch",
+        "camera=" + camera_, "--watch", "microphone=" + microphone_};
     std::optional<Helper> service_;
     std::optional<Helper> app_;
 };
 
 TEST_F(SensorFileTest, AProcessThatHasTheFileOpenTwiceUsesTheSensorOnce)
 {
-    Begin();
     const int first = open(camera_.c_str(), O_RDONLY | O_CLOEXEC);
     const int second = open(camera_.c_str(), O_RDONLY | O_CLOEXEC);
-    EXPECT_EQ(Hear(), "indicator  camera on, use        camera by e2e_tests on");
+    Hears("camera on", "camera by e2e_tests on");
     close(first);
     const int microphone = open(microphone_.c_str(), O_RDONLY | O_CLOEXEC);
-    EXPECT_EQ(Hear(), "indicator  microphone on, use        microphone by e2e_tests on");
+    Hears("microphone on", "microphone by e2e_tests on");
     close(microphone);
-    EXPECT_EQ(Hear(), "indicator  microphone off, use        microphone by e2e_tests off");
+    Hears("microphone off", "microphone by e2e_tests off");
     close(second);
-    EXPECT_EQ(Hear(), "indicator  camera off, use        camera by e2e_tests off");
-}
-
-TEST_F(SensorFileTest, AUseEndsWithTheProcess)
-{
-    Begin();
-    Helper user({"tail", "-f", camera_}, "");
-    EXPECT_EQ(Hear(), "indicator  camera on, use        camera by tail on");
-    user.Kill();
-    EXPECT_EQ(Hear(), "indicator  camera off, use        camera by tail off");
+    Hears("camera off", "camera by e2e_tests off");
 }
 
 TEST_F(SensorFileTest, WhoHasARemovedFileOpenStillUsesTheSensor)
 {
-    Begin();
-    std::optional<Helper> user;
-    user.emplace(std::vector<std::string>{"tail", "-f", camera_}, "");
-    EXPECT_EQ(Hear(), "indicator  camera on, use        camera by tail on");
-    std::remove(camera_.c_str());
+    Helper user(openCamera_, "");
+    Hears("camera on", "camera by tail on");
+    std::filesystem::remove(camera_);
     EXPECT_EQ(ServiceLine(), "indicator_service: " + camera_ + " is gone: No such file or directory");
     Create(camera_);
     EXPECT_EQ(ServiceLine(), "indicator_service: " + camera_ + " is back");
     const int microphone = open(microphone_.c_str(), O_RDONLY | O_CLOEXEC);
-    EXPECT_EQ(Hear(), "indicator  microphone on, use        microphone by e2e_tests on");
-    user->Kill();
-    EXPECT_EQ(Hear(), "indicator  camera off, use        camera by tail off");
+    Hears("microphone on", "microphone by e2e_tests on");
+    user.Kill();
+    Hears("camera off", "camera by tail off");
     close(microphone);
-    EXPECT_EQ(Hear(), "indicator  microphone off, use        microphone by e2e_tests off");
+    Hears("microphone off", "microphone by e2e_tests off");
 }
 
-TEST_F(SensorFileTest, AReplacedFileIsFollowed)
+TEST_F(SensorFileTest, AReplacedFileIsFollowedAndNoServiceStartsWithoutOne)
 {
-    Begin();
-    Create(Other());
-    std::rename(Other().c_str(), camera_.c_str());
+    Create(folder_ + "/other");
+    std::filesystem::rename(folder_ + "/other", camera_);
     EXPECT_EQ(ServiceLine(), "indicator_service: " + camera_ + " was replaced");
-    Helper user({"tail", "-f", camera_}, "");
-    EXPECT_EQ(Hear(), "indicator  camera on, use        camera by tail on");
-}
-
-TEST_F(SensorFileTest, AServiceDoesNotStartWithoutTheFile)
-{
-    std::remove(microphone_.c_str());
-    Helper service(ServiceCommand(), busAddress_);
-    EXPECT_EQ(service.ReadLine(), "indicator_service: cannot watch " + microphone_ + ": No such file or directory");
-    EXPECT_EQ(service.AwaitEnd(), 1);
+    Helper user(openCamera_, "");
+    Hears("camera on", "camera by tail on");
+    user.Kill();
+    Hears("camera off", "camera by tail off");
+    std::filesystem::remove(microphone_);
+    Helper second(serviceCommand_, busAddress_);
+    EXPECT_EQ(second.ReadLine(), "indicator_service: cannot watch " + microphone_ + ": No such file or directory");
+    EXPECT_EQ(second.AwaitEnd(), 1);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 // A process that is the service: it knows which stubs it holds, calls them back, and tells of its requests if asked to.
 #include <atomic>
 #include <set>
+#include <thread>
 #include <tuple>
 
 #include "../unit/fake_service.h"
@@ -66,10 +67,7 @@ public:
                 LetGo(listenerObject);
                 listenerObject->RemoveDeathRecipient(this);
             }
-            if (g_state.telling) {
-                Tell(std::to_string(IPCSkeleton::GetCallingPid()) + " " + call);
-            }
-            WaitWhileHeld();
+            WaitWhileHeld(g_state.telling ? std::to_string(IPCSkeleton::GetCallingPid()) + " " + call : "");
         }
         return error;
     }
