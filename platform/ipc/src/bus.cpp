@@ -419,7 +419,7 @@ void Bus::AfterLastWords(const std::string& peer, const std::function<void()>& t
 
 std::shared_ptr<Answer<Introduction>> Bus::AskForConnection(const std::string& peer, std::chrono::microseconds patience)
 {
-    const auto answer = std::make_shared<Answer<Introduction>>();
+    auto answer = std::make_shared<Answer<Introduction>>();
     // The connection's place in the descriptor table is taken before anyone is asked.
     const auto place = std::make_shared<Descriptor>(Descriptor::Copy(wake_.Get()));
     if (!*place) {
