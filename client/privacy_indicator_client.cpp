@@ -405,7 +405,7 @@ void PrivacyIndicatorClient::SubscribePrivacyIndicatorAbility()
         LogError(TAG, FUNCTION, "saMgrProxy is null!");
         return;
     }
-    const sptr<PrivacyIndicatorServiceListener> listener(new PrivacyIndicatorServiceListener());
+    const sptr<PrivacyIndicatorServiceListener> listener(new (std::nothrow) PrivacyIndicatorServiceListener());
     const int32_t result = manager->SubscribeSystemAbility(PRIVACY_INDICATOR_SA_ID, listener);
     if (result != 0) {
         LogError(TAG, FUNCTION, "SubscribeSystemAbility for sa: %{public}s failed!, ret: %{public}s",

@@ -34,12 +34,16 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 /**
  * The way to the privacy indicator service for a whole process. Any thread may call any operation.
  *
- * An operation that reaches the service returns 0 or the service's or the transport's code, and blocks its thread for
- * 8 s at most. It returns 0, too, when there is no service: that is logged. In the emulator variant of the library no
- * request reaches the service at all: every such operation returns 0 and leaves its output as it was.
+ * An operation that reaches the service returns 0 or the service's or the transport's code. It blocks its thread for
+ * 8 s at most while the service answers, before that as long as the platform looks the service up, one thread at a
+ * time, and, if it is about listeners, until those of its kind are not being called. It returns 0, too, when there is
+ * no service: that is logged. In the emulator variant of the library no request reaches the service at all: every such
+ * operation returns 0 and leaves its output as it was.
  *
  * Listeners hear from the service as long as they are registered, also across its restarts. They are told apart by
  * address, and held as long as they are registered. When the service goes away they hear that each sensor is off.
+ *
+ * A process must end by its main thread, or without its exit handlers: else listeners may be called while they go.
  *
  * The library throws nothing of its own and hides nothing: what a listener throws on a platform thread, or a container
  * that finds no memory, ends the process.

@@ -3,6 +3,7 @@
 
 #include <poll.h>
 #include <sys/eventfd.h>
+#include <sys/random.h>
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -540,11 +541,18 @@ bool Bus::MaySend(const std::shared_ptr<Peer>& peer, size_t size, size_t limit)
     Peer::Mail& mail = peer->GetMail();
     if (mail.sent - mail.read + size > ASK_FROM && !mail.isAsked && bus_ != nullptr) {
         mail.isAsked = true;
+        // A number that only who reads it knows: an answer can be sent unread.
+        uint64_t secret = 0;
         sd_bus_message* call = nullptr;
-        sd_bus_message_new_method_call(bus_, &call, peer->Name().c_str(), PEER_PATH, PEER_INTERFACE, "Ping");
-        Call(call, AS_LONG_AS_IT_LIVES, [this, peer, upTo = mail.sent](sd_bus_message* reply) {
-            peer->GetMail().isAsked = false;
-            if (reply != nullptr) {
+        if (getrandom(&secret, sizeof(secret), 0) == sizeof(secret) &&
+            sd_bus_message_new_method_call(bus_, &call, peer->Name().c_str(), PEER_PATH, PEER_INTERFACE, "Ping") >= 0) {
+            sd_bus_message_append(call, "t", secret);
+        }
+        Call(call, AS_LONG_AS_IT_LIVES, [this, peer, secret, upTo = mail.sent](sd_bus_message* reply) {
+            uint64_t echo = 0;
+            // Who answers wrongly is not asked again.
+            if (IsAnswer(reply) && sd_bus_message_read(reply, "t", &echo) > 0 && echo == secret) {
+                peer->GetMail().isAsked = false;
                 peer->GetMail().read = upTo;
                 FlushReleases(peer);
             }
@@ -568,8 +576,10 @@ int Bus::OnMessage(sd_bus_message* message, void* bus, sd_bus_error* /* error */
     } else if (sender != nullptr && sd_bus_message_is_method_call(message, PEER_INTERFACE, "Release") > 0) {
         self.OnRelease(message);
     } else if (sender != nullptr && sd_bus_message_is_method_call(message, PEER_INTERFACE, "Ping") > 0) {
-        if (self.MaySend(self.PeerNamed(sender), MESSAGE_SIZE, MAX_UNREAD_PONGS)) {
-            sd_bus_reply_method_return(message, "");
+        uint64_t secret = 0;
+        if (sd_bus_message_read(message, "t", &secret) > 0 &&
+            self.MaySend(self.PeerNamed(sender), MESSAGE_SIZE, MAX_UNREAD_PONGS)) {
+            sd_bus_reply_method_return(message, "t", secret);
         }
     }
     return 1; // Nobody else answers: not sd-bus either, and whatever else is asked.

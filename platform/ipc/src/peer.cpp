@@ -241,7 +241,7 @@ int Peer::CallOneWay(Outgoing& message, const Header& header, Clock::time_point 
         Introduction made = asked->AwaitUntil(until, {{}, ERR_TIMED_OUT});
         lock.lock();
         isConnecting_ = false;
-        oneWayAsked_ = made.error == ERR_TIMED_OUT ? asked : nullptr;
+        oneWayAsked_ = made.error == ERR_TIMED_OUT && !dead_ ? asked : nullptr;
         connected_.notify_all();
         if (!made.connection) {
             return made.error;
@@ -436,6 +436,9 @@ void Peer::Die()
         shutdown(fd, SHUT_RDWR);
     }
     oneWay_ = {};
+    if (!isConnecting_) { // Else who connects sees to it.
+        oneWayAsked_ = nullptr;
+    }
     releases_.clear();
     freed_.notify_all();
     connected_.notify_all();
