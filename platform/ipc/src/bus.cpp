@@ -619,8 +619,28 @@ void Bus::OnConnect(sd_bus_message* call)
     });
 }
 
+size_t Bus::ConnectionsOf(pid_t process) const
+{
+    size_t count = 0;
+    const auto add = [process, &count](const std::shared_ptr<Peer>& peer) {
+        count += peer->HasCredentials() && peer->Pid() == process ? peer->Connections() : 0;
+    };
+    for (const auto& [name, peer] : peers_) {
+        add(peer);
+    }
+    for (const Dying& dying : dying_) {
+        add(dying.peer);
+    }
+    return count;
+}
+
 void Bus::Grant(sd_bus_message* call, const std::shared_ptr<Peer>& peer)
 {
+    if (ConnectionsOf(peer->Pid()) > Peer::MAX_CONNECTIONS) { // This one is among them.
+        peer->CancelConnection();
+        sd_bus_reply_method_errorf(call, SD_BUS_ERROR_LIMITS_EXCEEDED, "Too many connections");
+        return;
+    }
     Descriptor ours;
     Descriptor theirs;
     if (!Descriptor::MakePair(ours, theirs)) {

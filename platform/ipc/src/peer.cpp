@@ -338,6 +338,12 @@ void Peer::CancelConnection()
     --g_allReserved;
 }
 
+size_t Peer::Connections()
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    return reserved_;
+}
+
 bool Peer::Serve(Descriptor connection)
 {
     const int fd = connection.Get();

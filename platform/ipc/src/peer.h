@@ -39,7 +39,7 @@ public:
         pid_t pid;
     };
 
-    /** Connections granted to one peer, and by it: calls take all but one, which is for one-way calls. */
+    /** Connections granted to one process, and by it: calls take all but one, which is for one-way calls. */
     static constexpr size_t MAX_CONNECTIONS = 32;
     /** Connections granted to all peers. */
     static constexpr size_t MAX_ALL_CONNECTIONS = 1024;
@@ -130,6 +130,9 @@ public:
     bool ReserveConnection();
     void CancelConnection();
 
+    /** That it has or is about to have. */
+    size_t Connections();
+
     /** Serves a reserved connection on a thread of its own. False, and the connection cancelled, without one. */
     bool Serve(Descriptor connection);
 
@@ -195,7 +198,7 @@ private:
     Releases releases_; // Yet to be sent.
 
     std::set<int> served_;
-    size_t reserved_ = 0; // Connections that the peer has or is about to have.
+    size_t reserved_ = 0; // See Connections().
     bool stopped_ = false;
 };
 
