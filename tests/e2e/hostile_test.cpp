@@ -94,6 +94,8 @@ protected:
 TEST_F(HostileTest, APeerGetsAsManyConnectionsAsAnyoneHoweverManyItAsksFor)
 {
     EXPECT_EQ(attacker_.Ask("connect " + Times(10000)), "32");
+    attacker_.Do({"join"});
+    EXPECT_EQ(attacker_.Ask("connect 1"), "0"); // It is the same process.
     victim_.Do({"hold"});
     attacker_.Do({"call wait 1 0"}); // 1 MiB on each, which the service copies.
     EXPECT_EQ(victim_.Events(32), std::vector<std::string>(32, "waiting"));
@@ -117,9 +119,13 @@ TEST_F(HostileTest, InventedObjectsAreLetGoOf)
 
 TEST_F(HostileTest, AnswersThatNobodyReadsHoldNobodyUp)
 {
+    EXPECT_EQ(attacker_.Ask("guess 60"), "133"); // Messages of some 256 bytes each.
     for (const auto& [member, count] : std::initializer_list<std::pair<std::string, int>>{
              {"Ping", 10000}, {"Unheard", 10000}, {"Connect", 10000}, {"Release", 300}}) {
-        attacker_.Do({"flood " + member + " " + Times(count), "join"}); // Never reads again what comes for it so far.
+        attacker_.Do({"flood " + member + " " + Times(count) + " 1"});
+    }
+    for (int i = 0; i < std::min(10, std::stoi(Times(10))); ++i) {
+        attacker_.Do({"flood Connect 200 10"});
     }
     ExpectAllWell(16 << 10);
 }
