@@ -80,19 +80,6 @@ TEST_F(CallTest, AnObjectIsHandedOnByItsOwnerOnly)
     EXPECT_EQ(middle.Ask("call x echo hello"), "0 hello");
 }
 
-TEST_F(CallTest, ACallReturnsWhenThePeerIsKilled)
-{
-    Helper& service = Start({"serve 100", "hold"});
-    Helper& caller = Start({"find s 100", "patience 600", "background call s wait long"});
-    service.Hears({"waiting"});
-    service.Signal(SIGSTOP);
-    Helper& other = Start({"find s 100", "patience 600", "background call s echo hello"}); // Connects in vain.
-    other.Do({"find s 100"});
-    service.Kill();
-    caller.Hears({"done 32"});
-    other.Hears({"done 32"});
-}
-
 TEST_F(CallTest, ManyThreadsShareOneProxyAndHandObjectsOver)
 {
     Helper& service = Start({"serve 100"});
@@ -141,21 +128,6 @@ TEST_F(CallTest, ASlowReceiverHoldsNobodyUpAndGetsInOrderWhatWasTaken)
     service.AskUntil("1", "alive");
     EXPECT_EQ(caller.Ask("send s 1"), "1 then 0");
     service.Hears({"me 0"});
-}
-
-TEST_F(CallTest, AProcessEndsWellWithCallsStillComingIn)
-{
-    Helper& service = Start({"serve 100"});
-    Helper* callers[] = {&Start(), &Start(), &Start()};
-    for (Helper* caller : callers) {
-        caller->Do({"find s 100", "background hammer s 8 100000000"});
-        caller->Hears({"begun"});
-    }
-    service.EndInput();
-    EXPECT_EQ(service.AwaitEnd(), 0);
-    for (Helper* caller : callers) {
-        caller->Hears({"done 0 wrong, 8 failed"});
-    }
 }
 
 TEST_F(CallTest, NothingWorksInTheChildOfAForkAndAllGoesOnInTheParent)

@@ -23,40 +23,36 @@ TEST_F(DeathTest, EveryRecipientHearsOfItAsOftenAsItWasAdded)
     EXPECT_EQ(caller.Ask("find s 100"), "null");
 }
 
-TEST_F(DeathTest, AServicesLastEventsComeBeforeTheNewsOfItsDeathAndOfItsSuccessor)
+TEST_F(DeathTest, LastEventsComeBeforeTheNewsOfADeathAndOfASuccessor)
 {
     Helper& service = Start({"serve 100"});
     Helper& successor = Start();
     Helper& caller = Start({"find s 100", "watch 100", "mourn s", "make x"});
+    Helper& other = Start({"find s 100", "make y"});
     caller.Hears({"up 100"});
     EXPECT_EQ(caller.Ask("call s take x"), "0 remote");
-    caller.Do({"hold"});
-    EXPECT_EQ(service.Ask("send x 50"), "50 then 0");
-    service.Kill();
-    caller.AskUntil("yes", "dead s");
+    EXPECT_EQ(other.Ask("call s take y"), "0 remote");
+    const auto dieUnheard = [](Helper& sender, const std::string& events, Helper& receiver, const std::string& name) {
+        receiver.Do({"hold"});
+        EXPECT_EQ(sender.Ask(events), "50 then 0");
+        sender.Kill();
+        receiver.AskUntil("yes", "dead " + name);
+    };
+    const auto hearAll = [](Helper& receiver, const std::string& object) {
+        receiver.Do({"release"});
+        for (int i = 0; i < 50; ++i) {
+            ASSERT_EQ(receiver.Event(), object + " " + std::to_string(i));
+        }
+    };
+    service.Do({"mourn y"});
+    dieUnheard(other, "send s 50", service, "y");
+    hearAll(service, "me");
+    service.Hears({"dead y"});
+    dieUnheard(service, "send x 50", caller, "s");
     EXPECT_EQ(caller.Ask("call s echo hello"), "32"); // Calls do not wait for that.
     successor.AskUntil("0", "serve 100");
-    caller.Do({"release"});
-    for (int i = 0; i < 50; ++i) {
-        ASSERT_EQ(caller.Event(), "x " + std::to_string(i));
-    }
+    hearAll(caller, "x");
     caller.Hears({"dead s", "down 100", "up 100"});
-}
-
-TEST_F(DeathTest, ACallersLastEventsComeBeforeTheNewsOfItsDeath)
-{
-    Helper& service = Start({"serve 100"});
-    Helper& caller = Start({"find s 100", "make x"});
-    EXPECT_EQ(caller.Ask("call s take x"), "0 remote");
-    service.Do({"mourn x", "hold"});
-    EXPECT_EQ(caller.Ask("send s 50"), "50 then 0");
-    caller.Kill();
-    service.AskUntil("yes", "dead x");
-    service.Do({"release"});
-    for (int i = 0; i < 50; ++i) {
-        ASSERT_EQ(service.Event(), "me " + std::to_string(i));
-    }
-    service.Hears({"dead x"});
 }
 
 TEST_F(DeathTest, TheNewsOfADeathDoesNotWaitForeverForAReaderOfLastEvents)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A process that is the service: it knows which stubs it holds, calls them back, and tells of its requests if asked to.
+// A process that is the service: it knows which stubs it holds, and calls them back.
 #include <atomic>
 #include <set>
 #include <thread>
@@ -23,20 +23,18 @@ using Held = std::set<std::tuple<int, std::string, sptr<IRemoteObject>>>;
 struct State {
     std::mutex mutex;
     Held held;
-    std::string generation; // Who registers is called back with it at once, unless it is empty.
-    std::atomic<bool> telling{false};
+    std::string generation; // Is in every event. Who registers hears one at once, unless it is empty.
     std::atomic<bool> flooding{false};
 };
 State& g_state = *new State();
 thread_local bool t_failed = false; // This thread's last call back.
 
-void CallBack(const std::string& kind, const sptr<IRemoteObject>& object, const std::string& generation)
+void CallBack(const std::string& kind, const sptr<IRemoteObject>& object)
 {
     auto data = *Read<IndicatorData>(DATA.bytes);
     std::vector<PrivacyEventRemindInfo> infos{*Read<PrivacyEventRemindInfo>(REMIND_INFO.bytes), {}};
-    if (!generation.empty()) {
-        data.state = Indicator::IndicatorState::ON;
-        data.color = infos[0].bundleName = generation;
+    if (!g_state.generation.empty()) {
+        data.color = infos[0].bundleName = g_state.generation;
     }
     if (kind == "switch") {
         iface_cast<Indicator::IndicatorSwitchListenerIntf>(object)->OnSwitchChanged(data);
@@ -57,7 +55,7 @@ class Service : public FakeService, public IRemoteObject::DeathRecipient {
 public:
     int OnRemoteRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option) override
     {
-        std::lock_guard<std::mutex> lock(serving);
+        std::lock_guard<std::mutex> lock(serving_);
         elements = 2;
         const int error = FakeService::OnRemoteRequest(code, data, reply, option);
         for (const std::string& call : Take()) {
@@ -67,7 +65,6 @@ public:
                 LetGo(listenerObject);
                 listenerObject->RemoveDeathRecipient(this);
             }
-            WaitWhileHeld(g_state.telling ? std::to_string(IPCSkeleton::GetCallingPid()) + " " + call : "");
         }
         return error;
     }
@@ -77,16 +74,14 @@ public:
         LetGo(object.promote());
     }
 
-    std::mutex serving; // One request at a time.
-
 private:
     void Hold(const std::string& kind)
     {
         if (!g_state.generation.empty() && kind == "switch") {
-            CallBack(kind, listenerObject, g_state.generation);
+            CallBack(kind, listenerObject);
         } else if (!g_state.generation.empty() && kind == "sensorStateChange") {
             // Not from here: the app waits for this request with the lock that its listeners are called under.
-            std::thread(CallBack, kind, listenerObject, g_state.generation).detach();
+            std::thread(CallBack, kind, listenerObject).detach();
         }
         std::lock_guard<std::mutex> lock(g_state.mutex);
         const auto [entry, isNew] = g_state.held.emplace(IPCSkeleton::GetCallingPid(), kind, listenerObject);
@@ -94,6 +89,8 @@ private:
             g_state.held.erase(entry);
         }
     }
+
+    std::mutex serving_; // One request at a time.
 };
 const sptr<Service>& g_service = *new sptr<Service>(new Service());
 
@@ -133,7 +130,7 @@ std::string CallAll(const Words& words)
 {
     t_failed = false;
     for (const auto& [pid, kind, object] : Choose(words)) {
-        CallBack(kind, object, "");
+        CallBack(kind, object);
     }
     return t_failed ? "failed" : "0";
 }
@@ -151,13 +148,6 @@ std::string Flood(const Words& words)
     return "0";
 }
 
-std::string SetResult(const Words& words)
-{
-    std::lock_guard<std::mutex> lock(g_service->serving);
-    g_service->result = std::stoi(words[1]);
-    return "0";
-}
-
 } // namespace
 
 int main()
@@ -165,8 +155,7 @@ int main()
     LOG_SetCallback([](const LogType, const LogLevel level, const unsigned int, const char*, const char*) {
         t_failed = t_failed || level == LOG_ERROR;
     });
-    ServeCommands({{"serve", Serve}, {"held", ShowHeld}, {"call", CallAll}, {"flood", Flood}, {"result", SetResult},
-        {"calm", [](auto&) { return std::to_string(g_state.flooding = false); }},
-        {"tell", [](auto&) { return std::to_string(!(g_state.telling = true)); }}});
+    ServeCommands({{"serve", Serve}, {"held", ShowHeld}, {"call", CallAll}, {"flood", Flood},
+        {"calm", [](auto&) { return std::to_string(g_state.flooding = false); }}});
     return 0;
 }

@@ -29,43 +29,37 @@ public:
 
     bool AddDeathRecipient(const sptr<DeathRecipient>& added) override
     {
-        recipients += takesRecipients ? 1 : 0;
-        recipient = added;
+        recipient = takesRecipients ? added : nullptr;
         return takesRecipients;
     }
 
     bool RemoveDeathRecipient(const sptr<DeathRecipient>& removed) override
     {
-        recipients -= removed == recipient ? 1 : 0;
+        recipient = removed == recipient ? nullptr : recipient;
         return true;
     }
 
     int SendRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option) override
     {
-        whenCalled();
+        std::exchange(whenCalled, [] {})();
         ++calls;
         header = {code, option.GetFlags(), option.GetWaitTime()};
         request = BytesOf(data);
         reply.SetMaxCapacity(size_t{8} << 20);
         reply.WriteBuffer(answer.data(), answer.size());
-        const int error = behind != nullptr ? behind->SendRequest(code, data, reply, option) : result;
-        written = BytesOf(reply);
-        return error;
+        return behind != nullptr ? behind->SendRequest(code, data, reply, option) : 0;
     }
 
     sptr<IRemoteObject> behind; // Serves the requests, if there is one. Otherwise:
     Bytes answer;
-    int result = 0;
-    std::function<void()> whenCalled = [] {};
+    std::function<void()> whenCalled = [] {}; // At the next request only.
     bool dead = false;
     bool takesRecipients = true;
 
-    int recipients = 0;
-    sptr<DeathRecipient> recipient; // The last one.
+    sptr<DeathRecipient> recipient;
     int calls = 0;
     std::vector<int64_t> header; // Code, flags and seconds to wait.
     Bytes request;
-    Bytes written; // The reply.
 };
 
 /** Writes down each call with its arguments, and answers as it is told. Any thread may call it. */

@@ -4,13 +4,7 @@
 
 #include <memory>
 
-#include "indicator_data.h"
-#include "indicator_position.h"
-#include "indicator_size.h"
-#include "permission_usage_duration.h"
-#include "permission_usage_duration_query.h"
-#include "privacy_event_detail.h"
-#include "privacy_event_remind_info.h"
+#include "privacy_indicator_service_intf.h" // With every record.
 #include "wire.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test {
