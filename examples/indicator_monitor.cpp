@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
@@ -19,6 +20,16 @@ using namespace OHOS::Korvane::Quenlar::PrivacyIndicator;
 using namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples;
 
 namespace {
+
+constexpr const char* USAGE = R"(usage: indicator_monitor
+
+Shows every switch of an indicator and every use of a sensor as it happens, a line each on standard output, until SIGINT
+or SIGTERM. Without the service it waits for it.
+
+Exit codes: 0 it was ended, 1 there is no system ability manager, 2 the command line is wrong.
+)";
+
+enum ExitCode { EXIT_ENDED = 0, EXIT_NO_MANAGER = 1, EXIT_USAGE = 2 };
 
 std::string StateText(bool isOn)
 {
@@ -55,11 +66,20 @@ private:
 
 } // namespace
 
-int main()
+int main(int argc, char** argv)
 {
+    const std::vector<std::string> line(argv + 1, argv + argc);
+    if (line == std::vector<std::string>{"--help"}) {
+        std::fputs(USAGE, stdout);
+        return EXIT_ENDED;
+    }
+    if (!line.empty()) {
+        Complain("there is nothing to say to it but --help");
+        return EXIT_USAGE;
+    }
     const sigset_t endSignals = BlockEndSignals();
     if (FindManager() == nullptr) {
-        return 1;
+        return EXIT_NO_MANAGER;
     }
     auto& client = PrivacyIndicatorClient::GetInstance();
     const auto monitor = std::make_shared<Monitor>();
@@ -74,5 +94,5 @@ int main()
     sigwait(&endSignals, &signal);
     client.UnregisterPrivacyIndicatorSwitchListener(monitor);
     client.UnregisterPrivacyEventListener(monitor);
-    return 0;
+    return EXIT_ENDED;
 }

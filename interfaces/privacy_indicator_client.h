@@ -40,6 +40,8 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
  * no service: that is logged. In the emulator variant of the library no request reaches the service at all: every such
  * operation returns 0 and leaves its output as it was.
  *
+ * Users, data types and types of animation are the service's own numbers and names, and travel as they are.
+ *
  * Listeners hear from the service as long as they are registered, also across its restarts. They are told apart by
  * address, and held as long as they are registered. When the service goes away they hear that each sensor is off.
  *
@@ -102,7 +104,7 @@ public:
     int32_t TurnOnIndicator(const PrivacySensorType& privacySensorType, const Indicator::IndicatorPosition& position,
         const Indicator::IndicatorSize& size, int32_t animationType);
 
-    /** Turns a sensor's indicator off. */
+    /** Turns a sensor's indicator off. The service takes `userId` for the type of animation. */
     int32_t TurnOffIndicator(const PrivacySensorType& privacySensorType, int32_t userId);
 
     /** Appends how long the queried apps used the queried permissions to `durations`. */
