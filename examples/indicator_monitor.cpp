@@ -4,11 +4,11 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "arguments.h"
 #include "clock_time.h"
 #include "end_signals.h"
 #include "parse.h"
@@ -69,8 +69,7 @@ private:
 int main(int argc, char** argv)
 {
     const std::vector<std::string> line(argv + 1, argv + argc);
-    if (line == std::vector<std::string>{"--help"}) {
-        std::fputs(USAGE, stdout);
+    if (PrintHelp(line, USAGE)) {
         return EXIT_ENDED;
     }
     if (!line.empty()) {

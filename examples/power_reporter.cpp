@@ -2,11 +2,11 @@
 // Reports power events as a program does that knows nothing of the library but the name of one function.
 #include <dlfcn.h>
 
-#include <cstdio>
 #include <iostream>
 #include <string>
 #include <vector>
 
+#include "arguments.h"
 #include "notify_power_event.h"
 #include "parse.h"
 #include "print.h"
@@ -63,8 +63,7 @@ bool Report(Notify notify, const std::string& text, const std::string& place)
 int main(int argc, char** argv)
 {
     const std::vector<std::string> events(argv + 1, argv + argc);
-    if (events == std::vector<std::string>{"--help"}) {
-        std::fputs(USAGE, stdout);
+    if (PrintHelp(events, USAGE)) {
         return EXIT_TAKEN;
     }
     const Notify notify = LoadNotify();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "arguments.h"
 
+#include <cstdio>
+
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
 Arguments::Arguments(
@@ -44,6 +46,15 @@ const std::string& Arguments::Word(size_t index, const std::string& meaning) con
 const std::vector<std::string>& Arguments::Values(const std::string& option) const
 {
     return values_.at(option);
+}
+
+bool PrintHelp(const std::vector<std::string>& line, const char* usage)
+{
+    const bool isAskedFor = line == std::vector<std::string>{"--help"};
+    if (isAskedFor) {
+        std::fputs(usage, stdout);
+    }
+    return isAskedFor;
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples

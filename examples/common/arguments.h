@@ -46,6 +46,9 @@ private:
     std::map<std::string, std::vector<std::string>> values_; // Of every known option.
 };
 
+/** Prints `usage` if `--help` is the whole command line. Returns whether it is. */
+bool PrintHelp(const std::vector<std::string>& line, const char* usage);
+
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
 
 #endif // ARGUMENTS_H

@@ -188,8 +188,7 @@ int32_t Watch(const sptr<ISystemAbilityManager>& manager, const sptr<Service>& s
 int main(int argc, char** argv)
 {
     const std::vector<std::string> line(argv + 1, argv + argc);
-    if (line == std::vector<std::string>{"--help"}) {
-        std::fputs(USAGE, stdout);
+    if (PrintHelp(line, USAGE)) {
         return EXIT_DONE;
     }
     Request request;

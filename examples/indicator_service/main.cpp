@@ -6,7 +6,6 @@
 
 #include <array>
 #include <csignal>
-#include <cstdio>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -129,8 +128,7 @@ int Run(const std::vector<SensorFile>& sensorFiles)
 int main(int argc, char** argv)
 {
     const std::vector<std::string> line(argv + 1, argv + argc);
-    if (line == std::vector<std::string>{"--help"}) {
-        std::fputs(USAGE, stdout);
+    if (PrintHelp(line, USAGE)) {
         return EXIT_ENDED;
     }
     try {
