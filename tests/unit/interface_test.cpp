@@ -208,6 +208,7 @@ TEST_F(ServiceTest, RecordsOfAReplyAreLimited)
         }
         SCOPED_TRACE(query.code);
         const Bytes one = Present(query.sample);
+        const Bytes fewer = I32(0) + I32(77) + one; // Than it says.
         remote->behind = implementation;
         remote->answer.clear();
         implementation->elements = LIMIT;
@@ -224,7 +225,7 @@ TEST_F(ServiceTest, RecordsOfAReplyAreLimited)
         remote->answer = I32(0) + I32(LIMIT + 1) + one;
         ExpectResult(5, query.send, TOO_MANY);
         for (const Bytes& next : {Bytes(), one.substr(0, 8), I32(0) + query.sample.bytes}) {
-            remote->answer = I32(0) + I32(77) + one + next; // Fewer than it says: what comes before the end stays.
+            remote->answer = fewer + next; // What comes before the end stays.
             ExpectResult(5, query.send, Cannot("Read", query.record), {query.sample.text});
         }
         remote->whenCalled = [] { Failing::nthNew = 1; };

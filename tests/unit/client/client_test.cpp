@@ -148,11 +148,12 @@ TEST_F(ClientTest, ARequestReachesTheServiceAsItWasMadeAndBringsBackItsCodeAndRe
         g_atGate = [] {};
         expect(client.TurnOffIndicator(PrivacySensorType::LOCATION, 100), "Off 2 100",
             {Line('I', "TurnOffIndicator: TurnOffIndicator")}, "TurnOnIndicator");
-        const std::string summary = "GetPermissionUsageDurationSummary";
         std::vector<PermissionUsageDuration> durations;
         expect(client.GetPermissionUsageDurationSummary(*Read<PermissionUsageDurationQuery>(QUERY.bytes), durations),
-            "Usage " + QUERY.text, {Line('I', summary + ": start " + summary + " in client.")}, summary, {},
-            {Line('I', summary + ": stop " + summary + " in client.")});
+            "Usage " + QUERY.text,
+            {Line('I', "GetPermissionUsageDurationSummary: start GetPermissionUsageDurationSummary in client.")},
+            "GetPermissionUsageDurationSummary", {},
+            {Line('I', "GetPermissionUsageDurationSummary: stop GetPermissionUsageDurationSummary in client.")});
         EXPECT_EQ(durations.size(), isThere ? 1U : 0U);
         expect(client.NotifyPowerEvent(1), "Power 1", {Line('I', "NotifyPowerEvent: event: 1")}, "NotifyPowerEvent");
     }
