@@ -45,6 +45,9 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
  * Listeners hear from the service as long as they are registered, also across its restarts. They are told apart by
  * address, and held as long as they are registered. When the service goes away they hear that each sensor is off.
  *
+ * In the child of a fork without exec every request fails. An operation may even never return there, if another thread
+ * of the parent's was in the client at the fork.
+ *
  * A process must end by its main thread, or without its exit handlers: else listeners may be called while they go.
  *
  * The library throws nothing of its own and hides nothing: what a listener throws on a platform thread, or a container

@@ -160,7 +160,7 @@ TEST_F(ClientTest, AChildOfAnAppHasNoServiceAndLeavesTheAppItsOwn)
     Helper& app = StartApp({"listen switch s", "listen sensorStateChange e"});
     Helper& service = StartService();
     service.AskUntil("sensorStateChange switch", "held all");
-    app.Do({"fork"});
+    app.Do({"listen sensorStateChange e", "fork"}); // Once the client is through with the news of the service.
     app.Hears({"child: 32 32 32"});
     EXPECT_EQ(service.Ask("held all"), "sensorStateChange switch");
     service.Do({"call " + Of(app, "switch")});
