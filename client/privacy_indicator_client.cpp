@@ -53,7 +53,12 @@ PrivacyIndicatorClient::PrivacyIndicatorClient()
     SubscribePrivacyIndicatorAbility();
 }
 
-PrivacyIndicatorClient::~PrivacyIndicatorClient() = default;
+PrivacyIndicatorClient::~PrivacyIndicatorClient()
+{
+    // What a listener's destructor calls here must still be whole.
+    const auto switches = std::exchange(switchListeners, {});
+    const auto events = std::exchange(privacyEventListeners, {});
+}
 
 // The service.
 

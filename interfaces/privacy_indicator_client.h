@@ -48,7 +48,8 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
  * In the child of a fork without exec every request fails. An operation may even never return there, if another thread
  * of the parent's was in the client at the fork.
  *
- * A process must end by its main thread, or without its exit handlers: else listeners may be called while they go.
+ * A process must end by its main thread and with no other thread in the client, or without its exit handlers: else
+ * listeners are called, and the client is used, while they go. A listener's destructor may use the client even then.
  *
  * The library throws nothing of its own and hides nothing: what a listener throws on a platform thread, or a container
  * that finds no memory, ends the process.

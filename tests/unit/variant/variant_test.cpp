@@ -145,5 +145,24 @@ TEST_F(DeviceTest, ACallUnderWayHoldsUpNobody)
     EXPECT_EQ(Logged({call}), KNOWN);
 }
 
+TEST_F(DeviceTest, AListenerThatGoesAtExitMayCallTheClient)
+{
+    struct Listener : Indicator::IndicatorSwitchListener {
+        ~Listener() override
+        {
+            PrivacyIndicatorClient::GetInstance().TurnOffIndicator(PrivacySensorType::LOCATION, 100);
+        }
+
+        void OnSwitchChanged(const IndicatorData& /* data */) override {}
+    };
+    ProvideNew();
+    const auto registerAndExit = [this] {
+        client.RegisterPrivacyIndicatorSwitchListener(std::make_shared<Listener>());
+        std::exit(0);
+    };
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(registerAndExit(), testing::ExitedWithCode(0), "");
+}
+
 } // namespace
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test
