@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <csignal>
+#include <filesystem>
 #include <numeric>
 #include <utility>
 
@@ -165,6 +166,14 @@ TEST_F(CallTest, WithoutADescriptorAConnectionFailsAndNothingElse)
     EXPECT_EQ(stranger.Ask("call s echo hello"), "111");
     service.Do({"restore"});
     EXPECT_EQ(stranger.Ask("call s echo hello"), "0 hello");
+}
+
+TEST_F(CallTest, StandardErrorStaysFreeWhereItIsClosed)
+{
+    launcher_ = {"sh", "-c", R"(exec env "$0" "$@" 2>&-)", launcher_.at(1)};
+    Helper& service = Start({"serve 100"});
+    EXPECT_EQ(Start({"find s 100"}).Ask("call s callback me").substr(0, 2), "0 ");
+    EXPECT_FALSE(std::filesystem::exists("/proc/" + std::to_string(service.Pid()) + "/fd/2")); // Logs go there.
 }
 
 TEST_F(CallTest, AReplyThatComesTooLateIsNobodys)

@@ -19,6 +19,9 @@ namespace {
 // A packet must fit into the socket's buffer whole; the kernel gives what it allows to this process.
 constexpr int SOCKET_BUFFER_SIZE = (1 << 20) + 4096;
 
+// A program that has closed its standard streams may still write to them.
+constexpr int FIRST = STDERR_FILENO + 1;
+
 // What a fork's child has to close. Never destroyed.
 struct Registry {
     std::mutex forkGate; // Taken before the next one.
@@ -58,6 +61,19 @@ Registry& GetRegistry()
     return registry;
 }
 
+// Registers a new descriptor, if it is one, under a number from FIRST on: -1 if there is none left.
+int Own(int fd)
+{
+    if (fd >= 0 && fd < FIRST) {
+        const int low = std::exchange(fd, fcntl(fd, F_DUPFD_CLOEXEC, FIRST));
+        close(low);
+    }
+    if (fd >= 0) {
+        GetRegistry().open.insert(fd);
+    }
+    return fd;
+}
+
 } // namespace
 
 Descriptor::Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
@@ -90,21 +106,13 @@ void Descriptor::Close()
 Descriptor Descriptor::Copy(int fd)
 {
     std::lock_guard<std::mutex> lock(GetRegistry().mutex);
-    const int copy = fcntl(fd, F_DUPFD_CLOEXEC, 0);
-    if (copy >= 0) {
-        GetRegistry().open.insert(copy);
-    }
-    return Descriptor(copy);
+    return Descriptor(Own(fcntl(fd, F_DUPFD_CLOEXEC, FIRST)));
 }
 
 Descriptor Descriptor::Event()
 {
     std::lock_guard<std::mutex> lock(GetRegistry().mutex);
-    const int fd = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    if (fd >= 0) {
-        GetRegistry().open.insert(fd);
-    }
-    return Descriptor(fd);
+    return Descriptor(Own(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)));
 }
 
 bool Descriptor::MakePair(Descriptor& one, Descriptor& other)
@@ -116,11 +124,10 @@ bool Descriptor::MakePair(Descriptor& one, Descriptor& other)
     }
     for (const int fd : fds) {
         setsockopt(fd, SOL_SOCKET, SO_SNDBUF, &SOCKET_BUFFER_SIZE, sizeof(SOCKET_BUFFER_SIZE));
-        GetRegistry().open.insert(fd);
     }
-    one.fd_ = fds[0];
-    other.fd_ = fds[1];
-    return true;
+    one.fd_ = Own(fds[0]);
+    other.fd_ = Own(fds[1]);
+    return one && other;
 }
 
 bool Descriptor::Become(int fd)
