@@ -29,6 +29,7 @@ const Packet TEXT{1, 'x'};
 
 sd_bus* g_bus = nullptr;
 std::vector<int> g_connections;
+bool g_isBait = false;
 std::minstd_rand g_random; // The same every time.
 
 uint32_t Below(size_t end)
@@ -43,7 +44,8 @@ int AnswerPing(sd_bus_message* call, void* /* data */, sd_bus_error* /* error */
     if (sd_bus_message_is_method_call(call, INTERFACE, "Ping") <= 0 || sd_bus_message_read(call, "t", &secret) <= 0) {
         return 0;
     }
-    return sd_bus_reply_method_return(call, "t", secret);
+    return g_isBait ? sd_bus_reply_method_return(call, "h", STDIN_FILENO)
+                    : sd_bus_reply_method_return(call, "t", secret);
 }
 
 // A new peer, which need not read what comes for it.
@@ -86,6 +88,13 @@ std::string Connect(const Words& words)
         }
     }
     return std::to_string(granted);
+}
+
+// bait COUNT: as connect, but shows that it reads by an answer with a descriptor.
+std::string Bait(const Words& words)
+{
+    g_isBait = true;
+    return Connect(words);
 }
 
 Packet Message(uint32_t kind, uint32_t code, const Packet& handles, const Packet& data, uint32_t flags = 0)
@@ -367,7 +376,7 @@ std::string Answer(const Words& words)
 int main()
 {
     Join({});
-    ServeCommands({{"join", Join}, {"connect", Connect}, {"garbage", Garbage}, {"call", CallAll}, {"flood", Flood},
-        {"claim", Claim}, {"forge", Forge}, {"answer", Answer}, {"guess", Guess}, {"raw", Raw}});
+    ServeCommands({{"join", Join}, {"connect", Connect}, {"bait", Bait}, {"garbage", Garbage}, {"call", CallAll},
+        {"flood", Flood}, {"claim", Claim}, {"forge", Forge}, {"answer", Answer}, {"guess", Guess}, {"raw", Raw}});
     return 0;
 }

@@ -221,6 +221,14 @@ TEST_F(WireTest, AMessageIsWhatItIsAndABadOneEndsItsConnectionOnly)
     EXPECT_EQ(Start({"find s 66090"}).Ask("call s echo hello"), "0 hello");
 }
 
+TEST_F(WireTest, AnAnswerWithADescriptorFindsRoomInAFullTable)
+{
+    Helper& service = Start({"serve 66090", "exhaust"});
+    EXPECT_EQ(Start({}, "hostile_process").Ask("bait 100"), "0");
+    EXPECT_EQ(service.Ask("find none 100"), "null"); // The bus is still there.
+    service.Do({"restore"});
+}
+
 struct RightlessTest : BusTest {
     RightlessTest() : BusTest("nobody") {}
 };

@@ -10,7 +10,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <optional>
 #include <utility>
 
 #include "exports.h"
@@ -170,7 +169,7 @@ bool Bus::Open()
     const auto deadline = Clock::now() + DAEMON_PATIENCE;
     bool isOpen = sd_bus_set_address(bus_, address) >= 0 && sd_bus_set_bus_client(bus_, 1) >= 0 &&
                   sd_bus_negotiate_fds(bus_, 1) >= 0 &&
-                  sd_bus_set_method_call_timeout(bus_, std::chrono::microseconds(DAEMON_PATIENCE).count()) >= 0;
+                  sd_bus_set_method_call_timeout(bus_, std::chrono::microseconds(AS_LONG_AS_IT_LIVES).count()) >= 0;
     if (isOpen) {
         std::lock_guard<std::mutex> gate(Descriptor::ForkGate());
         isOpen = sd_bus_start(bus_) >= 0;
@@ -247,10 +246,8 @@ bool Bus::ProcessOne()
     {
         std::lock_guard<std::mutex> gate(Descriptor::ForkGate());
         // At most one message is read, with at most one descriptor: for which there must be room even when nobody waits
-        // for it any more, or the stream would break.
-        if (connectsOut_ > 0) {
-            spare_ = {};
-        }
+        // for it, or the stream would break.
+        spare_ = {};
         done = sd_bus_process(bus_, nullptr);
         if (!spare_) {
             spare_ = Descriptor::Copy(wake_.Get());
@@ -351,7 +348,8 @@ void Bus::CallDaemon(const char* member, const std::string& name, const uint32_t
             sd_bus_message_append(call, "u", *flags);
         }
     }
-    Call(call, DAEMON_PATIENCE + MORE_PATIENCE, std::move(done));
+    // However long it takes: nobody asks again for what goes on without an answer, and who waits has a deadline.
+    Call(call, AS_LONG_AS_IT_LIVES, std::move(done));
 }
 
 int Bus::AskForName(const char* member, const std::string& name, const uint32_t* flags)
@@ -439,10 +437,7 @@ std::shared_ptr<Answer<Introduction>> Bus::AskForConnection(const std::string& p
         if (bus_ != nullptr) {
             sd_bus_message_new_method_call(bus_, &call, peer.c_str(), PEER_PATH, PEER_INTERFACE, "Connect");
         }
-        ++connectsOut_;
         Call(call, patience, [this, place, answer](sd_bus_message* reply) {
-            // Who does not answer in time may still do so later.
-            connectsOut_ -= sd_bus_message_is_method_error(reply, SD_BUS_ERROR_NO_REPLY) > 0 ? 0 : 1;
             const int fd = SocketIn(reply);
             if (fd >= 0 && place->Become(fd)) {
                 Post([answer, place] { answer->Set({std::move(*place), ERR_NONE}); });

@@ -143,7 +143,6 @@ private:
     std::vector<Dying> dying_;
     std::vector<std::shared_ptr<Peer>> blocked_; // Whose releases wait for room in a socket.
     Descriptor spare_;                           // Makes room for the descriptor that a message may bring.
-    size_t connectsOut_ = 0;                     // Asked for, and not answered.
 };
 
 } // namespace OHOS::Transport
