@@ -160,6 +160,10 @@ TEST_F(HostileTest, WhoDoesNotConnectHoldsItsCallerUpOnce)
     EXPECT_EQ(victim_.Ask("send x 1"), "0 then 110");
     victim_.Do({"patience 600"});
     EXPECT_EQ(victim_.Ask("send x 1"), "0 then 110"); // At once.
+    attacker_.Do({"background answer none"});
+    victim_.AskUntil("0 then 111", "send x 1");
+    attacker_.Hears({"done 0"});
+    EXPECT_EQ(victim_.Ask("send x 1"), "0 then 110"); // Still at once.
     attacker_.Do({"background answer end"});
     victim_.AskUntil("1 then 0", "send x 1"); // It has thought better of it.
     attacker_.Hears({"done 0"});

@@ -590,10 +590,6 @@ void Bus::OnConnect(sd_bus_message* call)
         sd_bus_reply_method_errorf(call, SD_BUS_ERROR_ACCESS_DENIED, "Nothing here is yours to call");
         return;
     }
-    if (!peer->ReserveConnection()) {
-        sd_bus_reply_method_errorf(call, SD_BUS_ERROR_LIMITS_EXCEEDED, "Too many connections");
-        return;
-    }
     if (peer->HasCredentials()) {
         Grant(call, peer);
         return;
@@ -607,32 +603,15 @@ void Bus::OnConnect(sd_bus_message* call)
             }
             Grant(call, peer);
         } else {
-            peer->CancelConnection();
             sd_bus_reply_method_errorf(call, SD_BUS_ERROR_ACCESS_DENIED, "Who are you?");
         }
         sd_bus_message_unref(call);
     });
 }
 
-size_t Bus::ConnectionsOf(pid_t process) const
-{
-    size_t count = 0;
-    const auto add = [process, &count](const std::shared_ptr<Peer>& peer) {
-        count += peer->HasCredentials() && peer->Pid() == process ? peer->Connections() : 0;
-    };
-    for (const auto& [name, peer] : peers_) {
-        add(peer);
-    }
-    for (const Dying& dying : dying_) {
-        add(dying.peer);
-    }
-    return count;
-}
-
 void Bus::Grant(sd_bus_message* call, const std::shared_ptr<Peer>& peer)
 {
-    if (ConnectionsOf(peer->Pid()) > Peer::MAX_CONNECTIONS) { // This one is among them.
-        peer->CancelConnection();
+    if (!peer->ReserveConnection()) {
         sd_bus_reply_method_errorf(call, SD_BUS_ERROR_LIMITS_EXCEEDED, "Too many connections");
         return;
     }

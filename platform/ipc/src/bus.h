@@ -115,8 +115,6 @@ private:
     void OnConnect(sd_bus_message* call);
     /** Counts a message of about `size` bytes to a peer. False if more than `limit` would lie unread there. */
     bool MaySend(const std::shared_ptr<Peer>& peer, size_t size, size_t limit);
-    /** That a process has or is about to have, over however many bus connections. */
-    size_t ConnectionsOf(pid_t process) const;
     void Grant(sd_bus_message* call, const std::shared_ptr<Peer>& peer);
     void OnRelease(sd_bus_message* call);
 

@@ -11,6 +11,7 @@
 
 #include "exports.h"
 #include "ipc_object_proxy.h"
+#include "notices.h"
 #include "peer.h"
 
 namespace OHOS::Transport {
@@ -98,8 +99,11 @@ Outgoing::~Outgoing()
 {
     for (size_t i = 0; !sent_ && i < handles_.size(); ++i) {
         if (handles_[i].owner == Handle::SENDER) {
-            // The parcel still holds the object, so that this is not its end.
-            static_cast<void>(Exports::Get().Unpin(*to_, handles_[i].id, 1));
+            const sptr<IRemoteObject> object = Exports::Get().Unpin(*to_, handles_[i].id, 1);
+            if (object !=
+                nullptr) { // Not this one, which the parcel holds, perhaps: then its end is not for this thread.
+                Notices::Post([object] {});
+            }
         }
     }
 }

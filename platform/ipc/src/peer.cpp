@@ -9,6 +9,7 @@
 
 #include "bus.h"
 #include "exports.h"
+#include "notices.h"
 #include "process.h"
 
 namespace OHOS::Transport {
@@ -17,10 +18,20 @@ namespace {
 
 thread_local const Peer* g_calling = nullptr;
 
-std::atomic<size_t> g_allReserved{0};
+// The process of each connection that peers have here, or are about to have. Never destroyed: connections outlive main.
+struct Connections {
+    std::mutex mutex;
+    std::multiset<pid_t> processes;
+};
+Connections& g_connections = *new Connections();
+
+std::atomic<size_t> g_waitingReleases{0}; // For all peers.
 
 // Connections for one message: the second one is new, and only a peer that plays tricks has closed that too.
 constexpr int MAX_TRIES = 2;
+
+// For a peer that has let a call wait once, and is asked anew: an answer takes a millisecond.
+constexpr std::chrono::milliseconds GRACE{50};
 
 class CallingScope {
 public:
@@ -66,6 +77,11 @@ bool WaitToRead(int fd, Clock::time_point deadline)
 
 } // namespace
 
+Peer::~Peer()
+{
+    g_waitingReleases -= releases_.size();
+}
+
 sptr<IPCObjectProxy> Peer::ProxyOf(uint64_t id, bool received)
 {
     std::lock_guard<std::mutex> lock(mutex_);
@@ -90,9 +106,12 @@ void Peer::Remove(const IPCObjectProxy& proxy)
     if (known != proxies_.end() && known->second == &proxy) {
         proxies_.erase(known);
     }
-    if (proxy.received_ > 0 && !dead_ && releases_.size() < MAX_WAITING_RELEASES) {
+    const size_t room = g_waitingReleases < MAX_ALL_WAITING_RELEASES ? MAX_WAITING_RELEASES : WAITING_RELEASES_SHARE;
+    if (proxy.received_ > 0 && !dead_ && releases_.size() < room) {
         const bool isScheduled = !releases_.empty();
-        releases_[proxy.id_] += proxy.received_;
+        const auto [release, isNew] = releases_.emplace(proxy.id_, 0);
+        release->second += proxy.received_;
+        g_waitingReleases += isNew ? 1 : 0;
         if (!isScheduled) {
             Bus::Get().Post([self = shared_from_this()] { Bus::Get().FlushReleases(self); });
         }
@@ -173,8 +192,8 @@ Descriptor Peer::TakeConnection(Clock::time_point deadline, int& error)
 
 void Peer::GiveBack(Descriptor connection, bool isUsable)
 {
-    std::vector<Parked> dropped; // Behind the lock.
-    std::lock_guard<std::mutex> lock(mutex_);
+    std::vector<Parked> dropped;
+    std::unique_lock<std::mutex> lock(mutex_);
     busy_.erase(connection.Get());
     while (!parked_.empty() && std::none_of(busy_.begin(), busy_.end(),
                                    [this](const auto& call) { return call.second <= parked_.front().lastCall; })) {
@@ -188,6 +207,11 @@ void Peer::GiveBack(Descriptor connection, bool isUsable)
         connection = {};
     }
     freed_.notify_one();
+    lock.unlock();
+    if (!dropped.empty()) {
+        // Not on the caller's thread, which may hold what their destructors lock.
+        Notices::Post([released = std::move(dropped)] {});
+    }
 }
 
 int Peer::AwaitReply(int fd, MessageParcel& reply, Clock::time_point deadline, bool& isUsable)
@@ -217,6 +241,7 @@ int Peer::CallOneWay(Outgoing& message, const Header& header, Clock::time_point 
     for (int tries = 1; !dead_;) {
         if (oneWay_) {
             const int error = message.Send(oneWay_.Get(), header);
+            mayWait_ = mayWait_ || error == ERR_NONE;
             if (error != ERR_DEAD_OBJECT) {
                 return error;
             }
@@ -234,8 +259,11 @@ int Peer::CallOneWay(Outgoing& message, const Header& header, Clock::time_point 
             continue;
         }
         isConnecting_ = true;
-        // Who has let one call wait in vain does not get to hold up the next ones too.
-        const auto until = oneWayAsked_ != nullptr ? Clock::now() : deadline;
+        // Who has let one call wait, and has taken none since, does not get to hold up the next ones too.
+        const auto now = Clock::now();
+        const auto grace = oneWayAsked_ == nullptr ? GRACE : GRACE.zero();
+        const auto until = mayWait_ ? deadline : std::min(deadline, now + grace);
+        mayWait_ = mayWait_ && deadline <= now;
         lock.unlock();
         const auto asked = oneWayAsked_ != nullptr ? oneWayAsked_ : Bus::Get().AskForConnection(name_);
         Introduction made = asked->AwaitUntil(until, {{}, ERR_TIMED_OUT});
@@ -256,6 +284,14 @@ int Peer::CallOneWay(Outgoing& message, const Header& header, Clock::time_point 
 bool Peer::FlushReleases(const std::function<void(Releases&)>& other)
 {
     std::lock_guard<std::mutex> lock(mutex_);
+    const size_t before = releases_.size();
+    const bool isFlushed = SendReleases(other);
+    g_waitingReleases -= before - releases_.size();
+    return isFlushed;
+}
+
+bool Peer::SendReleases(const std::function<void(Releases&)>& other)
+{
     while (oneWay_ && !dead_ && !releases_.empty()) {
         const auto [id, count] = *releases_.begin();
         Header header{};
@@ -322,26 +358,19 @@ void Peer::SetCredentials(const Credentials& credentials)
 
 bool Peer::ReserveConnection()
 {
-    std::lock_guard<std::mutex> lock(mutex_);
-    if (dead_ || reserved_ == MAX_CONNECTIONS || g_allReserved == MAX_ALL_CONNECTIONS) {
+    std::lock_guard<std::mutex> lock(g_connections.mutex);
+    std::multiset<pid_t>& processes = g_connections.processes;
+    if (dead_ || processes.count(Pid()) == MAX_CONNECTIONS || processes.size() == MAX_ALL_CONNECTIONS) {
         return false;
     }
-    ++reserved_;
-    ++g_allReserved;
+    processes.insert(Pid());
     return true;
 }
 
-void Peer::CancelConnection()
+void Peer::CancelConnection() const
 {
-    std::lock_guard<std::mutex> lock(mutex_);
-    --reserved_;
-    --g_allReserved;
-}
-
-size_t Peer::Connections()
-{
-    std::lock_guard<std::mutex> lock(mutex_);
-    return reserved_;
+    std::lock_guard<std::mutex> lock(g_connections.mutex);
+    g_connections.processes.erase(g_connections.processes.find(Pid()));
 }
 
 bool Peer::Serve(Descriptor connection)

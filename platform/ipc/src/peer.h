@@ -45,11 +45,17 @@ public:
     static constexpr size_t MAX_ALL_CONNECTIONS = 1024;
     /** Objects whose releases wait for a peer that does not read. Those beyond are never released. */
     static constexpr size_t MAX_WAITING_RELEASES = 65536;
+    /** When there are so many for all peers, each has a small share only. */
+    static constexpr size_t MAX_ALL_WAITING_RELEASES = 1 << 20;
+    static constexpr size_t WAITING_RELEASES_SHARE = 1024;
 
     /** Objects that the peer has released and that are held for replies under way. The oldest make room. */
     static constexpr size_t MAX_PARKED = 4096;
 
     explicit Peer(std::string name) : name_(std::move(name)) {}
+    Peer(const Peer&) = delete;
+    Peer& operator=(const Peer&) = delete;
+    ~Peer();
 
     const std::string& Name() const
     {
@@ -126,12 +132,10 @@ public:
         return mail_;
     }
 
-    /** Takes one of the connections that the peer may have. False if there is none left. */
+    /** Takes one of the connections that the process may have, whose credentials are set. False if there is none left.
+     */
     bool ReserveConnection();
-    void CancelConnection();
-
-    /** That it has or is about to have. */
-    size_t Connections();
+    void CancelConnection() const;
 
     /** Serves a reserved connection on a thread of its own. False, and the connection cancelled, without one. */
     bool Serve(Descriptor connection);
@@ -161,6 +165,7 @@ public:
     void SendObituaries();
 
 private:
+    bool SendReleases(const std::function<void(Releases&)>& other);
     Descriptor TakeConnection(Clock::time_point deadline, int& error);
     void GiveBack(Descriptor connection, bool isUsable);
     int CallOneWay(Outgoing& message, const Header& header, Clock::time_point deadline);
@@ -193,12 +198,12 @@ private:
     std::condition_variable freed_;
     Descriptor oneWay_;
     bool isConnecting_ = false;                         // The one-way connection is being made.
-    std::shared_ptr<Answer<Introduction>> oneWayAsked_; // By who may connect; null unless it was in vain so far.
+    std::shared_ptr<Answer<Introduction>> oneWayAsked_; // To come yet; null where nobody has given up on it.
+    bool mayWait_ = true;                               // Not again, until a call has been sent.
     std::condition_variable connected_;
     Releases releases_; // Yet to be sent.
 
     std::set<int> served_;
-    size_t reserved_ = 0; // See Connections().
     bool stopped_ = false;
 };
 
