@@ -49,7 +49,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
  * of the parent's was in the client at the fork.
  *
  * A process must end by its main thread and with no other thread in the client, or without its exit handlers: else
- * listeners are called, and the client is used, while they go. A listener's destructor may use the client even then.
+ * listeners are called, and the client is used, while they go. What listeners' destructors do with the client is safe.
  *
  * The library throws nothing of its own and hides nothing: what a listener throws on a platform thread, or a container
  * that finds no memory, ends the process.

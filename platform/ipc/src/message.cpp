@@ -99,9 +99,9 @@ Outgoing::~Outgoing()
 {
     for (size_t i = 0; !sent_ && i < handles_.size(); ++i) {
         if (handles_[i].owner == Handle::SENDER) {
+            // Another one perhaps than the parcel's, parked before: its end is not for this thread.
             const sptr<IRemoteObject> object = Exports::Get().Unpin(*to_, handles_[i].id, 1);
-            if (object !=
-                nullptr) { // Not this one, which the parcel holds, perhaps: then its end is not for this thread.
+            if (object != nullptr) {
                 Notices::Post([object] {});
             }
         }

@@ -77,11 +77,6 @@ bool WaitToRead(int fd, Clock::time_point deadline)
 
 } // namespace
 
-Peer::~Peer()
-{
-    g_waitingReleases -= releases_.size();
-}
-
 sptr<IPCObjectProxy> Peer::ProxyOf(uint64_t id, bool received)
 {
     std::lock_guard<std::mutex> lock(mutex_);
@@ -261,14 +256,16 @@ int Peer::CallOneWay(Outgoing& message, const Header& header, Clock::time_point 
         isConnecting_ = true;
         // Who has let one call wait, and has taken none since, does not get to hold up the next ones too.
         const auto now = Clock::now();
-        const auto grace = oneWayAsked_ == nullptr ? GRACE : GRACE.zero();
+        auto asked = oneWayAsked_;
+        const auto grace = asked == nullptr ? GRACE : GRACE.zero();
         const auto until = mayWait_ ? deadline : std::min(deadline, now + grace);
         mayWait_ = mayWait_ && deadline <= now;
         lock.unlock();
-        const auto asked = oneWayAsked_ != nullptr ? oneWayAsked_ : Bus::Get().AskForConnection(name_);
+        asked = asked != nullptr ? asked : Bus::Get().AskForConnection(name_);
         Introduction made = asked->AwaitUntil(until, {{}, ERR_TIMED_OUT});
         lock.lock();
         isConnecting_ = false;
+        mayWait_ = mayWait_ || made.error == ERR_NO_DESCRIPTOR; // Which is not the peer's doing.
         oneWayAsked_ = made.error == ERR_TIMED_OUT && !dead_ ? asked : nullptr;
         connected_.notify_all();
         if (!made.connection) {
@@ -474,6 +471,7 @@ void Peer::Die()
     if (!isConnecting_) { // Else who connects sees to it.
         oneWayAsked_ = nullptr;
     }
+    g_waitingReleases -= releases_.size();
     releases_.clear();
     freed_.notify_all();
     connected_.notify_all();

@@ -53,9 +53,6 @@ public:
     static constexpr size_t MAX_PARKED = 4096;
 
     explicit Peer(std::string name) : name_(std::move(name)) {}
-    Peer(const Peer&) = delete;
-    Peer& operator=(const Peer&) = delete;
-    ~Peer();
 
     const std::string& Name() const
     {
@@ -132,8 +129,7 @@ public:
         return mail_;
     }
 
-    /** Takes one of the connections that the process may have, whose credentials are set. False if there is none left.
-     */
+    /** Takes one of the connections that the process may have. False if there is none left. Behind SetCredentials. */
     bool ReserveConnection();
     void CancelConnection() const;
 
@@ -199,7 +195,7 @@ private:
     Descriptor oneWay_;
     bool isConnecting_ = false;                         // The one-way connection is being made.
     std::shared_ptr<Answer<Introduction>> oneWayAsked_; // To come yet; null where nobody has given up on it.
-    bool mayWait_ = true;                               // Not again, until a call has been sent.
+    bool mayWait_ = true;                               // A call, for that. Once, until one has been sent.
     std::condition_variable connected_;
     Releases releases_; // Yet to be sent.
 
