@@ -22,10 +22,10 @@ for program in indicator_service indicator_ctl indicator_monitor power_reporter;
         exit 1
     fi
 done
-readonly patience=5                 # Seconds that a line is waited for...
-readonly deadline=$((SECONDS + 45)) # ...but not beyond this.
-export HILOG_LEVEL=OFF              # The library's log would stand between the lines, but where it is the story.
-readonly replayed_uid=3036          # Whose power events the client replays.
+readonly patience=20                 # Seconds that a line is waited for...
+readonly deadline=$((SECONDS + 100)) # ...but not beyond this.
+export HILOG_LEVEL=OFF               # The library's log would stand between the lines, but where it is the story.
+readonly replayed_uid=3036           # Whose power events the client replays.
 
 bold='' green='' red='' plain=''
 if [[ -t 1 ]]; then

@@ -81,6 +81,16 @@ TEST_F(CallTest, AnObjectIsHandedOnByItsOwnerOnly)
     EXPECT_EQ(middle.Ask("call x echo hello"), "0 hello");
 }
 
+TEST_F(CallTest, ACallReturnsWhenThePeerIsKilledBeforeItConnects)
+{
+    Helper& service = Start({"serve 100"});
+    Helper& caller = Start({"find s 100", "patience 600"});
+    service.Signal(SIGSTOP);
+    caller.Do({"background call s echo hello", "find s 100"});
+    service.Kill();
+    caller.Hears({"done 32"});
+}
+
 TEST_F(CallTest, ManyThreadsShareOneProxyAndHandObjectsOver)
 {
     Helper& service = Start({"serve 100"});

@@ -110,8 +110,8 @@ TEST_F(ClientTest, WhoIsStoppedCostsACallItsWaitAndNobodyElseAnything)
     stranger.Hears({"done 110"});
     const auto time = Clock::now() - begin;
     EXPECT_GE(time, std::chrono::milliseconds(7900));
-    EXPECT_LE(time, std::chrono::seconds(10));
-    service.Signal(SIGCONT); // It answers both now.
+    EXPECT_LE(time, std::chrono::seconds(15)); // Not twice its wait.
+    service.Signal(SIGCONT);                   // It answers both now.
     for (Helper* asker : {&app, &stranger}) {
         EXPECT_EQ(asker->Ask("active"), "0 right");
     }

@@ -135,11 +135,11 @@ std::string CallAll(const Words& words)
     return t_failed ? "failed" : "0";
 }
 
-// The same again and again, until `calm`.
+// The same again and again, until `calm`. In a storm for a while only: nobody reads meanwhile what the listeners tell.
 std::string Flood(const Words& words)
 {
     g_state.flooding = true;
-    for (int rounds = 1; g_state.flooding; ++rounds) {
+    for (int rounds = 1; g_state.flooding && (g_state.generation.empty() || rounds < 40); ++rounds) {
         CallAll(words);
         if (rounds == 10) {
             Tell("flooding");

@@ -148,13 +148,13 @@ TEST_F(ClientTest, ARequestReachesTheServiceAsItWasMadeAndBringsBackItsCodeAndRe
         g_atGate = [] {};
         expect(client.TurnOffIndicator(PrivacySensorType::LOCATION, 100), "Off 2 100",
             {Line('I', "TurnOffIndicator: TurnOffIndicator")}, "TurnOnIndicator");
-        std::vector<PermissionUsageDuration> durations;
+        std::vector<PermissionUsageDuration> durations(1);
         expect(client.GetPermissionUsageDurationSummary(*Read<PermissionUsageDurationQuery>(QUERY.bytes), durations),
             "Usage " + QUERY.text,
             {Line('I', "GetPermissionUsageDurationSummary: start GetPermissionUsageDurationSummary in client.")},
             "GetPermissionUsageDurationSummary", {},
             {Line('I', "GetPermissionUsageDurationSummary: stop GetPermissionUsageDurationSummary in client.")});
-        EXPECT_EQ(durations.size(), isThere ? 1U : 0U);
+        EXPECT_EQ(durations.size(), isThere ? 2U : 1U);
         expect(client.NotifyPowerEvent(1), "Power 1", {Line('I', "NotifyPowerEvent: event: 1")}, "NotifyPowerEvent");
     }
 }
@@ -302,8 +302,10 @@ TEST_F(ClientTest, TheReportersPowerEventIsReportedAgainBeforeTheStubs)
                                   Lines{Line('I', "ReRegisterPrivacyIndicatorSwitchListener: begin.")} +
                                   Lines{Line('I', "ReRegisterPrivacyEventListener: begin.")});
     };
-    const Lines again = {
-        Line('I', "NotifyPowerEventByCache: To notify current event: 1"), Line('I', "NotifyPowerEvent: event: 1")};
+    const auto again = [](const std::string& number) {
+        return Lines{Line('I', "NotifyPowerEventByCache: To notify current event: " + number),
+            Line('I', "NotifyPowerEvent: event: " + number)};
+    };
     const Lines stubs = {"RegisterSwitch", "RegisterEvent A", "RegisterEvent B"};
     InNewProcess([&] {
         expectComing("0", {}, {});
@@ -322,10 +324,14 @@ TEST_F(ClientTest, TheReportersPowerEventIsReportedAgainBeforeTheStubs)
         EXPECT_EQ(client.NotifyPowerEvent(-1), -1);
         client.NotifyPowerEvent(0); // A report to the service alone is not remembered.
         g_user = 3037;              // Whoever this process is now, the report was the reporter's.
-        expectComing("3036", again, Lines{"Power 1"} + stubs);
-        expectComing("3036", again, Lines{"Power 1"} + stubs); // Nor is the replay itself.
+        expectComing("3036", again("1"), Lines{"Power 1"} + stubs);
+        service->result = -9;                                       // Keeps none of the next ones back.
+        expectComing("3036", again("1"), Lines{"Power 1"} + stubs); // Nor is the replay itself.
         NotifyPowerEvent(0);
         expectComing("3037", {}, stubs);
+        g_user = 3036;
+        NotifyPowerEvent(0);
+        expectComing("3036", again("0"), Lines{"Power 0"} + stubs);
     });
 }
 
