@@ -238,18 +238,20 @@ sd_bus_message* Ping()
     return answer;
 }
 
-// guess COUNT: a new peer asks again and again, and answers, unread, with guesses, the question whether it reads. How
-// much was sent to it all the same.
+// guess MEMBER COUNT: a new peer asks again and again, and answers, unread, with guesses, the question whether it
+// reads. How much was sent to it all the same.
 std::string Guess(const Words& words)
 {
     sd_bus* const peer = NewPeer();
-    for (int i = 0; i < std::stoi(words[1]); ++i) {
+    for (int i = 0; i < std::stoi(words[2]); ++i) {
         sd_bus_message* const answer = Ping();
         uint64_t cookie = 0;
         sd_bus_message_get_cookie(answer, &cookie); // Its question, if it has asked, had one shortly before.
         for (int j = 0; j < 16; ++j) {
-            sd_bus_message* const call = NewCall(peer, "Ping");
-            sd_bus_message_append(call, "t", uint64_t{0});
+            sd_bus_message* const call = NewCall(peer, words[1]);
+            if (words[1] == "Ping") {
+                sd_bus_message_append(call, "t", uint64_t{0});
+            }
             SendUnread(peer, call);
         }
         for (int j = 0; j < 64; ++j) {

@@ -131,7 +131,8 @@ TEST_F(HostileTest, InventedObjectsAreLetGoOf)
 
 TEST_F(HostileTest, AnswersThatNobodyReadsHoldNobodyUp)
 {
-    EXPECT_EQ(attacker_.Ask("guess 60"), "133"); // Answers, of some 256 bytes each, and its own question.
+    EXPECT_EQ(attacker_.Ask("guess Ping 60"), "133"); // Answers, of some 256 bytes each, and its own question.
+    EXPECT_EQ(attacker_.Ask("guess Connect 60"), "129");
     for (const auto& [member, count] : std::initializer_list<std::pair<std::string, int>>{
              {"Ping", 10000}, {"Unheard", 10000}, {"Connect", 10000}, {"Release", 300}}) {
         attacker_.Do({"flood " + member + " " + Times(count) + " 1"});
