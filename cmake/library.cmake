@@ -11,8 +11,6 @@ list(FILTER sources EXCLUDE REGEX "/client/gate_[a-z]+\\.cpp$")
 function(qnl_configure target)
     set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
     target_compile_features(${target} PUBLIC cxx_std_17)
-    # A unique symbol would keep the library in the process for ever, dlclose or not.
-    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
     target_include_directories(${target}
         PUBLIC
             $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/interfaces>
@@ -39,7 +37,11 @@ function(qnl_add_variant target variant to_platform)
         LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib/${variant})
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${exports})
     target_link_options(${target}
-        PRIVATE ${QNL_LINK_WHOLE} -Wl,--version-script=${exports}
+        PRIVATE
+            ${QNL_LINK_WHOLE}
+            -Wl,--version-script=${exports}
+            # The platform goes on calling the client after a program's dlclose: the code must stay until the exit.
+            -Wl,-z,nodelete
         # A caller may use no symbol of the library, only virtual calls: without it the proxies would not be registered.
         PUBLIC -Wl,--no-as-needed)
     if(QNL_PLATFORM STREQUAL "standin")

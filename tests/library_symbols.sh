@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
-# usage: library_symbols.sh LIBRARY BUILD_TYPE
+# usage: library_symbols.sh LIBRARY BUILD_TYPE [no-rtti]
 # The library exports the classes of its public headers and nothing else, needs the five platform libraries by name,
 # leaves no symbol open, and is hardened.
 set -eu
@@ -37,6 +37,8 @@ Privacy::PrivacyEventRemindInfo
 Record::PermissionUsageDuration
 Record::PermissionUsageDurationQuery
 END
+# Of an interface nothing but its type information is exported.
+[ "${3-}" != no-rtti ] || sed -i '/Intf$/d' "$work/contract"
 
 # A symbol belongs to the class that its mangled name begins with, as do a vtable, a type's description and a thunk.
 nm -D --defined-only "$library" | cut -d ' ' -f 3 >"$work/exported"
@@ -54,9 +56,6 @@ grep -vEf "$work/patterns" "$work/exported" | c++filt >"$work/strange"
 [ ! -s "$work/lacking" ] || complain "classes that are not exported" "$work/lacking"
 [ ! -s "$work/strange" ] || complain "exports that belong to no class of the contract" "$work/strange"
 
-# One such symbol and dlclose no longer unloads the library.
-nm -D --defined-only -C "$library" | grep ' u ' >"$work/unique" && complain "unique symbols" "$work/unique"
-
 readelf -d "$library" | sed -nE 's/.*\((NEEDED|SONAME)\).*\[(.*)\]/\1 \2/p' >"$work/dynamic"
 for line in "SONAME libqnl_privacy_indicator_service_intf.so" "NEEDED libutils.so" "NEEDED libipc_single.so" \
     "NEEDED libsamgr_proxy.so" "NEEDED libhilog.so" "NEEDED libqnl_infrastructure.so"; do
@@ -67,7 +66,7 @@ ldd -r "$library" >"$work/ldd" 2>&1
 grep -E 'not found|undefined symbol' "$work/ldd" >"$work/open" && complain "open symbols" "$work/open"
 
 readelf -W -l -d "$library" >"$work/elf"
-for mark in GNU_RELRO BIND_NOW; do
+for mark in GNU_RELRO BIND_NOW NODELETE; do
     grep -q "$mark" "$work/elf" || complain "no $mark in the library, which has" "$work/elf"
 done
 if [ "$build_type" = Release ]; then
