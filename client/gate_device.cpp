@@ -4,7 +4,7 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
 void PrivacyIndicatorClient::WithSystemAbilityProxy(
-    const std::function<void(const sptr<PrivacyIndicatorServiceIntf>&)>& func)
+    const std::function<void(const sptr<PrivacyIndicatorServiceIntf>&)>& func) noexcept
 {
     sptr<PrivacyIndicatorServiceIntf> current;
     {
@@ -12,7 +12,7 @@ void PrivacyIndicatorClient::WithSystemAbilityProxy(
         InitializeProxy();
         current = proxy;
     }
-    // Without the lock: a call may take as long as the service pleases, and ResetProxy must not wait for it.
+    // Called without the lock: a call takes as long as the service does, and ResetProxy must not wait for it.
     func(current);
 }
 

@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "composer_power_event.h"
 
+#include "notify_power_event.h"
+
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Composer {
-
-namespace {
-
-constexpr uint32_t POWER_EVENT_COUNT = 2;
-
-} // namespace
 
 bool ComposerPowerEvent::IsValidEvent(int32_t event)
 {

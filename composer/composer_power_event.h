@@ -6,10 +6,10 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Composer {
 
-/** What a power event may be. */
+/** The rule for power events. */
 class ComposerPowerEvent {
 public:
-    /** True for 0 and 1. */
+    /** Whether `event` is 0 or 1. */
     static bool IsValidEvent(int32_t event);
 };
 

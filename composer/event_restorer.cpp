@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "event_restorer.h"
 
+#include <optional> // For a device's ipc_skeleton.h, which does not include it.
 #include <string>
 
 #include "composer_power_event.h"
 #include "ipc_skeleton.h"
+#include "notify_power_event.h"
 #include "privacy_indicator_client.h"
 #include "tagged_log.h"
 
@@ -14,11 +16,8 @@ namespace {
 
 using Util::LogError;
 using Util::LogInfo;
-using Tag = Util::OstLog::Tag;
 
-const Tag TAG = Tag::Create("PrivacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
-
-constexpr int32_t POWER_EVENT_REPLAY_UID = 3036;
+const auto TAG = Util::FileTag("PrivacyIndicator");
 
 } // namespace
 
@@ -47,7 +46,7 @@ void EventRestorer::NotifyPowerEventByCache()
     }
     const int32_t last = event;
     LogInfo(TAG, "NotifyPowerEventByCache", "To notify current event: %{public}s", std::to_string(last).c_str());
-    // Not through the exported function: a replay must not put this process in the sender's place.
+    // Not by the exported function, which would store this process as the sender.
     PrivacyIndicatorClient::GetInstance().NotifyPowerEvent(last);
 }
 

@@ -8,8 +8,8 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Composer {
 
 /**
- * Remembers the last valid power event and who sent it, for the life of the process. Any thread may call anything. The
- * two are not stored as one: a replay in between may see a new event with an old sender, and the other way round.
+ * Remembers the last valid power event and its sender, for the life of the process. Any thread may call anything. The
+ * two are stored one after the other, so a replay in between may see a new event with an old sender.
  */
 class EventRestorer {
 public:
@@ -18,7 +18,7 @@ public:
     /** Stores a valid event and the calling uid; an invalid one changes nothing. */
     void UpdateEvent(int32_t event);
 
-    /** Reports the event to the service again if its sender is the one whose events are replayed. */
+    /** Sends the event to the service again if its sender is POWER_EVENT_REPLAY_UID. */
     void NotifyPowerEventByCache();
 
 private:

@@ -6,7 +6,7 @@
 
 using namespace OHOS::Korvane::Quenlar::PrivacyIndicator;
 
-int32_t NotifyPowerEvent(int32_t event)
+int32_t NotifyPowerEvent(int32_t event) noexcept
 {
     Composer::EventRestorer::GetInstance().UpdateEvent(event);
     return PrivacyIndicatorClient::GetInstance().NotifyPowerEvent(event);

@@ -12,34 +12,34 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 
-/**
- * The whole state of one indicator, as the service reports it. A value: copied member by member, without locks;
- * nothing in it is range-checked. Throws nothing of its own.
- */
+/** The whole state of one indicator, as the service reports it. */
 class PRIVACY_INDICATOR_EXPORT IndicatorData : public Parcelable {
 public:
+    IndicatorData() = default;
+    // Declared, so that there is no implicit move: on a device it would take the reference count along.
+    IndicatorData(const IndicatorData&) = default;
+    IndicatorData& operator=(const IndicatorData&) = default;
+
     PrivacySensorType privacySensorType = PrivacySensorType::LOCATION;
     IndicatorState state = IndicatorState::OFF;
     float positionX = 0;
     float positionY = 0;
     float width = 0;
     float height = 0;
-    std::string color; // As text, like "#000000".
+    std::string color; // Any text; the client itself writes "#000000".
     int32_t animationType = 0;
 
-    /** Appends the fields in their order. False at the first write that fails; what was written before it stays. */
+    /** Appends the fields in declaration order. False if one does not fit: the fields before it stay in the parcel. */
     bool Marshalling(Parcel& parcel) const override;
 
-    /** Reads the fields: a new record, the caller's; null if one is cut or malformed, or there is no memory for it. */
-    static IndicatorData* Unmarshalling(Parcel& parcel);
+    /**
+     * Reads the fields as Marshalling wrote them. Returns a new record, which the caller owns and deletes; or null if a
+     * field is missing or malformed, or if there is no memory for the record.
+     */
+    static IndicatorData* Unmarshalling(Parcel& parcel) noexcept;
 
-    /** One line for logs. */
-    std::string ToString() const;
-
-private:
-    /** The fields that a parcel carries, in their order there. */
-    template <typename Self>
-    static auto Fields(Self& self);
+    /** The record as one line of text, for logs. */
+    std::string ToString() const noexcept;
 };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator

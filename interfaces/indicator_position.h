@@ -10,31 +10,31 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 
-/**
- * Where a caller wants an indicator, and on what screen. A value: copied member by member, without locks; nothing in it
- * is range-checked. Throws nothing of its own.
- */
+/** Where a caller wants an indicator to be shown, and the screen that the position refers to. */
 class PRIVACY_INDICATOR_EXPORT IndicatorPosition : public Parcelable {
 public:
+    IndicatorPosition() = default;
+    // Declared, so that there is no implicit move: on a device it would take the reference count along.
+    IndicatorPosition(const IndicatorPosition&) = default;
+    IndicatorPosition& operator=(const IndicatorPosition&) = default;
+
     float positionX = 0;
     float positionY = 0;
     int32_t screenWidth = 0;
     int32_t screenHeight = 0;
     int32_t screenRotation = 0;
 
-    /** Appends the fields in their order. False at the first write that fails; what was written before it stays. */
+    /** Appends the fields in declaration order. False if one does not fit: the fields before it stay in the parcel. */
     bool Marshalling(Parcel& parcel) const override;
 
-    /** Reads the fields: a new record, the caller's; null if one is cut or malformed, or there is no memory for it. */
-    static IndicatorPosition* Unmarshalling(Parcel& parcel);
+    /**
+     * Reads the fields as Marshalling wrote them. Returns a new record, which the caller owns and deletes; or null if a
+     * field is missing or malformed, or if there is no memory for the record.
+     */
+    static IndicatorPosition* Unmarshalling(Parcel& parcel) noexcept;
 
-    /** One line for logs. */
-    std::string ToString() const;
-
-private:
-    /** The fields that a parcel carries, in their order there. */
-    template <typename Self>
-    static auto Fields(Self& self);
+    /** The record as one line of text, for logs. */
+    std::string ToString() const noexcept;
 };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator

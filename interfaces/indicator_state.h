@@ -6,7 +6,7 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 
-/** Whether an indicator is shown. Other values may come from the service, and are carried unchanged. */
+/** Whether an indicator is shown. Another value that comes from the service is carried unchanged. */
 enum class IndicatorState : int32_t { ON, OFF };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator

@@ -7,16 +7,19 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 
-/** An app's ear for indicator switches: see PrivacyIndicatorClient. */
+/** What an app derives from to be called at indicator switches. It is registered with PrivacyIndicatorClient. */
 class PRIVACY_INDICATOR_EXPORT IndicatorSwitchListener {
 public:
     /**
-     * Called on a platform thread with the client's lock for switch listeners held: it may not register or unregister
-     * switch listeners, nor wait for a thread that does. It may do so with privacy event listeners.
+     * An indicator has changed to `indicatorData`, which is valid during the call only.
+     *
+     * Called on a platform thread, with the client's lock for switch listeners held: it must not register or unregister
+     * switch listeners, nor wait for a thread that does. It may register and unregister privacy event listeners. All
+     * further switch listeners wait until it returns.
      */
     virtual void OnSwitchChanged(const IndicatorData& indicatorData) = 0;
 
-    // Behind the operation, which is the first virtual slot: others' binaries rely on that.
+    // Contract: the destructor follows the operation, which has the first virtual slot.
     virtual ~IndicatorSwitchListener() = default;
 };
 

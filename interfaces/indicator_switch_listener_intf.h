@@ -11,11 +11,8 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 
 /**
- * Hears of indicator switches. A caller hands an IndicatorSwitchListenerStubImpl to the service, which calls it through
- * an IndicatorSwitchListenerProxy.
- *
- * The library throws nothing of its own and hides nothing: what a caller's callback throws on a platform thread, or a
- * container that finds no memory, ends the process.
+ * The interface through which the service reports indicator switches to another process. The receiving process hands an
+ * IndicatorSwitchListenerStubImpl to the service, which calls it through an IndicatorSwitchListenerProxy.
  */
 class PRIVACY_INDICATOR_EXPORT IndicatorSwitchListenerIntf : public IRemoteBroker {
 public:

@@ -9,18 +9,18 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 
 /**
- * A switch listener in another process. Registered with the broker when the library is loaded:
- * iface_cast<IndicatorSwitchListenerIntf> of a listener's remote object makes one. Any number of threads may call it at
- * once. Keeps the remote object as long as it lives itself. Logs its own creation and end.
+ * The service's side of a switch listener. iface_cast<IndicatorSwitchListenerIntf> makes one from the listener's remote
+ * object, which the proxy holds as long as it lives. Any number of threads may call it at once. It logs its creation
+ * and its destruction.
  */
 class PRIVACY_INDICATOR_EXPORT IndicatorSwitchListenerProxy : public IRemoteProxy<IndicatorSwitchListenerIntf> {
 public:
-    /** Events go to `remote`; if it is null, they are dropped. */
+    /** `remote` is the listener; if it is null, every event is dropped. */
     explicit IndicatorSwitchListenerProxy(const sptr<IRemoteObject>& remote);
     ~IndicatorSwitchListenerProxy() override;
 
-    /** Sends the event one-way: it does not wait for the listener. Failures are only logged. */
-    void OnSwitchChanged(const IndicatorData& indicatorData) override;
+    /** Sends the event one-way, without waiting for the listener. Failures are only logged. */
+    void OnSwitchChanged(const IndicatorData& indicatorData) noexcept override;
 
 private:
     static BrokerDelegator<IndicatorSwitchListenerProxy> delegator_;

@@ -11,8 +11,8 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 
 /**
- * Decodes the events that the service sends and hands them to OnSwitchChanged, on the platform's threads and without a
- * lock. Logs its own creation and end.
+ * The receiving side of a switch listener: decodes what the service sends and calls OnSwitchChanged with it, on the
+ * platform's threads, several at once, and with no lock held. It logs its creation and its destruction.
  */
 class PRIVACY_INDICATOR_EXPORT IndicatorSwitchListenerStub : public IRemoteStub<IndicatorSwitchListenerIntf> {
 public:
@@ -20,8 +20,8 @@ public:
     ~IndicatorSwitchListenerStub() override;
 
     /**
-     * Serves one event. 0, or 10 if it was meant for another interface, or -1 if its record could not be read; the
-     * platform's own answer for an unknown code. Leaves `reply` empty.
+     * Serves one request, and leaves `reply` empty. Returns 0; 10 if the request is for another interface; -1 if its
+     * record is missing or malformed; what the platform returns if the code is unknown.
      */
     int32_t OnRemoteRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option) override;
 };

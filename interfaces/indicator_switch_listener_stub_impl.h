@@ -9,16 +9,16 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 
-/** A switch listener that calls a function. It lives as long as the caller or the service holds it. */
+/** A switch listener that calls a function. It lives as long as this process or the service holds it. */
 class PRIVACY_INDICATOR_EXPORT IndicatorSwitchListenerStubImpl : public IndicatorSwitchListenerStub {
 public:
     using Callback = std::function<void(const IndicatorData&)>;
 
-    /** `onSwitchChanged` may be empty: events are then dropped. */
+    /** If `onSwitchChanged` is empty, every event is dropped. */
     explicit IndicatorSwitchListenerStubImpl(Callback onSwitchChanged);
     ~IndicatorSwitchListenerStubImpl() override = default;
 
-    /** Calls the function, on the thread of the event and without a lock. What the function throws is not caught. */
+    /** Calls the function, on the calling thread and with no lock held. */
     void OnSwitchChanged(const IndicatorData& indicatorData) override;
 
 private:

@@ -6,11 +6,24 @@
 
 #include "privacy_indicator_export.h"
 
-/**
- * Reports a power event, 0 or 1, to the service, and remembers it with its sender, so that the client can report it
- * again when the service comes back. 0; -1 for any other event, which changes nothing; or the service's code. Any
- * thread may call it; it blocks as the client's operations do.
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Composer {
+
+/** The valid power events are 0 and 1, the numbers below this one. What each of them stands for is the service's own.
  */
-extern "C" PRIVACY_INDICATOR_EXPORT int32_t NotifyPowerEvent(int32_t event);
+inline constexpr uint32_t POWER_EVENT_COUNT = 2;
+
+/** The user whose power events are sent to the service again when it comes back. */
+inline constexpr int32_t POWER_EVENT_REPLAY_UID = 3036;
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Composer
+
+/**
+ * Reports a power event to the service. The event is also remembered together with the calling user, until the next
+ * one: if the user is POWER_EVENT_REPLAY_UID, the client sends the event again when the service comes back.
+ *
+ * Returns 0; -1 if the event is not valid, which changes nothing; or the service's or the transport's code. Any thread
+ * may call it. It blocks as the operations of PrivacyIndicatorClient do.
+ */
+extern "C" PRIVACY_INDICATOR_EXPORT int32_t NotifyPowerEvent(int32_t event) noexcept;
 
 #endif // NOTIFY_POWER_EVENT_H

@@ -11,12 +11,16 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Record {
 
 /**
- * How long one application used one permission group, and when last. A value: copied member by member, without locks;
- * nothing in it is range-checked. Throws nothing of its own. Setters copy; a getter's reference stays valid as long as
- * the record.
+ * How long one application used one permission group, and when last. The unit of the duration and of the timestamps is
+ * the service's own. Setters copy; the reference that a getter returns is valid as long as the record.
  */
 class PRIVACY_INDICATOR_EXPORT PermissionUsageDuration : public Parcelable {
 public:
+    PermissionUsageDuration() = default;
+    // Declared, so that there is no implicit move: on a device it would take the reference count along.
+    PermissionUsageDuration(const PermissionUsageDuration&) = default;
+    PermissionUsageDuration& operator=(const PermissionUsageDuration&) = default;
+
     const std::string& GetBundleName() const
     {
         return bundleName_;
@@ -77,14 +81,17 @@ public:
         lastEndTimestamp_ = value;
     }
 
-    /** Appends the fields in their order. False at the first write that fails; what was written before it stays. */
+    /** Appends the fields in declaration order. False if one does not fit: the fields before it stay in the parcel. */
     bool Marshalling(Parcel& parcel) const override;
 
-    /** Reads the fields: a new record, the caller's; null if one is cut or malformed, or there is no memory for it. */
-    static PermissionUsageDuration* Unmarshalling(Parcel& parcel);
+    /**
+     * Reads the fields as Marshalling wrote them. Returns a new record, which the caller owns and deletes; or null if a
+     * field is missing or malformed, or if there is no memory for the record.
+     */
+    static PermissionUsageDuration* Unmarshalling(Parcel& parcel) noexcept;
 
-    /** One line for logs. */
-    std::string ToString() const;
+    /** The record as one line of text, for logs. */
+    std::string ToString() const noexcept;
 
 private:
     /** The fields that a parcel carries, in their order there. */

@@ -12,12 +12,18 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Record {
 
 /**
- * Whose usage durations are asked for: applications, permission groups and a time range. A value: copied member by
- * member, without locks. A list may have any length here, but at most 999 entries in a parcel. Throws nothing of its
- * own. Setters copy; a getter's reference stays valid as long as the record.
+ * A question about usage durations: of which applications, of which permission groups, and in which time range. The
+ * unit of the timestamps, and what an empty list stands for, is the service's own. A list may have any length here, but
+ * no more than 999 entries in a parcel. Setters copy; the reference that a getter returns is valid as long as the
+ * record.
  */
 class PRIVACY_INDICATOR_EXPORT PermissionUsageDurationQuery : public Parcelable {
 public:
+    PermissionUsageDurationQuery() = default;
+    // Declared, so that there is no implicit move: on a device it would take the reference count along.
+    PermissionUsageDurationQuery(const PermissionUsageDurationQuery&) = default;
+    PermissionUsageDurationQuery& operator=(const PermissionUsageDurationQuery&) = default;
+
     const std::vector<std::string>& GetBundleNames() const
     {
         return bundleNames;
@@ -59,22 +65,27 @@ public:
     }
 
     /**
-     * Appends the fields in their order. False at the first write that fails, and after the count of a list that is
-     * too long; what was written before stays.
+     * Appends the fields in declaration order, each list as its count and its entries. False if one does not fit, or if
+     * a list has more than 999 entries: then its count has been written. What was written stays in the parcel.
      */
     bool Marshalling(Parcel& parcel) const override;
 
-    /** Reads the fields: a new record, the caller's; null if one is cut or malformed, or there is no memory for it. */
-    static PermissionUsageDurationQuery* Unmarshalling(Parcel& parcel);
+    /**
+     * Reads the fields as Marshalling wrote them. Returns a new record, which the caller owns and deletes; or null if a
+     * field is missing or malformed, or if there is no memory for the record.
+     */
+    static PermissionUsageDurationQuery* Unmarshalling(Parcel& parcel) noexcept;
 
     /**
-     * Reads the fields into `query`, which must have been made with new: returns it, or deletes it and returns null.
-     * Entries are appended to the lists; a count below 1 stands for none, one above 999 is refused.
+     * Reads the fields into `query`, which must have been made with new, and returns it; deletes it and returns null if
+     * a field is missing or malformed, or a list's count is above 999. The entries are appended to the lists; a count
+     * below 1 stands for none.
      */
-    static PermissionUsageDurationQuery* UnmarshallingInner(Parcel& parcel, PermissionUsageDurationQuery* query);
+    static PermissionUsageDurationQuery* UnmarshallingInner(
+        Parcel& parcel, PermissionUsageDurationQuery* query) noexcept;
 
-    /** One line for logs. */
-    std::string ToString() const;
+    /** The record as one line of text, for logs. */
+    std::string ToString() const noexcept;
 
 private:
     /** The fields that a parcel carries, in their order there. */

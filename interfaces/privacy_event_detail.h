@@ -11,11 +11,16 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 
 /**
- * One entry of the history of privacy events: an application's use of a sensor. A value: copied member by member,
- * without locks; nothing in it is range-checked. Throws nothing of its own.
+ * One entry of the history of privacy events: an application's use of a sensor. The unit of the timestamps, and what
+ * the access states (but see privacy_event_values.h) and the flags stand for, is the service's own.
  */
 class PRIVACY_INDICATOR_EXPORT PrivacyEventDetail : public Parcelable {
 public:
+    PrivacyEventDetail() = default;
+    // Declared, so that there is no implicit move: on a device it would take the reference count along.
+    PrivacyEventDetail(const PrivacyEventDetail&) = default;
+    PrivacyEventDetail& operator=(const PrivacyEventDetail&) = default;
+
     std::string bundleName; // Of the application.
     int32_t uid = -1;       // Of the application.
     int32_t privacySensorType = 0;
@@ -27,19 +32,17 @@ public:
     uint32_t eventFlags = 0;
     std::string extraInfo; // Stays in the process: neither carried by a parcel nor printed.
 
-    /** Appends the fields in their order. False at the first write that fails; what was written before it stays. */
+    /** Appends the fields in declaration order. False if one does not fit: the fields before it stay in the parcel. */
     bool Marshalling(Parcel& parcel) const override;
 
-    /** Reads the fields: a new record, the caller's; null if one is cut or malformed, or there is no memory for it. */
-    static PrivacyEventDetail* Unmarshalling(Parcel& parcel);
+    /**
+     * Reads the fields as Marshalling wrote them. Returns a new record, which the caller owns and deletes; or null if a
+     * field is missing or malformed, or if there is no memory for the record.
+     */
+    static PrivacyEventDetail* Unmarshalling(Parcel& parcel) noexcept;
 
-    /** One line for logs. */
-    std::string ToString() const;
-
-private:
-    /** The fields that a parcel carries, in their order there. */
-    template <typename Self>
-    static auto Fields(Self& self);
+    /** The record as one line of text, for logs. */
+    std::string ToString() const noexcept;
 };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy

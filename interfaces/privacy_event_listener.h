@@ -10,18 +10,22 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 
-/** An app's ear for privacy events: see PrivacyIndicatorClient. */
+/** What an app derives from to be called at privacy events. It is registered with PrivacyIndicatorClient. */
 class PRIVACY_INDICATOR_EXPORT PrivacyEventListener {
 public:
     /**
-     * Called on a platform thread with the client's lock for privacy event listeners held: it may not register or
-     * unregister any listener, nor wait for a thread that does. (A switch listener may touch the event listeners; were
-     * the opposite allowed too, the two locks could be taken in either order, and two callbacks block each other.)
+     * Events of `dataType` have happened: an entry for each, perhaps none. The arguments are valid during the call
+     * only.
+     *
+     * Called on a platform thread, with the client's lock for privacy event listeners held: it must not register or
+     * unregister any listener, nor wait for a thread that does. (A switch listener may register event listeners. If the
+     * opposite was allowed too, two callbacks could each wait for the other one's lock.) All further privacy event
+     * listeners wait until it returns, and so does the service.
      */
     virtual void OnPrivacyEventChanged(
         const std::string& dataType, const std::vector<PrivacyEventRemindInfo>& privacyEventRemindInfos) = 0;
 
-    // Behind the operation, which is the first virtual slot: others' binaries rely on that.
+    // Contract: the destructor follows the operation, which has the first virtual slot.
     virtual ~PrivacyEventListener() = default;
 };
 

@@ -13,11 +13,8 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 
 /**
- * Hears of privacy events of one data type. A caller hands a PrivacyEventListenerStubImpl to the service, which calls
- * it through a PrivacyEventListenerProxy.
- *
- * The library throws nothing of its own and hides nothing: what a caller's callback throws on a platform thread, or a
- * container that finds no memory, ends the process.
+ * The interface through which the service reports privacy events to another process. The receiving process hands a
+ * PrivacyEventListenerStubImpl for each data type to the service, which calls it through a PrivacyEventListenerProxy.
  */
 class PRIVACY_INDICATOR_EXPORT PrivacyEventListenerIntf : public IRemoteBroker {
 public:
@@ -30,7 +27,7 @@ public:
         const std::string& dataType, const std::vector<PrivacyEventRemindInfo>& privacyEventRemindInfos) = 0;
 
 protected:
-    const int32_t maxRemindInfoSize = 102400; // Records that a stub accepts in one event.
+    const int32_t maxRemindInfoSize = 102400; // The most records that a stub accepts in one request.
 };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy

@@ -12,22 +12,21 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 
 /**
- * A privacy event listener in another process. Registered with the broker when the library is loaded:
- * iface_cast<PrivacyEventListenerIntf> of a listener's remote object makes one. Any number of threads may call it at
- * once. Keeps the remote object as long as it lives itself.
+ * The service's side of a privacy event listener. iface_cast<PrivacyEventListenerIntf> makes one from the listener's
+ * remote object, which the proxy holds as long as it lives. Any number of threads may call it at once.
  */
 class PRIVACY_INDICATOR_EXPORT PrivacyEventListenerProxy : public IRemoteProxy<PrivacyEventListenerIntf> {
 public:
-    /** Events go to `remote`; if it is null, they are dropped. */
+    /** `remote` is the listener; if it is null, every event is dropped. */
     explicit PrivacyEventListenerProxy(const sptr<IRemoteObject>& remote);
     ~PrivacyEventListenerProxy() override = default;
 
     /**
-     * Sends the events, and blocks until the listener has returned, for 8 seconds at most. Failures are only logged. A
-     * stub refuses an empty list, and one of more than 102400 records.
+     * Sends the events and blocks until the listener has returned, however long that takes. Failures are only logged.
+     * The receiving stub refuses an empty list, and one of more than 102400 records.
      */
-    void OnPrivacyEventChanged(
-        const std::string& dataType, const std::vector<PrivacyEventRemindInfo>& privacyEventRemindInfos) override;
+    void OnPrivacyEventChanged(const std::string& dataType,
+        const std::vector<PrivacyEventRemindInfo>& privacyEventRemindInfos) noexcept override;
 
 private:
     static BrokerDelegator<PrivacyEventListenerProxy> delegator_;

@@ -11,14 +11,15 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 
 /**
- * Decodes the events that the service sends and hands them to OnPrivacyEventChanged, on the platform's threads and
- * without a lock. A record that cannot be read is left out of the list, which may thus be empty.
+ * The receiving side of a privacy event listener: decodes what the service sends and calls OnPrivacyEventChanged with
+ * it, on the platform's threads, several at once, and with no lock held. A record that is missing or malformed is left
+ * out of the list, so that the list may be empty.
  */
 class PRIVACY_INDICATOR_EXPORT PrivacyEventListenerStub : public IRemoteStub<PrivacyEventListenerIntf> {
 public:
     /**
-     * Serves one request. 0, or 1 if it was meant for another interface, or 22 if it announces less than one record or
-     * more than maxRemindInfoSize; the platform's own answer for an unknown code. Leaves `reply` empty.
+     * Serves one request, and leaves `reply` empty. Returns 0; 1 if the request is for another interface; 22 if it
+     * announces less than one record or more than maxRemindInfoSize; what the platform returns if the code is unknown.
      */
     int32_t OnRemoteRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option) override;
 };

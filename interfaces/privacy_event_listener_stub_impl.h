@@ -11,19 +11,16 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 
-/** A privacy event listener that calls a function. It lives as long as the caller or the service holds it. */
+/** A privacy event listener that calls a function. It lives as long as this process or the service holds it. */
 class PRIVACY_INDICATOR_EXPORT PrivacyEventListenerStubImpl : public PrivacyEventListenerStub {
 public:
     using Callback = std::function<void(const std::string&, const std::vector<PrivacyEventRemindInfo>&)>;
 
-    /** `onPrivacyEventChanged` may be empty: events are then dropped. */
+    /** If `onPrivacyEventChanged` is empty, every event is dropped. */
     explicit PrivacyEventListenerStubImpl(Callback onPrivacyEventChanged);
     ~PrivacyEventListenerStubImpl() override = default;
 
-    /**
-     * Calls the function, on the thread of the event and without a lock; the service waits for it to return. What the
-     * function throws is not caught.
-     */
+    /** Calls the function, on the calling thread and with no lock held. The service waits until it returns. */
     void OnPrivacyEventChanged(
         const std::string& dataType, const std::vector<PrivacyEventRemindInfo>& privacyEventRemindInfos) override;
 

@@ -11,30 +11,33 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 
 /**
- * What a privacy event listener is reminded of: one application's use of a sensor. A value: copied member by member,
- * without locks; nothing in it is range-checked. Throws nothing of its own.
+ * One entry of what a privacy event listener is called with: an application's use of a sensor. What the access state
+ * (but see privacy_event_values.h) and the flag stand for is the service's own.
  */
 class PRIVACY_INDICATOR_EXPORT PrivacyEventRemindInfo : public Parcelable {
 public:
+    PrivacyEventRemindInfo() = default;
+    // Declared, so that there is no implicit move: on a device it would take the reference count along.
+    PrivacyEventRemindInfo(const PrivacyEventRemindInfo&) = default;
+    PrivacyEventRemindInfo& operator=(const PrivacyEventRemindInfo&) = default;
+
     std::string bundleName; // Of the application.
     int32_t uid = -1;       // Of the application.
     int32_t privacySensorType = 0;
     int32_t privacyAccessState = 0;
     uint32_t remindFlag = 0;
 
-    /** Appends the fields in their order. False at the first write that fails; what was written before it stays. */
+    /** Appends the fields in declaration order. False if one does not fit: the fields before it stay in the parcel. */
     bool Marshalling(Parcel& parcel) const override;
 
-    /** Reads the fields: a new record, the caller's; null if one is cut or malformed, or there is no memory for it. */
-    static PrivacyEventRemindInfo* Unmarshalling(Parcel& parcel);
+    /**
+     * Reads the fields as Marshalling wrote them. Returns a new record, which the caller owns and deletes; or null if a
+     * field is missing or malformed, or if there is no memory for the record.
+     */
+    static PrivacyEventRemindInfo* Unmarshalling(Parcel& parcel) noexcept;
 
-    /** One line for logs. */
-    std::string ToString() const;
-
-private:
-    /** The fields that a parcel carries, in their order there. */
-    template <typename Self>
-    static auto Fields(Self& self);
+    /** The record as one line of text, for logs. */
+    std::string ToString() const noexcept;
 };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy

@@ -32,143 +32,154 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
 /**
- * The way to the privacy indicator service for a whole process. Any thread may call any operation.
+ * A process's connection to the privacy indicator service: one object that sends every request of the process and keeps
+ * all of its listeners. Any thread may call any operation.
  *
- * An operation that reaches the service returns 0 or the service's or the transport's code. It blocks its thread for
- * 8 s at most while the service answers, before that as long as the platform looks the service up, one thread at a
- * time, and, if it is about listeners, until those of its kind are not being called. It returns 0, too, when there is
- * no service: that is logged. In the emulator variant of the library no request reaches the service at all: every such
- * operation returns 0 and leaves its output as it was.
+ * Results. An operation that reaches the service returns 0, or the code of the service or of the transport. It also
+ * returns 0 when there is no service, which is only logged. In the emulator variant of the library no request reaches
+ * the service: every such operation returns 0 and leaves its output as it was. The numbers of users and of types of
+ * animation, and the names of data types, are the service's own and are carried unchanged.
  *
- * Users, data types and types of animation are the service's own numbers and names, and travel as they are.
+ * Blocking. An operation that reaches the service blocks its thread while the platform looks the service up, one thread
+ * at a time, and then until the service has replied, however long that takes. An operation on listeners also waits
+ * until no listener of that kind is being called.
  *
- * Listeners hear from the service as long as they are registered, also across its restarts. They are told apart by
- * address, and held as long as they are registered. When the service goes away they hear that each sensor is off.
+ * Listeners. A listener is called as long as it is registered, also across restarts of the service. Listeners are
+ * identified by their address and held while they are registered. When the service goes away, every switch listener is
+ * called with state OFF for each sensor, and the privacy event listeners of SENSOR_STATE_CHANGE, no others, are called
+ * once with ACCESS_STATE_OFF for all sensors. Nothing is called when the service comes back: the state is to be asked
+ * for anew.
  *
- * In the child of a fork without exec every request fails. An operation may even never return there, if another thread
- * of the parent's was in the client at the fork.
- *
- * A process must end by its main thread and with no other thread in the client, or without its exit handlers: else
- * listeners are called, and the client is used, while they go. What listeners' destructors do with the client is safe.
- *
- * The library throws nothing of its own and hides nothing: what a listener throws on a platform thread, or a container
- * that finds no memory, ends the process.
+ * Processes. In the child of a fork without exec every request fails, and an operation may never return if another
+ * thread was in the client at the fork. A process must exit by its main thread and while no other thread is in the
+ * client, or without its exit handlers, since the client is destroyed by them. A listener's destructor may call the
+ * client.
  */
 class PRIVACY_INDICATOR_EXPORT PrivacyIndicatorClient {
 public:
-    /** Drops the proxy when the service's process dies. */
+    /** Drops the proxy when the service's process has died. */
     class PRIVACY_INDICATOR_EXPORT DeathRecipient : public IRemoteObject::DeathRecipient {
     public:
-        void OnRemoteDied(const wptr<IRemoteObject>& remote) override;
+        void OnRemoteDied(const wptr<IRemoteObject>& remote) noexcept override;
     };
 
-    /** Hears of the service's coming and going. */
+    /** Is called when the service comes and goes. Any other system ability is ignored. */
     class PRIVACY_INDICATOR_EXPORT PrivacyIndicatorServiceListener : public SystemAbilityStatusChangeStub {
     public:
-        /** Reports the last power event again, and registers every stub that was ever made. */
-        void OnAddSystemAbility(int32_t systemAbilityId, const std::string& deviceId) override;
+        /** Sends the remembered power event again, then registers all stubs again. */
+        void OnAddSystemAbility(int32_t systemAbilityId, const std::string& deviceId) noexcept override;
 
-        /** Tells all listeners that every sensor is off. */
-        void OnRemoveSystemAbility(int32_t systemAbilityId, const std::string& deviceId) override;
+        /** Calls the listeners, as every sensor counts as off now. */
+        void OnRemoveSystemAbility(int32_t systemAbilityId, const std::string& deviceId) noexcept override;
     };
 
-    /** Built on first use, destroyed at exit. */
-    static PrivacyIndicatorClient& GetInstance();
+    /** The one client of this process: built at the first use, destroyed at exit. */
+    static PrivacyIndicatorClient& GetInstance() noexcept;
 
     PrivacyIndicatorClient(const PrivacyIndicatorClient&) = delete;
     PrivacyIndicatorClient& operator=(const PrivacyIndicatorClient&) = delete;
 
     /**
-     * The gate to the service, and the one thing in which the library's variants differ. In the emulator's, `func` is
-     * not run. In the device's it is run once, on this thread and under no lock of the gate's, with the service's proxy
-     * or null.
+     * The gate to the service, in which alone the library's two variants differ. The emulator's never calls `func`. The
+     * device's calls it once, on this thread and without holding the proxy's lock, with the service's proxy, or with
+     * null if there is no service.
      */
-    void WithSystemAbilityProxy(const std::function<void(const sptr<PrivacyIndicatorServiceIntf>&)>& func);
+    void WithSystemAbilityProxy(const std::function<void(const sptr<PrivacyIndicatorServiceIntf>&)>& func) noexcept;
 
-    /** Makes sure of a living proxy, if there is a service. To be called with the proxy's lock held: for the gate. */
-    void InitializeProxy();
+    /** Gets a proxy of the service, unless there is a living one. For the gate, which holds the proxy's lock. */
+    void InitializeProxy() noexcept;
 
     /** Drops the proxy. */
-    void ResetProxy();
+    void ResetProxy() noexcept;
 
-    /** Has the client told of the service's coming and going. For the constructor. */
-    void SubscribePrivacyIndicatorAbility();
+    /** Subscribes to the service's coming and going. For the constructor. */
+    void SubscribePrivacyIndicatorAbility() noexcept;
 
-    /** Appends the user's privacy events to `privacyEventDetails`. */
-    int32_t GetPrivacyEventDetails(int32_t userId, std::vector<Privacy::PrivacyEventDetail>& privacyEventDetails);
+    /** Appends the privacy events of a user to `privacyEventDetails`. */
+    int32_t GetPrivacyEventDetails(
+        int32_t userId, std::vector<Privacy::PrivacyEventDetail>& privacyEventDetails) noexcept;
 
-    /** Appends the user's privacy events of one sensor to `privacyEventDetails`. */
+    /** Appends the privacy events of a user that concern one sensor to `privacyEventDetails`. */
     int32_t GetPrivacyEventDetailsByPrivacySensorType(int32_t userId, const PrivacySensorType& privacySensorType,
-        std::vector<Privacy::PrivacyEventDetail>& privacyEventDetails);
+        std::vector<Privacy::PrivacyEventDetail>& privacyEventDetails) noexcept;
 
     /** Appends the indicators that are on to `indicators`. */
-    int32_t GetActiveIndicators(std::vector<Indicator::IndicatorData>& indicators);
+    int32_t GetActiveIndicators(std::vector<Indicator::IndicatorData>& indicators) noexcept;
 
     /** Turns a sensor's indicator on. */
     int32_t TurnOnIndicator(const PrivacySensorType& privacySensorType, const Indicator::IndicatorPosition& position,
-        const Indicator::IndicatorSize& size, int32_t animationType);
+        const Indicator::IndicatorSize& size, int32_t animationType) noexcept;
 
-    /** Turns a sensor's indicator off. The service takes `userId` for the type of animation. */
-    int32_t TurnOffIndicator(const PrivacySensorType& privacySensorType, int32_t userId);
+    /** Turns a sensor's indicator off. Contract: `userId` reaches the service as the type of animation. */
+    int32_t TurnOffIndicator(const PrivacySensorType& privacySensorType, int32_t userId) noexcept;
 
-    /** Appends how long the queried apps used the queried permissions to `durations`. */
-    int32_t GetPermissionUsageDurationSummary(
-        const Record::PermissionUsageDurationQuery& query, std::vector<Record::PermissionUsageDuration>& durations);
-
-    /** Reports a power event, 0 or 1; -1 for any other. The event is not remembered: see notify_power_event.h. */
-    int32_t NotifyPowerEvent(int32_t event);
+    /** Appends how long the applications of the query used the permission groups of the query to `durations`. */
+    int32_t GetPermissionUsageDurationSummary(const Record::PermissionUsageDurationQuery& query,
+        std::vector<Record::PermissionUsageDuration>& durations) noexcept;
 
     /**
-     * Has `listener` told of indicator switches. -1 if it is null or memory is short. With any other code the service
-     * did not take the registration, but the listener is registered here, and with the service when it comes back.
+     * Reports a power event to the service. Returns -1 if it is not valid. The event is not remembered: that is what
+     * the function of notify_power_event.h is for, which calls this one.
      */
-    int32_t RegisterPrivacyIndicatorSwitchListener(const std::shared_ptr<Indicator::IndicatorSwitchListener>& listener);
+    int32_t NotifyPowerEvent(int32_t event) noexcept;
 
-    /** Undoes that; no call of `listener` is under way on return. -1 if it is null. */
+    /**
+     * Has `listener` called at indicator switches. Returns -1 if it is null or if there is no memory for the stub. Any
+     * other code is the service's or the transport's: the listener is registered with the client all the same, and with
+     * the service when it comes back.
+     */
+    int32_t RegisterPrivacyIndicatorSwitchListener(
+        const std::shared_ptr<Indicator::IndicatorSwitchListener>& listener) noexcept;
+
+    /** Ends the calls of `listener`: none is under way on return. Returns -1 if it is null. */
     int32_t UnregisterPrivacyIndicatorSwitchListener(
-        const std::shared_ptr<Indicator::IndicatorSwitchListener>& listener);
-
-    /** Has `listener` told of privacy events of `dataType`. As RegisterPrivacyIndicatorSwitchListener. */
-    int32_t RegisterPrivacyEventListener(
-        const std::string& dataType, const std::shared_ptr<Privacy::PrivacyEventListener>& listener);
+        const std::shared_ptr<Indicator::IndicatorSwitchListener>& listener) noexcept;
 
     /**
-     * Undoes that for the first data type that has `listener`. -1 if it is null. One that is registered nowhere stands
-     * for the empty data type: -1 if nobody ever registered for that.
+     * Has `listener` called at privacy events of `dataType`, such as SENSOR_STATE_CHANGE. Results as those of
+     * RegisterPrivacyIndicatorSwitchListener.
      */
-    int32_t UnregisterPrivacyEventListener(const std::shared_ptr<Privacy::PrivacyEventListener>& listener);
+    int32_t RegisterPrivacyEventListener(
+        const std::string& dataType, const std::shared_ptr<Privacy::PrivacyEventListener>& listener) noexcept;
 
-    /** Calls every switch listener. */
-    void DispatchOnIndicatorSwitchChanged(const Indicator::IndicatorData& indicatorData);
+    /**
+     * Ends the calls of `listener` for the first data type that it is registered for, in alphabetical order: none is
+     * under way on return. Returns -1 if it is null. Contract: a listener that is registered for none counts as one of
+     * the empty data type, which gives -1 if no listener was ever registered for that.
+     */
+    int32_t UnregisterPrivacyEventListener(const std::shared_ptr<Privacy::PrivacyEventListener>& listener) noexcept;
 
-    /** Calls every listener of `dataType`. */
+    /** Calls all switch listeners, on this thread. */
+    void DispatchOnIndicatorSwitchChanged(const Indicator::IndicatorData& indicatorData) noexcept;
+
+    /** Calls all listeners of `dataType`, on this thread. */
     void DispatchOnPrivacyEventChanged(
-        const std::string& dataType, const std::vector<Privacy::PrivacyEventRemindInfo>& infos);
+        const std::string& dataType, const std::vector<Privacy::PrivacyEventRemindInfo>& infos) noexcept;
 
-    /** Register with the service, again, what was ever registered there. */
-    void ReRegisterPrivacyIndicatorSwitchListener();
-    void ReRegisterPrivacyEventListener();
+    /** Registers the stub that was ever registered with the service again. */
+    void ReRegisterPrivacyIndicatorSwitchListener() noexcept;
+
+    /** Registers all stubs that were ever registered with the service again. */
+    void ReRegisterPrivacyEventListener() noexcept;
 
 private:
     PrivacyIndicatorClient();
     ~PrivacyIndicatorClient();
 
-    template <typename Operation>
-    int32_t CallService(const char* function, Operation operation);
+    // To be called with the lock of the stub's kind held.
+    int32_t RegisterSwitchListenerStub() noexcept;
+    int32_t RegisterEventListenerStub(const std::string& dataType) noexcept;
 
-    int32_t RegisterSwitchListenerStub();
-    int32_t RegisterEventListenerStub(const std::string& dataType);
-
-    std::mutex switchListenerMutex; // Guards the next two.
+    std::mutex switchListenerMutex; // Guards the next two members.
     std::set<std::shared_ptr<Indicator::IndicatorSwitchListener>> switchListeners;
-    sptr<Indicator::IndicatorSwitchListenerIntf> switchListenerStub; // Kept once made.
+    sptr<Indicator::IndicatorSwitchListenerIntf> switchListenerStub; // Kept once created.
     std::function<void(const Indicator::IndicatorData&)> indicatorSwitchCallback;
     std::function<void(const std::string&, const std::vector<Privacy::PrivacyEventRemindInfo>&)> privacyEventCallback;
-    std::map<std::string, sptr<Privacy::PrivacyEventListenerIntf>> privacyEventStubs; // Kept once made.
+    std::map<std::string, sptr<Privacy::PrivacyEventListenerIntf>> privacyEventStubs; // Kept once created.
     std::map<std::string, std::set<std::shared_ptr<Privacy::PrivacyEventListener>>> privacyEventListeners;
-    std::mutex privacyEventMutex; // Guards the two maps.
+    std::mutex privacyEventMutex; // Guards the two maps above.
     sptr<PrivacyIndicatorServiceIntf> proxy;
-    std::mutex proxyMutex; // Guards the proxy and the next one.
+    std::mutex proxyMutex; // Guards the proxy and the death recipient.
     sptr<DeathRecipient> deathRecipient;
 };
 

@@ -20,19 +20,16 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
-/** The service's number at the system ability manager. */
+/** The id under which the system ability manager knows the service. */
 inline constexpr int32_t PRIVACY_INDICATOR_SA_ID = 66090;
 
 /**
- * The privacy indicator service, as its callers see it (through PrivacyIndicatorServiceIntfProxy) and as it is
- * implemented (from PrivacyIndicatorServiceIntfStub). Any number of threads may call it at once.
+ * The interface of the privacy indicator service. Callers use it through a PrivacyIndicatorServiceIntfProxy, a service
+ * derives from PrivacyIndicatorServiceIntfStub. Any number of threads may call it at once.
  *
- * Every operation returns SUCCESS or an error: one of the values below, the transport's own, or whatever the
- * implementation returned. An operation with a vector appends to it; a vector belongs to the caller and must be left
- * alone by other threads during the call.
- *
- * The library throws nothing of its own and hides nothing: what a caller's callback throws on a platform thread, or a
- * container that finds no memory, ends the process.
+ * Every operation returns SUCCESS, one of the other codes below, a code of the transport's, or whatever the service
+ * returned. A query appends to its vector and never clears it; no other thread may touch the vector during the call.
+ * The numbers of users and of types of animation are the service's own.
  */
 class PRIVACY_INDICATOR_EXPORT PrivacyIndicatorServiceIntf : public IRemoteBroker {
 public:
@@ -52,43 +49,46 @@ public:
 
     enum ErrorCode : int32_t {
         SUCCESS = 0,
-        TOKEN_MISMATCH = 1, // The request was meant for another interface.
-        INVALID_DATA = 5,   // An argument or an element could not be written or read, or the service is missing.
-        INVALID_VALUE = 22, // The interface token or the result code could not be written.
+        TOKEN_MISMATCH = 1, // The request is for another interface.
+        INVALID_DATA = 5,   // An argument or a record cannot be written or read, or there is no remote object.
+        INVALID_VALUE = 22, // The interface token or the result cannot be written.
     };
 
     DECLARE_INTERFACE_DESCRIPTOR(u"OHOS.Korvane.Quenlar.PrivacyIndicator.PrivacyIndicatorServiceIntf");
 
-    /** What the messages of the proxy and the stub are logged under. */
+    /** The label under which the proxy and the stub log. */
     static constexpr HiviewDFX::HiLogLabel LABEL = {LOG_CORE, 0xD005610, "PrivacyIndicatorService"};
 
-    /** Asks for a call of `privacyEventListener` at every privacy event of `dataType`. The service keeps it. */
+    /**
+     * Has the service call `privacyEventListener` at every privacy event of `dataType`, and hold it until it is
+     * unregistered.
+     */
     virtual int32_t RegisterPrivacyEventListener(
         const std::string& dataType, const sptr<Privacy::PrivacyEventListenerIntf>& privacyEventListener) = 0;
 
-    /** Ends the calls of `privacyEventListener`, of every data type. */
+    /** Ends the calls of `privacyEventListener`, for all data types. */
     virtual int32_t UnregisterPrivacyEventListener(
         const sptr<Privacy::PrivacyEventListenerIntf>& privacyEventListener) = 0;
 
-    /** Appends the user's privacy events. */
+    /** Appends the privacy events of a user. */
     virtual int32_t GetPrivacyEventDetails(
         int32_t userId, std::vector<Privacy::PrivacyEventDetail>& privacyEventDetails) = 0;
 
-    /** Appends the user's privacy events of one sensor. */
+    /** Appends the privacy events of a user that concern one sensor. */
     virtual int32_t GetPrivacyEventDetailsByPrivacySensorType(
         int32_t userId, int32_t privacySensorType, std::vector<Privacy::PrivacyEventDetail>& privacyEventDetails) = 0;
 
     /** Appends the indicators that are on. */
     virtual int32_t GetActiveIndicators(std::vector<Indicator::IndicatorData>& indicators) = 0;
 
-    /** Shows a sensor's indicator. */
+    /** Turns a sensor's indicator on. */
     virtual int32_t TurnOnIndicator(int32_t privacySensorType, const Indicator::IndicatorPosition& indicatorPosition,
         const Indicator::IndicatorSize& indicatorSize, int32_t animationType) = 0;
 
-    /** Takes a sensor's indicator off the screen. */
+    /** Turns a sensor's indicator off. */
     virtual int32_t TurnOffIndicator(int32_t privacySensorType, int32_t animationType) = 0;
 
-    /** Asks for a call of `listener` whenever an indicator changes. The service keeps it. */
+    /** Has the service call `listener` whenever an indicator changes, and hold it until it is unregistered. */
     virtual int32_t RegisterPrivacyIndicatorSwitchListener(
         const sptr<Indicator::IndicatorSwitchListenerIntf>& listener) = 0;
 
@@ -96,12 +96,12 @@ public:
     virtual int32_t UnregisterPrivacyIndicatorSwitchListener(
         const sptr<Indicator::IndicatorSwitchListenerIntf>& listener) = 0;
 
-    /** Appends an entry per application and permission group that the query names. */
+    /** Appends an entry for each application and permission group that the query asks for. */
     virtual int32_t GetPermissionUsageDurationSummary(
         const Record::PermissionUsageDurationQuery& permissionUsageDurationQuery,
         std::vector<Record::PermissionUsageDuration>& permissionUsageDurations) = 0;
 
-    /** Tells the service of a power event. Every value is passed on. */
+    /** Reports a power event. Every value is passed on, valid or not: see notify_power_event.h. */
     virtual int32_t NotifyPowerEvent(int32_t event) = 0;
 };
 

@@ -13,45 +13,45 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
 /**
- * The service, called from another process. Registered with the broker when the library is loaded:
- * iface_cast<PrivacyIndicatorServiceIntf> of the service's remote object makes one.
+ * The caller's side of the service. iface_cast<PrivacyIndicatorServiceIntf> makes one from the service's remote object,
+ * which the proxy holds as long as it lives.
  *
- * Every operation blocks until the reply is there, for 8 seconds at most, logs its failure once and returns it. An
- * error that ends a query half-way leaves the elements read so far in the vector. Nothing is kept between calls, and
- * no lock is held: any number of threads may call at once. Keeps the remote object as long as it lives itself.
+ * Every operation blocks until the service has replied, however long that takes. A failure is logged once and returned.
+ * A query that fails at one of the reply's records leaves the records before it in the vector. Nothing is kept between
+ * calls and no lock is held, so that any number of threads may call at once.
  */
 class PRIVACY_INDICATOR_EXPORT PrivacyIndicatorServiceIntfProxy : public IRemoteProxy<PrivacyIndicatorServiceIntf> {
 public:
-    /** Calls go to `remote`; if it is null, they return INVALID_DATA. */
+    /** `remote` is the service; if it is null, every operation returns INVALID_DATA. */
     explicit PrivacyIndicatorServiceIntfProxy(const sptr<IRemoteObject>& remote);
     ~PrivacyIndicatorServiceIntfProxy() override = default;
 
-    /** INVALID_DATA for a null listener, too: this and the other three need one. */
-    int32_t RegisterPrivacyEventListener(
-        const std::string& dataType, const sptr<Privacy::PrivacyEventListenerIntf>& privacyEventListener) override;
+    // A null listener is INVALID_DATA, here and in the other three.
+    int32_t RegisterPrivacyEventListener(const std::string& dataType,
+        const sptr<Privacy::PrivacyEventListenerIntf>& privacyEventListener) noexcept override;
     int32_t UnregisterPrivacyEventListener(
-        const sptr<Privacy::PrivacyEventListenerIntf>& privacyEventListener) override;
+        const sptr<Privacy::PrivacyEventListenerIntf>& privacyEventListener) noexcept override;
     int32_t GetPrivacyEventDetails(
-        int32_t userId, std::vector<Privacy::PrivacyEventDetail>& privacyEventDetails) override;
+        int32_t userId, std::vector<Privacy::PrivacyEventDetail>& privacyEventDetails) noexcept override;
     int32_t GetPrivacyEventDetailsByPrivacySensorType(int32_t userId, int32_t privacySensorType,
-        std::vector<Privacy::PrivacyEventDetail>& privacyEventDetails) override;
-    int32_t GetActiveIndicators(std::vector<Indicator::IndicatorData>& indicators) override;
+        std::vector<Privacy::PrivacyEventDetail>& privacyEventDetails) noexcept override;
+    int32_t GetActiveIndicators(std::vector<Indicator::IndicatorData>& indicators) noexcept override;
     int32_t TurnOnIndicator(int32_t privacySensorType, const Indicator::IndicatorPosition& indicatorPosition,
-        const Indicator::IndicatorSize& indicatorSize, int32_t animationType) override;
-    int32_t TurnOffIndicator(int32_t privacySensorType, int32_t animationType) override;
+        const Indicator::IndicatorSize& indicatorSize, int32_t animationType) noexcept override;
+    int32_t TurnOffIndicator(int32_t privacySensorType, int32_t animationType) noexcept override;
     int32_t RegisterPrivacyIndicatorSwitchListener(
-        const sptr<Indicator::IndicatorSwitchListenerIntf>& listener) override;
+        const sptr<Indicator::IndicatorSwitchListenerIntf>& listener) noexcept override;
     int32_t UnregisterPrivacyIndicatorSwitchListener(
-        const sptr<Indicator::IndicatorSwitchListenerIntf>& listener) override;
+        const sptr<Indicator::IndicatorSwitchListenerIntf>& listener) noexcept override;
     int32_t GetPermissionUsageDurationSummary(const Record::PermissionUsageDurationQuery& permissionUsageDurationQuery,
-        std::vector<Record::PermissionUsageDuration>& permissionUsageDurations) override;
-    int32_t NotifyPowerEvent(int32_t event) override;
+        std::vector<Record::PermissionUsageDuration>& permissionUsageDurations) noexcept override;
+    int32_t NotifyPowerEvent(int32_t event) noexcept override;
 
 private:
     static BrokerDelegator<PrivacyIndicatorServiceIntfProxy> delegator_;
 
-    const int32_t vectorSizeLimit = 102400; // Elements that a reply may carry.
-    // No reply carries a list or a map, so nothing consults these.
+    const int32_t vectorSizeLimit = 102400; // The most records that a reply may carry.
+    // Contract: part of the object, though no reply carries a list or a map.
     [[maybe_unused]] const int32_t listSizeLimit = 102400;
     [[maybe_unused]] const int32_t mapSizeLimit = 102400;
 };

@@ -6,7 +6,7 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
-/** The sensors that the callers know. Other values may come from the service, and are carried unchanged. */
+/** The sensors that the client knows. Another value that comes from the service is carried unchanged. */
 enum class PrivacySensorType : int32_t { CAMERA, MICROPHONE, LOCATION };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "indicator_switch_listener_proxy.h"
 
-#include <string>
-
+#include "format_utils.h"
 #include "message_option.h"
 #include "message_parcel.h"
 #include "tagged_log.h"
+#include "wait_time.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 
@@ -13,12 +13,9 @@ namespace {
 
 using Util::LogError;
 using Util::LogInfo;
-using Tag = Util::OstLog::Tag;
 
-// This file alone logs as "service": meant.
-const Tag TAG = Tag::Create("service", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
-
-constexpr int WAIT_SECONDS = 8;
+// Contract: "service", in this file alone.
+const auto TAG = Util::FileTag("service");
 
 } // namespace
 
@@ -35,7 +32,7 @@ IndicatorSwitchListenerProxy::~IndicatorSwitchListenerProxy()
     LogInfo(TAG, "~IndicatorSwitchListenerProxy", "destroy IndicatorSwitchListenerProxy");
 }
 
-void IndicatorSwitchListenerProxy::OnSwitchChanged(const IndicatorData& indicatorData)
+void IndicatorSwitchListenerProxy::OnSwitchChanged(const IndicatorData& indicatorData) noexcept
 {
     LogInfo(TAG, "OnSwitchChanged", "OnSwitchChanged begin in proxy");
     MessageParcel data;
@@ -43,13 +40,13 @@ void IndicatorSwitchListenerProxy::OnSwitchChanged(const IndicatorData& indicato
         LogError(TAG, "OnSwitchChanged", "WriteInterfaceToken failed");
         return;
     }
-    // The two blanks before "in" are meant.
+    // Contract: two blanks before "in".
     if (!data.WriteParcelable(&indicatorData)) {
         LogError(TAG, "OnSwitchChanged", "Write parcelable failed  in proxy.");
         return;
     }
-    const std::string text = "'" + indicatorData.ToString() + "'";
-    LogInfo(TAG, "OnSwitchChanged", "Write parcelable success  in proxy:%{public}s", text.c_str());
+    LogInfo(TAG, "OnSwitchChanged", "Write parcelable success  in proxy:%{public}s",
+        Util::Quoted(indicatorData.ToString()).c_str());
     const sptr<IRemoteObject> remote = Remote();
     if (remote == nullptr) {
         LogError(TAG, "OnSwitchChanged", "remote is null!");

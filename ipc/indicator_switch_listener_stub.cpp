@@ -10,11 +10,10 @@ namespace {
 
 using Util::LogError;
 using Util::LogInfo;
-using Tag = Util::OstLog::Tag;
 
-const Tag TAG = Tag::Create("PrivacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
+const auto TAG = Util::FileTag("PrivacyIndicator");
 
-// Unlike the other stubs' errors: meant.
+// Contract: other numbers than those of the other stubs.
 constexpr int32_t TOKEN_MISMATCH = 10;
 constexpr int32_t UNREADABLE_RECORD = -1;
 

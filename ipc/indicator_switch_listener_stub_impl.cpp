@@ -10,9 +10,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 
 namespace {
 
-using Tag = Util::OstLog::Tag;
-
-const Tag TAG = Tag::Create("PrivacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
+const auto TAG = Util::FileTag("PrivacyIndicator");
 
 } // namespace
 
@@ -22,7 +20,7 @@ IndicatorSwitchListenerStubImpl::IndicatorSwitchListenerStubImpl(Callback onSwit
 
 void IndicatorSwitchListenerStubImpl::OnSwitchChanged(const IndicatorData& indicatorData)
 {
-    // The message names another function than the line: meant.
+    // Contract: the message names another function than the line.
     const std::string privacySensorType = std::to_string(static_cast<int32_t>(indicatorData.privacySensorType));
     Util::LogInfo(TAG, "OnSwitchChanged", "OnRemoteRequest called in stub impl. %{public}s", privacySensorType.c_str());
     if (callback) {

@@ -4,17 +4,15 @@
 #include "message_option.h"
 #include "message_parcel.h"
 #include "tagged_log.h"
+#include "wait_time.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 
 namespace {
 
 using Util::LogError;
-using Tag = Util::OstLog::Tag;
 
-const Tag TAG = Tag::Create("PrivacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
-
-constexpr int WAIT_SECONDS = 8;
+const auto TAG = Util::FileTag("PrivacyIndicator");
 
 } // namespace
 
@@ -25,7 +23,7 @@ PrivacyEventListenerProxy::PrivacyEventListenerProxy(const sptr<IRemoteObject>& 
 {}
 
 void PrivacyEventListenerProxy::OnPrivacyEventChanged(
-    const std::string& dataType, const std::vector<PrivacyEventRemindInfo>& privacyEventRemindInfos)
+    const std::string& dataType, const std::vector<PrivacyEventRemindInfo>& privacyEventRemindInfos) noexcept
 {
     MessageParcel data;
     MessageParcel reply;
@@ -38,7 +36,7 @@ void PrivacyEventListenerProxy::OnPrivacyEventChanged(
         LogError(TAG, "OnPrivacyEventChanged", "Write data type failed!");
         return;
     }
-    // What does not fit is left out, and the count not checked: the stub skips what it cannot read. Meant.
+    // Contract: neither the count nor a record is checked. The stub leaves out what it cannot read.
     data.WriteInt32(static_cast<int32_t>(privacyEventRemindInfos.size()));
     for (const PrivacyEventRemindInfo& info : privacyEventRemindInfos) {
         data.WriteParcelable(&info);

@@ -14,9 +14,8 @@ namespace {
 
 using Util::LogDebug;
 using Util::LogError;
-using Tag = Util::OstLog::Tag;
 
-const Tag TAG = Tag::Create("PrivacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
+const auto TAG = Util::FileTag("PrivacyIndicator");
 
 constexpr int32_t TOKEN_MISMATCH = 1;
 constexpr int32_t INVALID_SIZE = 22;
@@ -38,7 +37,7 @@ int32_t PrivacyEventListenerStub::OnRemoteRequest(
         LogError(TAG, "OnRemoteRequest", "error privacyEventRemindInfo size!");
         return INVALID_SIZE;
     }
-    // No memory is reserved for a count that the request may not hold.
+    // No memory is reserved for the count, since the request may hold fewer records.
     std::vector<PrivacyEventRemindInfo> infos;
     for (int32_t i = 0; i < count; ++i) {
         const std::unique_ptr<PrivacyEventRemindInfo> info(data.ReadParcelable<PrivacyEventRemindInfo>());

@@ -28,26 +28,26 @@ int32_t OnUnregisterPrivacyEventListener(Service& service, ServiceRequest& reque
     return request.Reply([&] { return service.UnregisterPrivacyEventListener(listener); });
 }
 
-int32_t OnGetPrivacyEventDetails(Service& service, ServiceRequest& request, int32_t limit)
+int32_t OnGetPrivacyEventDetails(Service& service, ServiceRequest& request)
 {
     const int32_t userId = request.ReadInt32();
     return request.Reply<Privacy::PrivacyEventDetail>(
-        limit, [&](auto& details) { return service.GetPrivacyEventDetails(userId, details); });
+        [&](auto& details) { return service.GetPrivacyEventDetails(userId, details); });
 }
 
-int32_t OnGetPrivacyEventDetailsByPrivacySensorType(Service& service, ServiceRequest& request, int32_t limit)
+int32_t OnGetPrivacyEventDetailsByPrivacySensorType(Service& service, ServiceRequest& request)
 {
     const int32_t userId = request.ReadInt32();
     const int32_t privacySensorType = request.ReadInt32();
-    return request.Reply<Privacy::PrivacyEventDetail>(limit, [&](auto& details) {
+    return request.Reply<Privacy::PrivacyEventDetail>([&](auto& details) {
         return service.GetPrivacyEventDetailsByPrivacySensorType(userId, privacySensorType, details);
     });
 }
 
-int32_t OnGetActiveIndicators(Service& service, ServiceRequest& request, int32_t limit)
+int32_t OnGetActiveIndicators(Service& service, ServiceRequest& request)
 {
     return request.Reply<Indicator::IndicatorData>(
-        limit, [&](auto& indicators) { return service.GetActiveIndicators(indicators); });
+        [&](auto& indicators) { return service.GetActiveIndicators(indicators); });
 }
 
 int32_t OnTurnOnIndicator(Service& service, ServiceRequest& request)
@@ -78,12 +78,12 @@ int32_t OnUnregisterPrivacyIndicatorSwitchListener(Service& service, ServiceRequ
     return request.Reply([&] { return service.UnregisterPrivacyIndicatorSwitchListener(listener); });
 }
 
-int32_t OnGetPermissionUsageDurationSummary(Service& service, ServiceRequest& request, int32_t limit)
+int32_t OnGetPermissionUsageDurationSummary(Service& service, ServiceRequest& request)
 {
     const auto query =
         request.ReadRecord<Record::PermissionUsageDurationQuery>("Read [PermissionUsageDurationQuery] failed!");
     return request.Reply<Record::PermissionUsageDuration>(
-        limit, [&](auto& durations) { return service.GetPermissionUsageDurationSummary(*query, durations); });
+        [&](auto& durations) { return service.GetPermissionUsageDurationSummary(*query, durations); });
 }
 
 int32_t OnNotifyPowerEvent(Service& service, ServiceRequest& request)
@@ -100,18 +100,18 @@ int32_t PrivacyIndicatorServiceIntfStub::OnRemoteRequest(
     if (data.ReadInterfaceToken() != GetDescriptor()) {
         return TOKEN_MISMATCH;
     }
-    ServiceRequest request(data, reply);
+    ServiceRequest request(data, reply, vectorSizeLimit);
     switch (code) {
     case REGISTER_PRIVACY_EVENT_LISTENER:
         return OnRegisterPrivacyEventListener(*this, request);
     case UNREGISTER_PRIVACY_EVENT_LISTENER:
         return OnUnregisterPrivacyEventListener(*this, request);
     case GET_PRIVACY_EVENT_DETAILS:
-        return OnGetPrivacyEventDetails(*this, request, vectorSizeLimit);
+        return OnGetPrivacyEventDetails(*this, request);
     case GET_PRIVACY_EVENT_DETAILS_BY_PRIVACY_SENSOR_TYPE:
-        return OnGetPrivacyEventDetailsByPrivacySensorType(*this, request, vectorSizeLimit);
+        return OnGetPrivacyEventDetailsByPrivacySensorType(*this, request);
     case GET_ACTIVE_INDICATORS:
-        return OnGetActiveIndicators(*this, request, vectorSizeLimit);
+        return OnGetActiveIndicators(*this, request);
     case TURN_ON_INDICATOR:
         return OnTurnOnIndicator(*this, request);
     case TURN_OFF_INDICATOR:
@@ -121,7 +121,7 @@ int32_t PrivacyIndicatorServiceIntfStub::OnRemoteRequest(
     case UNREGISTER_PRIVACY_INDICATOR_SWITCH_LISTENER:
         return OnUnregisterPrivacyIndicatorSwitchListener(*this, request);
     case GET_PERMISSION_USAGE_DURATION_SUMMARY:
-        return OnGetPermissionUsageDurationSummary(*this, request, vectorSizeLimit);
+        return OnGetPermissionUsageDurationSummary(*this, request);
     case NOTIFY_POWER_EVENT:
         return OnNotifyPowerEvent(*this, request);
     default:

@@ -9,41 +9,41 @@
 
 #include "iremote_broker.h"
 #include "message_parcel.h"
-#include "privacy_indicator_service_intf.h"
+#include "service_exchange.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
 /**
- * One call of the service, from its proxy: the request's arguments are written in order, then it is sent. The first
- * failure is logged and ends the call: what follows does nothing, and Send returns the failure's code. ServiceRequest
- * is the other side of it.
+ * One request to the service, on the proxy's side: its arguments are written in order, then it is sent, and the result
+ * is read. Each `failure` is what is logged if that step fails. ServiceRequest is the stub's side of it.
  */
-class ServiceCall {
+class ServiceCall : private ServiceExchange {
 public:
-    /** Begins the request with the interface's token. */
-    explicit ServiceCall(uint32_t code);
+    /** Begins the request with the interface token. */
+    ServiceCall(uint32_t code, int32_t vectorSizeLimit);
 
     void WriteInt32(int32_t value, const char* failure);
     void WriteString(const std::string& value, const char* failure);
     void WriteRecord(const Parcelable& record, const char* failure);
+
+    /** `nullFailure` is logged if `listener` is null, `failure` if it cannot be written. */
     void WriteListener(const sptr<IRemoteBroker>& listener, const char* nullFailure, const char* failure);
 
-    /** Sends the request and reads the service's result. */
+    /** Sends the request and returns the service's result, or the first failure's code. */
     int32_t Send(const sptr<IRemoteObject>& remote);
 
-    /** As above, and appends the records of the reply to `records`; `failure` is for one that cannot be read. */
+    /** As above; a good result is followed by records, which are appended to `records`. */
     template <typename T>
-    int32_t Send(const sptr<IRemoteObject>& remote, std::vector<T>& records, int32_t limit, const char* failure)
+    int32_t Send(const sptr<IRemoteObject>& remote, std::vector<T>& records, const char* failure)
     {
-        const int32_t result = Send(remote);
-        if (result != PrivacyIndicatorServiceIntf::SUCCESS) {
-            return result;
+        if (Send(remote) != PrivacyIndicatorServiceIntf::SUCCESS) {
+            return Error();
         }
         const int32_t count = reply_.ReadInt32();
-        if (count > limit) {
-            return Fail(PrivacyIndicatorServiceIntf::INVALID_DATA, "The vector/array size exceeds the security limit!");
+        if (!MayCarry(count)) {
+            return Error();
         }
-        // No memory is reserved for a count that the reply may not hold.
+        // No memory is reserved for the count, since the reply may hold fewer records.
         for (int32_t i = 0; i < count; ++i) {
             const std::unique_ptr<T> record(reply_.ReadParcelable<T>());
             if (record == nullptr) {
@@ -51,16 +51,13 @@ public:
             }
             records.push_back(*record);
         }
-        return result;
+        return PrivacyIndicatorServiceIntf::SUCCESS;
     }
 
 private:
-    int32_t Fail(int32_t error, const char* message);
-
     const uint32_t code_;
     MessageParcel data_;
     MessageParcel reply_;
-    int32_t error_ = PrivacyIndicatorServiceIntf::SUCCESS; // The first failure's.
 };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator

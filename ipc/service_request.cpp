@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service_request.h"
 
-#include "service_log.h"
 #include "string_ex.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
@@ -18,17 +17,10 @@ std::string ServiceRequest::ReadString()
 
 int32_t ServiceRequest::WriteResult(int32_t result)
 {
-    return reply_.WriteInt32(result) ? PrivacyIndicatorServiceIntf::SUCCESS
-                                     : Fail(PrivacyIndicatorServiceIntf::INVALID_VALUE, "Write Int32 failed!");
-}
-
-int32_t ServiceRequest::Fail(int32_t error, const char* message)
-{
-    if (IsGood()) {
-        LogServiceError(message);
-        error_ = error;
+    if (!reply_.WriteInt32(result)) {
+        Fail(PrivacyIndicatorServiceIntf::INVALID_VALUE, "Write Int32 failed!");
     }
-    return error_;
+    return Error();
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator

@@ -2,7 +2,6 @@
 #ifndef SERVICE_REQUEST_H
 #define SERVICE_REQUEST_H
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -10,20 +9,22 @@
 
 #include "iremote_broker.h"
 #include "message_parcel.h"
-#include "privacy_indicator_service_intf.h"
+#include "service_exchange.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
 /**
- * One request to the service, in its stub: the arguments are read in order, then the operation's reply is written. A
- * record or listener that cannot be read is logged and ends the request: nothing more is read, and Reply returns the
- * failure's code without running the operation. ServiceCall is the other side of it.
+ * One request to the service, on the stub's side: its arguments are read in order, then the operation is run, and the
+ * reply is written. Each `failure` is what is logged if that step fails. ServiceCall is the proxy's side of it.
  */
-class ServiceRequest {
+class ServiceRequest : private ServiceExchange {
 public:
-    ServiceRequest(MessageParcel& data, MessageParcel& reply) : data_(data), reply_(reply) {}
+    /** Begins after the interface token. Both parcels must outlive this. */
+    ServiceRequest(MessageParcel& data, MessageParcel& reply, int32_t vectorSizeLimit)
+        : ServiceExchange(vectorSizeLimit), data_(data), reply_(reply)
+    {}
 
-    /** This and ReadString do not fail: a missing argument reads as 0 or an empty string. */
+    // Contract: these two cannot fail. What is missing reads as 0 or as an empty string.
     int32_t ReadInt32();
     std::string ReadString();
 
@@ -47,53 +48,42 @@ public:
         return listener;
     }
 
-    /** Runs `operation`, an int32_t(), and replies with its result. */
+    /** Runs `operation`, an int32_t(), and writes its result. Returns what OnRemoteRequest is to return. */
     template <typename Operation>
     int32_t Reply(const Operation& operation)
     {
-        return IsGood() ? WriteResult(operation()) : error_;
+        return IsGood() ? WriteResult(operation()) : Error();
     }
 
-    /** Runs `operation`, an int32_t(std::vector<T>&), and replies with its result and, at success, the records. */
+    /** As above, for an int32_t(std::vector<T>&); a good result is followed by the records. */
     template <typename T, typename Operation>
-    int32_t Reply(int32_t limit, const Operation& operation)
+    int32_t Reply(const Operation& operation)
     {
         if (!IsGood()) {
-            return error_;
+            return Error();
         }
         std::vector<T> records;
         const int32_t result = operation(records);
-        const int32_t error = WriteResult(result);
-        if (error != PrivacyIndicatorServiceIntf::SUCCESS || result != PrivacyIndicatorServiceIntf::SUCCESS) {
-            return error;
+        if (WriteResult(result) != PrivacyIndicatorServiceIntf::SUCCESS ||
+            result != PrivacyIndicatorServiceIntf::SUCCESS || !MayCarry(static_cast<int64_t>(records.size()))) {
+            return Error();
         }
-        if (records.size() > static_cast<size_t>(limit)) {
-            return Fail(PrivacyIndicatorServiceIntf::INVALID_DATA, "The vector/array size exceeds the security limit!");
-        }
-        // A count that cannot be written is left to the first record's failure: meant.
+        // Contract: whether the count can be written is not checked.
         reply_.WriteInt32(static_cast<int32_t>(records.size()));
         for (const T& record : records) {
             if (!reply_.WriteParcelable(&record)) {
-                return Fail(PrivacyIndicatorServiceIntf::INVALID_DATA, "Write [(*it)] failed!"); // Meant as it is.
+                // Contract: this text for a record of any kind.
+                return Fail(PrivacyIndicatorServiceIntf::INVALID_DATA, "Write [(*it)] failed!");
             }
         }
         return PrivacyIndicatorServiceIntf::SUCCESS;
     }
 
 private:
-    bool IsGood() const
-    {
-        return error_ == PrivacyIndicatorServiceIntf::SUCCESS;
-    }
-
     int32_t WriteResult(int32_t result);
-
-    /** Logs the first failure only, and returns its code. */
-    int32_t Fail(int32_t error, const char* message);
 
     MessageParcel& data_;
     MessageParcel& reply_;
-    int32_t error_ = PrivacyIndicatorServiceIntf::SUCCESS; // The first failure's.
 };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator

@@ -12,38 +12,36 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 
 namespace {
 
-using Util::FormatUtils;
-using Tag = Util::OstLog::Tag;
+const auto TAG = Util::FileTag("PrivacyIndicator");
 
-const Tag TAG = Tag::Create("PrivacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
+// In their order in a parcel.
+template <typename Self>
+auto Fields(Self& record)
+{
+    return std::tie(record.privacySensorType, record.state, record.positionX, record.positionY, record.width,
+        record.height, record.color, record.animationType);
+}
 
 } // namespace
-
-template <typename Self>
-auto IndicatorData::Fields(Self& self)
-{
-    return std::tie(self.privacySensorType, self.state, self.positionX, self.positionY, self.width, self.height,
-        self.color, self.animationType);
-}
 
 bool IndicatorData::Marshalling(Parcel& parcel) const
 {
     return WriteFields(parcel, Fields(*this));
 }
 
-IndicatorData* IndicatorData::Unmarshalling(Parcel& parcel)
+IndicatorData* IndicatorData::Unmarshalling(Parcel& parcel) noexcept
 {
-    // The name in this message is meant.
+    // Contract: "Indicator", not the class's name.
     std::unique_ptr<IndicatorData> record = NewRecord<IndicatorData>(TAG, "new Indicator failed.");
     return record != nullptr && ReadFields(parcel, Fields(*record)) ? record.release() : nullptr;
 }
 
-std::string IndicatorData::ToString() const
+std::string IndicatorData::ToString() const noexcept
 {
-    // It begins with "Indicator", not with the class's name: meant.
-    return FormatUtils::Concat("Indicator{privacySensorType=", privacySensorType, ", state=", state,
-        ", positionX=", positionX, ", positionY=", positionY, ", width=", width, ", height=", height, ", color='",
-        color, "', animationType=", animationType, "}");
+    // Contract: "Indicator", not the class's name.
+    return Util::Concat("Indicator{privacySensorType=", privacySensorType, ", state=", state, ", positionX=", positionX,
+        ", positionY=", positionY, ", width=", width, ", height=", height, ", color='", color,
+        "', animationType=", animationType, "}");
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator

@@ -12,33 +12,31 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 
 namespace {
 
-using Util::FormatUtils;
-using Tag = Util::OstLog::Tag;
+const auto TAG = Util::FileTag("PrivacyIndicator");
 
-const Tag TAG = Tag::Create("PrivacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
+// In their order in a parcel.
+template <typename Self>
+auto Fields(Self& record)
+{
+    return std::tie(record.positionX, record.positionY, record.screenWidth, record.screenHeight, record.screenRotation);
+}
 
 } // namespace
-
-template <typename Self>
-auto IndicatorPosition::Fields(Self& self)
-{
-    return std::tie(self.positionX, self.positionY, self.screenWidth, self.screenHeight, self.screenRotation);
-}
 
 bool IndicatorPosition::Marshalling(Parcel& parcel) const
 {
     return WriteFields(parcel, Fields(*this));
 }
 
-IndicatorPosition* IndicatorPosition::Unmarshalling(Parcel& parcel)
+IndicatorPosition* IndicatorPosition::Unmarshalling(Parcel& parcel) noexcept
 {
     std::unique_ptr<IndicatorPosition> record = NewRecord<IndicatorPosition>(TAG, "new IndicatorPosition failed.");
     return record != nullptr && ReadFields(parcel, Fields(*record)) ? record.release() : nullptr;
 }
 
-std::string IndicatorPosition::ToString() const
+std::string IndicatorPosition::ToString() const noexcept
 {
-    return FormatUtils::Concat("IndicatorPosition{positionX=", positionX, ", positionY=", positionY,
+    return Util::Concat("IndicatorPosition{positionX=", positionX, ", positionY=", positionY,
         ", screenWidth=", screenWidth, ", screenHeight=", screenHeight, ", screenRotation=", screenRotation, "}");
 }
 

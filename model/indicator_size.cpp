@@ -12,33 +12,31 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 
 namespace {
 
-using Util::FormatUtils;
-using Tag = Util::OstLog::Tag;
+const auto TAG = Util::FileTag("PrivacyIndicator");
 
-const Tag TAG = Tag::Create("PrivacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
+// In their order in a parcel.
+template <typename Self>
+auto Fields(Self& record)
+{
+    return std::tie(record.width, record.height);
+}
 
 } // namespace
-
-template <typename Self>
-auto IndicatorSize::Fields(Self& self)
-{
-    return std::tie(self.width, self.height);
-}
 
 bool IndicatorSize::Marshalling(Parcel& parcel) const
 {
     return WriteFields(parcel, Fields(*this));
 }
 
-IndicatorSize* IndicatorSize::Unmarshalling(Parcel& parcel)
+IndicatorSize* IndicatorSize::Unmarshalling(Parcel& parcel) noexcept
 {
     std::unique_ptr<IndicatorSize> record = NewRecord<IndicatorSize>(TAG, "new IndicatorSize failed.");
     return record != nullptr && ReadFields(parcel, Fields(*record)) ? record.release() : nullptr;
 }
 
-std::string IndicatorSize::ToString() const
+std::string IndicatorSize::ToString() const noexcept
 {
-    return FormatUtils::Concat("IndicatorSize{width=", width, ", height=", height, "}");
+    return Util::Concat("IndicatorSize{width=", width, ", height=", height, "}");
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator

@@ -14,11 +14,12 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
 /**
- * How a record's fields travel. A record names its fields once, as a tuple of references; WriteFields and ReadFields
- * take them one after another, each by the overload of its type, and stop at the first that fails.
+ * How the fields of a record are written to a parcel and read from it. A record lists its fields once, as a tuple of
+ * references; WriteFields and ReadFields take them in that order, each by the overload for its type, and stop at the
+ * first that fails.
  */
 
-/** Entries that a list of strings may have in a parcel. */
+/** The most entries that a list of strings may have in a parcel. */
 constexpr int32_t MAX_LIST_SIZE = 999;
 
 inline bool WriteField(Parcel& parcel, int32_t value)
@@ -55,7 +56,7 @@ bool WriteField(Parcel& parcel, Enum value)
 inline bool WriteField(Parcel& parcel, const std::vector<std::string>& list)
 {
     const auto count = static_cast<int32_t>(list.size());
-    // The count of a list that is too long is written all the same: this order is meant.
+    // Contract: the count of a list that is too long is written before the list is refused.
     if (!parcel.WriteInt32(count) || count > MAX_LIST_SIZE) {
         return false;
     }

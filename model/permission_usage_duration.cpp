@@ -10,17 +10,11 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Record {
 
-namespace {
-
-using Util::FormatUtils;
-
-} // namespace
-
 template <typename Self>
-auto PermissionUsageDuration::Fields(Self& self)
+auto PermissionUsageDuration::Fields(Self& record)
 {
-    return std::tie(self.bundleName_, self.uid, self.permissionGroup_, self.usageDuration_, self.lastBeginTimestamp_,
-        self.lastEndTimestamp_);
+    return std::tie(record.bundleName_, record.uid, record.permissionGroup_, record.usageDuration_,
+        record.lastBeginTimestamp_, record.lastEndTimestamp_);
 }
 
 bool PermissionUsageDuration::Marshalling(Parcel& parcel) const
@@ -28,16 +22,16 @@ bool PermissionUsageDuration::Marshalling(Parcel& parcel) const
     return WriteFields(parcel, Fields(*this));
 }
 
-PermissionUsageDuration* PermissionUsageDuration::Unmarshalling(Parcel& parcel)
+PermissionUsageDuration* PermissionUsageDuration::Unmarshalling(Parcel& parcel) noexcept
 {
     std::unique_ptr<PermissionUsageDuration> record(new (std::nothrow) PermissionUsageDuration());
     return record != nullptr && ReadFields(parcel, Fields(*record)) ? record.release() : nullptr;
 }
 
-std::string PermissionUsageDuration::ToString() const
+std::string PermissionUsageDuration::ToString() const noexcept
 {
-    // The duration comes before the group here, unlike in a parcel, and "uid" has no underscore: meant.
-    return FormatUtils::Concat("PermissionUsageDuration{bundleName_='", bundleName_, "', uid=", uid,
+    // Contract: the duration comes before the group, unlike in a parcel, and "uid" has no underscore.
+    return Util::Concat("PermissionUsageDuration{bundleName_='", bundleName_, "', uid=", uid,
         ", usageDuration_=", usageDuration_, ", permissionGroup_='", permissionGroup_,
         "', lastBeginTimestamp_=", lastBeginTimestamp_, ", lastEndTimestamp_=", lastEndTimestamp_, "}");
 }

@@ -10,16 +10,10 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Record {
 
-namespace {
-
-using Util::FormatUtils;
-
-} // namespace
-
 template <typename Self>
-auto PermissionUsageDurationQuery::Fields(Self& self)
+auto PermissionUsageDurationQuery::Fields(Self& record)
 {
-    return std::tie(self.bundleNames, self.permissionGroups, self.beginTimestamp, self.endTimestamp);
+    return std::tie(record.bundleNames, record.permissionGroups, record.beginTimestamp, record.endTimestamp);
 }
 
 bool PermissionUsageDurationQuery::Marshalling(Parcel& parcel) const
@@ -27,22 +21,22 @@ bool PermissionUsageDurationQuery::Marshalling(Parcel& parcel) const
     return WriteFields(parcel, Fields(*this));
 }
 
-PermissionUsageDurationQuery* PermissionUsageDurationQuery::Unmarshalling(Parcel& parcel)
+PermissionUsageDurationQuery* PermissionUsageDurationQuery::Unmarshalling(Parcel& parcel) noexcept
 {
     return UnmarshallingInner(parcel, new (std::nothrow) PermissionUsageDurationQuery());
 }
 
 PermissionUsageDurationQuery* PermissionUsageDurationQuery::UnmarshallingInner(
-    Parcel& parcel, PermissionUsageDurationQuery* query)
+    Parcel& parcel, PermissionUsageDurationQuery* query) noexcept
 {
     std::unique_ptr<PermissionUsageDurationQuery> record(query);
     return record != nullptr && ReadFields(parcel, Fields(*record)) ? record.release() : nullptr;
 }
 
-std::string PermissionUsageDurationQuery::ToString() const
+std::string PermissionUsageDurationQuery::ToString() const noexcept
 {
-    return FormatUtils::Concat("PermissionUsageDurationQuery{bundleNames=", FormatUtils::ToString(bundleNames),
-        ", permissionGroups=", FormatUtils::ToString(permissionGroups), ", beginTimestamp=", beginTimestamp,
+    return Util::Concat("PermissionUsageDurationQuery{bundleNames=", Util::FormatUtils::ToString(bundleNames),
+        ", permissionGroups=", Util::FormatUtils::ToString(permissionGroups), ", beginTimestamp=", beginTimestamp,
         ", endTimestamp=", endTimestamp, "}");
 }
 

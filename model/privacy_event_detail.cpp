@@ -12,38 +12,37 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 
 namespace {
 
-using Util::FormatUtils;
-using Tag = Util::OstLog::Tag;
+const auto TAG = Util::FileTag("privacyIndicator");
 
-const Tag TAG = Tag::Create("privacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
+// In their order in a parcel.
+template <typename Self>
+auto Fields(Self& record)
+{
+    return std::tie(record.bundleName, record.uid, record.privacySensorType, record.startTimestamp,
+        record.realEndTimestamp, record.showEndTimestamp, record.realAccessState, record.showAccessState,
+        record.eventFlags);
+}
 
 } // namespace
-
-template <typename Self>
-auto PrivacyEventDetail::Fields(Self& self)
-{
-    return std::tie(self.bundleName, self.uid, self.privacySensorType, self.startTimestamp, self.realEndTimestamp,
-        self.showEndTimestamp, self.realAccessState, self.showAccessState, self.eventFlags);
-}
 
 bool PrivacyEventDetail::Marshalling(Parcel& parcel) const
 {
     return WriteFields(parcel, Fields(*this));
 }
 
-PrivacyEventDetail* PrivacyEventDetail::Unmarshalling(Parcel& parcel)
+PrivacyEventDetail* PrivacyEventDetail::Unmarshalling(Parcel& parcel) noexcept
 {
     std::unique_ptr<PrivacyEventDetail> record = NewRecord<PrivacyEventDetail>(TAG, "new PrivacyEventDetail failed.");
     return record != nullptr && ReadFields(parcel, Fields(*record)) ? record.release() : nullptr;
 }
 
-std::string PrivacyEventDetail::ToString() const
+std::string PrivacyEventDetail::ToString() const noexcept
 {
-    // The brace that nothing opens, and the flags without a label, are meant.
-    return FormatUtils::Concat("PrivacyEventDetail='", bundleName, "', uid=", uid,
-        ", privacySensorType=", privacySensorType, ", startTimestamp=", startTimestamp,
-        ", realEndTimestamp=", realEndTimestamp, ", showEndTimestamp=", showEndTimestamp,
-        ", realAccessState=", realAccessState, ", showAccessState=", showAccessState, eventFlags, "}");
+    // Contract: no opening brace, and the flags follow the state without a label.
+    return Util::Concat("PrivacyEventDetail='", bundleName, "', uid=", uid, ", privacySensorType=", privacySensorType,
+        ", startTimestamp=", startTimestamp, ", realEndTimestamp=", realEndTimestamp,
+        ", showEndTimestamp=", showEndTimestamp, ", realAccessState=", realAccessState,
+        ", showAccessState=", showAccessState, eventFlags, "}");
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy

@@ -12,35 +12,34 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 
 namespace {
 
-using Util::FormatUtils;
-using Tag = Util::OstLog::Tag;
+const auto TAG = Util::FileTag("privacyIndicator");
 
-const Tag TAG = Tag::Create("privacyIndicator", Tag::DEFAULT_COMPONENT_TAG, Tag::DEFAULT_SUB_SYSTEM_TAG);
+// In their order in a parcel.
+template <typename Self>
+auto Fields(Self& record)
+{
+    return std::tie(
+        record.bundleName, record.uid, record.privacySensorType, record.privacyAccessState, record.remindFlag);
+}
 
 } // namespace
-
-template <typename Self>
-auto PrivacyEventRemindInfo::Fields(Self& self)
-{
-    return std::tie(self.bundleName, self.uid, self.privacySensorType, self.privacyAccessState, self.remindFlag);
-}
 
 bool PrivacyEventRemindInfo::Marshalling(Parcel& parcel) const
 {
     return WriteFields(parcel, Fields(*this));
 }
 
-PrivacyEventRemindInfo* PrivacyEventRemindInfo::Unmarshalling(Parcel& parcel)
+PrivacyEventRemindInfo* PrivacyEventRemindInfo::Unmarshalling(Parcel& parcel) noexcept
 {
     std::unique_ptr<PrivacyEventRemindInfo> record =
         NewRecord<PrivacyEventRemindInfo>(TAG, "new PrivacyEventRemindInfo failed.");
     return record != nullptr && ReadFields(parcel, Fields(*record)) ? record.release() : nullptr;
 }
 
-std::string PrivacyEventRemindInfo::ToString() const
+std::string PrivacyEventRemindInfo::ToString() const noexcept
 {
-    // The brace that nothing opens is meant.
-    return FormatUtils::Concat("PrivacyEventRemindInfo='", bundleName, "', uid=", uid,
+    // Contract: no opening brace.
+    return Util::Concat("PrivacyEventRemindInfo='", bundleName, "', uid=", uid,
         ", privacySensorType=", privacySensorType, ", privacyAccessState=", privacyAccessState,
         ", remindFlag=", remindFlag, "}");
 }

@@ -27,29 +27,35 @@ public:
         text << "]";
         return text.str();
     }
-
-    /** The parts one after another: text as it is, numbers and enumerations in decimal. */
-    template <typename... Parts>
-    static std::string Concat(const Parts&... parts)
-    {
-        std::string text;
-        (Append(text, parts), ...);
-        return text;
-    }
-
-private:
-    template <typename T>
-    static void Append(std::string& text, const T& part)
-    {
-        if constexpr (std::is_enum_v<T>) {
-            text += std::to_string(static_cast<int32_t>(part));
-        } else if constexpr (std::is_arithmetic_v<T>) {
-            text += std::to_string(part);
-        } else {
-            text += part;
-        }
-    }
 };
+
+/** Appends text as it is, and a number or an enumeration's value in decimal. */
+template <typename T>
+void AppendText(std::string& text, const T& part)
+{
+    if constexpr (std::is_enum_v<T>) {
+        text += std::to_string(static_cast<int32_t>(part));
+    } else if constexpr (std::is_arithmetic_v<T>) {
+        text += std::to_string(part);
+    } else {
+        text += part;
+    }
+}
+
+/** The parts one after another, each as AppendText appends it. */
+template <typename... Parts>
+std::string Concat(const Parts&... parts)
+{
+    std::string text;
+    (AppendText(text, parts), ...);
+    return text;
+}
+
+/** The text between single quotes, not escaped. */
+inline std::string Quoted(const std::string& text)
+{
+    return "'" + text + "'";
+}
 
 } // namespace OHOS::Korvane::Quenlar::Util
 

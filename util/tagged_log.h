@@ -5,16 +5,23 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string>
 
 #include "hilog/log.h"
 #include "ost_log.h"
 
 namespace OHOS::Korvane::Quenlar::Util {
 
+/** The tag of a source file of this component: every line that the file logs shows `module`. */
+inline OstLog::Tag FileTag(const std::string& module)
+{
+    return OstLog::Tag::Create(module, OstLog::Tag::DEFAULT_COMPONENT_TAG, OstLog::Tag::DEFAULT_SUB_SYSTEM_TAG);
+}
+
 /**
- * Prints "[component][module]function: message". `function` is the name that the line shows, which is not always that
- * of the function that runs. `args` belong to the message's own placeholders. Allocates nothing: a line may tell of
- * memory that has run out.
+ * Prints "[component][module]function: message". `function` is the name that the line shows, which is not always the
+ * name of the function that runs. `args` belong to the message's own placeholders. Allocates nothing, since a line may
+ * report that memory has run out.
  */
 template <size_t SIZE, typename... Args>
 void LogLine(LogLevel level, const OstLog::Tag& tag, const char* function, const char (&message)[SIZE], Args... args)

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef CALL_SERVICE_H
+#define CALL_SERVICE_H
+
+#include <cstdint>
+#include <functional>
+
+#include "client_log.h"
+#include "privacy_indicator_client.h"
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
+
+/** The result of an operation that the client itself refuses. */
+constexpr int32_t REFUSED = -1;
+
+/**
+ * Hands `operation`, an int32_t(PrivacyIndicatorServiceIntf&), to the client's gate. Returns what the operation
+ * returned, or 0 if it was not run. `function` is the function name that the log line shows if there is no service.
+ */
+template <typename Operation>
+int32_t CallService(PrivacyIndicatorClient& client, const char* function, const Operation& operation)
+{
+    int32_t result = 0;
+    const auto request = [function, &operation, &result](const sptr<PrivacyIndicatorServiceIntf>& service) {
+        if (service == nullptr) {
+            Util::LogError(CLIENT_TAG, function, "proxy is nullptr, please check.");
+            return;
+        }
+        result = operation(*service);
+    };
+    // A std::function that holds a reference allocates no memory, so a request cannot fail for want of it.
+    client.WithSystemAbilityProxy(std::cref(request));
+    return result;
+}
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator
+
+#endif // CALL_SERVICE_H
