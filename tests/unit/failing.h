@@ -9,6 +9,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test {
 
 /** What fails on this thread: writing a value as long as one of these lives, too. One at a time. */
 struct Failing {
+    static inline thread_local bool everyNew = false;        // Every `new` that may throw.
     static inline thread_local int nthNew = 0;               // The nth `new (std::nothrow)` from now.
     static inline thread_local std::optional<int32_t> write; // A parcel's WriteInt32 of this value.
 

@@ -14,7 +14,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test {
 using EventListener = Privacy::PrivacyEventListenerIntf;
 using SwitchListener = Indicator::IndicatorSwitchListenerIntf;
 
-/** An object of another process, which can die: keeps the last message, and answers as it is told. */
+/** Stands for an object of another process, which can die. Keeps the last request, and replies as it is set to. */
 class FakeRemote : public IPCObjectStub {
 public:
     bool IsProxyObject() const override
@@ -47,10 +47,10 @@ public:
         request = BytesOf(data);
         reply.SetMaxCapacity(size_t{8} << 20);
         reply.WriteBuffer(answer.data(), answer.size());
-        return behind != nullptr ? behind->SendRequest(code, data, reply, option) : 0;
+        return target != nullptr ? target->SendRequest(code, data, reply, option) : 0;
     }
 
-    sptr<IRemoteObject> behind; // Serves the requests, if there is one. Otherwise:
+    sptr<IRemoteObject> target; // Serves the requests, if there is one. Otherwise:
     Bytes answer;
     std::function<void()> whenCalled = [] {}; // At the next request only.
     bool dead = false;
@@ -62,7 +62,7 @@ public:
     Bytes request;
 };
 
-/** Writes down each call with its arguments, and answers as it is told. Any thread may call it. */
+/** Writes down each call with its arguments, and returns what it is set to. Any thread may call it. */
 class FakeService : public PrivacyIndicatorServiceIntfStub {
 public:
     int32_t RegisterPrivacyEventListener(const std::string& dataType, const sptr<EventListener>& listener) override

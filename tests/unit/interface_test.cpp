@@ -69,6 +69,17 @@ TEST(RecordTest, SettersFillWhatGettersTell)
     EXPECT_EQ(query.ToString(), QUERY.text);
 }
 
+TEST(RecordTest, ExtraInfoIsCopiedButNotSent)
+{
+    PrivacyEventDetail detail = *Read<PrivacyEventDetail>(DETAIL.bytes);
+    detail.extraInfo = "extra";
+    const PrivacyEventDetail copy = detail;
+    EXPECT_EQ(copy.extraInfo, "extra");
+    RawParcel parcel;
+    EXPECT_TRUE(copy.Marshalling(parcel));
+    EXPECT_EQ(BytesOf(parcel), DETAIL.bytes);
+}
+
 TEST(RecordTest, QueryListsAppendAndEndAt999)
 {
     RawParcel again(QUERY.bytes);
@@ -82,7 +93,7 @@ TEST(RecordTest, QueryListsAppendAndEndAt999)
     twice->SetBundleNames(Lines(1000, "ab"));
     const size_t before = parcel.GetDataSize();
     EXPECT_FALSE(twice->Marshalling(parcel));
-    EXPECT_EQ(BytesOf(parcel).substr(before), I32(1000)); // A count too many is written, and nothing behind it.
+    EXPECT_EQ(BytesOf(parcel).substr(before), I32(1000)); // A count too many is written, and nothing after it.
 }
 
 struct Request {
@@ -99,6 +110,20 @@ struct Request {
 
 class ListenerTest : public testing::Test {
 protected:
+    // What `stub` returns for a request of these bytes, and how many of them it leaves unread; `reply` is what it
+    // wrote.
+    std::pair<int, size_t> Serve(const sptr<IRemoteObject>& stub, uint32_t code, const Bytes& bytes)
+    {
+        RawParcel data(bytes);
+        MessageParcel replied;
+        replied.SetMaxCapacity(size_t{1} << 20);
+        MessageOption option;
+        const int result = stub->SendRequest(code, data, replied, option);
+        reply = BytesOf(replied);
+        return {result, data.GetReadableBytes()};
+    }
+
+    Bytes reply;
     const sptr<FakeRemote> remote = new FakeRemote(); // Between a proxy and a stub.
     Lines heard;                                      // By a stub's function, or of the records of a reply.
     LogCapture logs;
@@ -108,7 +133,7 @@ class ServiceTest : public ListenerTest {
 protected:
     ServiceTest()
     {
-        remote->behind = implementation;
+        remote->target = implementation;
         logs.Take();
     }
 
@@ -209,19 +234,28 @@ TEST_F(ServiceTest, RecordsOfAReplyAreLimited)
         SCOPED_TRACE(query.code);
         const Bytes one = Present(query.sample);
         const Bytes fewer = I32(0) + I32(77) + one; // Than it says.
-        remote->behind = implementation;
+        remote->target = implementation;
         remote->answer.clear();
         implementation->elements = LIMIT;
         ExpectResult(0, query.send, {}, Lines(LIMIT, query.sample.text));
         implementation->elements = LIMIT + 1;
-        ExpectResult(5, query.send, TOO_MANY + UNSENT);
-        implementation->elements = 1;
-        // The count, whose failure is none, and the record's flag.
-        remote->whenCalled = [] { Failing::write = 1; };
-        ExpectResult(5, query.send, Cannot("Write", "(*it)") + UNSENT);
+        const Bytes request = remote->request;
+        EXPECT_EQ(Serve(implementation, query.code, request).first, 5);
+        EXPECT_EQ(std::make_pair(reply, logs.Take()), std::make_pair(I32(0), TOO_MANY));
+        implementation->result = 7; // A failure has no records that could be too many.
+        EXPECT_EQ(Serve(implementation, query.code, request).first, 0);
+        EXPECT_EQ(std::make_pair(reply, logs.Take()), std::make_pair(I32(7), Lines()));
+        implementation->result = 0;
+        implementation->elements = 5;
+        Failing::write = 5; // The count, whose failure is none.
+        EXPECT_EQ(Serve(implementation, query.code, request).first, 0);
+        EXPECT_EQ(reply, I32(0) + Times(5, one));
+        Failing::write = 1; // The flag of a record.
+        EXPECT_EQ(Serve(implementation, query.code, request).first, 5);
+        EXPECT_EQ(std::make_pair(reply, logs.Take()), std::make_pair(I32(0) + I32(5), Cannot("Write", "(*it)")));
         Failing::write.reset();
 
-        remote->behind = nullptr;
+        remote->target = nullptr;
         remote->answer = I32(0) + I32(LIMIT + 1) + one;
         ExpectResult(5, query.send, TOO_MANY);
         for (const Bytes& next : {Bytes(), one.substr(0, 8), I32(0) + query.sample.bytes}) {
@@ -260,19 +294,23 @@ TEST_F(ServiceTest, ProxySendsNothingThatIsNullOrDoesNotFit)
             ExpectResult(5, send, isNull ? Labelled(name + " is nullptr!") : Cannot("Write", name));
         }
     }
-    struct Unwritable : IndicatorSize {
+    struct UnwritableSize : IndicatorSize {
         bool Marshalling(Parcel& /*parcel*/) const override
         {
             return false;
         }
     };
+    PrivacyIndicatorServiceIntfProxy unconnected(nullptr);
+    EXPECT_EQ(unconnected.RegisterPrivacyEventListener("", nullptr), 5);
+    EXPECT_EQ(logs.Take(), Labelled("privacyEventListener is nullptr!"));
     Failing::nthNew = 1;
     EXPECT_EQ(iface_cast<Service>(remote), nullptr);
-    const Failing failing(9); // The first failure alone is told, and ends the call.
+    const Failing failing(9); // The first failure alone is logged, and ends the call.
     const std::pair<Send, std::string> failures[] = {
         {[](auto& s) { return s.RegisterPrivacyEventListener(std::string(300000, 'x'), nullptr); }, "dataType"},
         {[](auto& s) { return s.TurnOffIndicator(9, 9); }, "privacySensorType"},
-        {[this](auto& s) { return s.TurnOnIndicator(0, somewhere, Unwritable(), 9); }, "indicatorSize"}};
+        {[this](auto& s) { return s.TurnOnIndicator(9, somewhere, UnwritableSize(), 9); }, "privacySensorType"},
+        {[this](auto& s) { return s.TurnOnIndicator(0, somewhere, UnwritableSize(), 9); }, "indicatorSize"}};
     for (const auto& [send, name] : failures) {
         ExpectResult(5, send, Cannot("Write", name));
     }
@@ -295,7 +333,31 @@ TEST_F(ServiceTest, StubRefusesWhatItCannotRead)
         remote->whenCalled = [nth = nth] { Failing::nthNew = nth; };
         ExpectResult(5, requests[code - 1].send, lines + UNSENT);
     }
+    const Bytes token = Token(DESCRIPTOR);
+    const Bytes size = Present(SIZE) + I32(33);
+    EXPECT_EQ(Serve(implementation, 6, token + I32(31) + I32(0) + size), std::make_pair(5, size.size()));
+    EXPECT_EQ(std::make_pair(reply, logs.Take()), std::make_pair(Bytes(), unread("IndicatorPosition")));
+    for (const uint32_t code : {0U, 12U}) {
+        EXPECT_EQ(Serve(implementation, code, token).first, 305);
+    }
     EXPECT_EQ(implementation->Take(), Lines());
+}
+
+TEST_F(ListenerTest, AnotherTokenIsRefusedBeforeTheCodeIsLookedAt)
+{
+    const sptr<IRemoteObject> eventStub = new Privacy::PrivacyEventListenerStubImpl({});
+    const sptr<IRemoteObject> switchStub = new Indicator::IndicatorSwitchListenerStubImpl({});
+    logs.Take();
+    for (const uint32_t code : {0U, 1U, 77U}) {
+        for (const Bytes& token : {Token(DESCRIPTOR + u"."), Token(u""), Bytes()}) {
+            EXPECT_EQ(Serve(new FakeService(), code, token).first, 1);
+            EXPECT_EQ(Serve(eventStub, code, token).first, 1);
+            EXPECT_EQ(logs.Take(), Lines());
+            EXPECT_EQ(Serve(switchStub, code, token).first, 10);
+            EXPECT_EQ(logs.Take(), (Lines{Line('I', "OnRemoteRequest: OnRemoteRequest called in stub."),
+                                       Line('E', "OnRemoteRequest: verify descriptor failed")}));
+        }
+    }
 }
 
 TEST_F(ListenerTest, SwitchChangesAreSentOneWay)
@@ -313,7 +375,7 @@ TEST_F(ListenerTest, SwitchChangesAreSentOneWay)
     const auto data = Read<IndicatorData>(DATA.bytes);
 
     auto proxy = iface_cast<SwitchListener>(remote);
-    remote->behind =
+    remote->target =
         new Indicator::IndicatorSwitchListenerStubImpl([this](const auto& got) { heard.push_back(got.ToString()); });
     EXPECT_EQ(logs.Take(), (Lines{Line('I', proxyName + ": create " + proxyName, "service"),
                                Line('I', stubName + ": create " + stubName)}));
@@ -333,12 +395,10 @@ TEST_F(ListenerTest, SwitchChangesAreSentOneWay)
         proxy->OnSwitchChanged(*data);
         EXPECT_EQ(logs.Take(), begin + proxyLine(message, 'E'));
     }
-    iface_cast<EventListener>(remote)->OnPrivacyEventChanged("", {});
-    EXPECT_EQ(logs.Take().at(1), Line('E', "OnRemoteRequest: verify descriptor failed"));
-    EXPECT_EQ(remote->calls, 3);
+    EXPECT_EQ(remote->calls, 2);
     EXPECT_EQ(heard, Lines{DATA.text});
 
-    remote->behind = nullptr;
+    remote->target = nullptr;
     proxy = nullptr;
     EXPECT_EQ(logs.Take(), (Lines{Line('I', "~" + stubName + ": destroy " + stubName),
                                Line('I', "~" + proxyName + ": destroy " + proxyName, "service")}));
@@ -350,7 +410,7 @@ TEST_F(ListenerTest, SwitchChangesAreSentOneWay)
 
 TEST_F(ListenerTest, EventsAreSentAndWaitedFor)
 {
-    remote->behind = new Privacy::PrivacyEventListenerStubImpl([this](const std::string& dataType, const auto& infos) {
+    remote->target = new Privacy::PrivacyEventListenerStubImpl([this](const std::string& dataType, const auto& infos) {
         heard = {dataType, infos.empty() ? "" : infos.front().ToString(), std::to_string(infos.size())};
     });
     const auto proxy = iface_cast<EventListener>(remote);
@@ -362,11 +422,14 @@ TEST_F(ListenerTest, EventsAreSentAndWaitedFor)
     EXPECT_EQ(remote->header, (std::vector<int64_t>{0, 0, 8}));
     EXPECT_EQ(remote->request, head + I32(2) + Times(2, Present(REMIND_INFO)));
     EXPECT_EQ(heard, (Lines{"audio", REMIND_INFO.text, "2"}));
+    const Lines noMemory = {
+        Line('E', "Unmarshalling: new PrivacyEventRemindInfo failed.", "privacyIndicator"), skipped};
     Failing::nthNew = 2;
     proxy->OnPrivacyEventChanged("audio", infos);
-    EXPECT_EQ(heard, (Lines{"audio", REMIND_INFO.text, "1"}));
-    EXPECT_EQ(logs.Take(),
-        (Lines{Line('E', "Unmarshalling: new PrivacyEventRemindInfo failed.", "privacyIndicator"), skipped}));
+    EXPECT_EQ(std::make_pair(heard, logs.Take()), std::make_pair(Lines{"audio", REMIND_INFO.text, "1"}, noMemory));
+    Failing::nthNew = 1; // An event whose only record cannot be read is one all the same.
+    proxy->OnPrivacyEventChanged("audio", {infos[0]});
+    EXPECT_EQ(std::make_pair(heard, logs.Take()), std::make_pair(Lines{"audio", "", "0"}, noMemory));
     // As many as fit are sent, and received.
     proxy->OnPrivacyEventChanged("audio", {102400, infos[0]});
     const auto sent = static_cast<size_t>(std::stoi(heard.at(2)));
@@ -380,7 +443,7 @@ TEST_F(ListenerTest, EventsAreSentAndWaitedFor)
     Failing::write = 2; // The count: what can be written is sent all the same.
     proxy->OnPrivacyEventChanged("audio", infos);
     EXPECT_EQ(remote->request, head + Times(2, Present(REMIND_INFO)));
-    EXPECT_EQ(remote->calls, 6);
+    EXPECT_EQ(remote->calls, 7);
     logs.Take();
     proxy->OnPrivacyEventChanged(std::string(300000, 'x'), infos);
     unconnected.OnPrivacyEventChanged("audio", infos);
@@ -389,7 +452,7 @@ TEST_F(ListenerTest, EventsAreSentAndWaitedFor)
     EXPECT_EQ(logs.Take(), (Lines{Line('E', "OnPrivacyEventChanged: Write data type failed!"),
                                Line('E', "OnPrivacyEventChanged: Remote is nullptr!"),
                                Line('E', "OnPrivacyEventChanged: Write interface token failed!")}));
-    EXPECT_EQ(remote->calls, 6);
+    EXPECT_EQ(remote->calls, 7);
 }
 
 } // namespace

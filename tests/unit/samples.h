@@ -60,7 +60,7 @@ std::unique_ptr<T> Read(const Bytes& bytes)
     return std::unique_ptr<T>(T::Unmarshalling(parcel));
 }
 
-/** A record as a parcelable: behind its presence flag. */
+/** A record as a parcelable, after its presence flag. */
 inline Bytes Present(const Sample& sample)
 {
     return I32(1) + sample.bytes;

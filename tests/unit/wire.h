@@ -70,7 +70,7 @@ inline Bytes BytesOf(const Parcel& parcel)
     return {reinterpret_cast<const char*>(parcel.GetData()), parcel.GetDataSize()}; // NOLINT(performance-no-int-to-ptr)
 }
 
-/** A parcel that holds `bytes` as if they came from outside: any number of them, without padding behind. */
+/** A parcel that holds `bytes` as if they came from outside: any number of them, without padding at the end. */
 class RawParcel : public MessageParcel {
 public:
     explicit RawParcel(const Bytes& bytes = "")

@@ -3,10 +3,11 @@
 #include <cstdlib>
 #include <future>
 #include <thread>
-#include <unistd.h>
 
 #include "fake_service.h"
 #include "indicator_switch_listener.h"
+#include "ipc_skeleton.h"
+#include "iservice_registry.h"
 #include "notify_power_event.h"
 #include "privacy_event_listener.h"
 #include "privacy_indicator_client.h"
@@ -19,19 +20,19 @@ namespace {
 
 sptr<FakeService> g_service;    // Where a variant's gate has its own; null if it finds none.
 std::function<void()> g_atGate; // Runs before each operation.
-std::atomic<uid_t> g_user = 0;  // Whom this process runs for.
+std::atomic<uid_t> g_user = 0;  // Whose request is being served.
 
 } // namespace
 
 void PrivacyIndicatorClient::WithSystemAbilityProxy(
-    const std::function<void(const sptr<PrivacyIndicatorServiceIntf>&)>& func)
+    const std::function<void(const sptr<PrivacyIndicatorServiceIntf>&)>& func) noexcept
 {
     g_atGate();
     func(g_service);
 }
 
 // A program's own definition comes before that of its libraries.
-uid_t getuid() noexcept
+uid_t IPCSkeleton::GetCallingUid()
 {
     return g_user;
 }
@@ -45,7 +46,7 @@ const std::string START_DISPATCH =
 const Lines NOTHING;
 
 // A listener of both kinds.
-class Ear : public Indicator::IndicatorSwitchListener, public Privacy::PrivacyEventListener {
+class Listener : public Indicator::IndicatorSwitchListener, public Privacy::PrivacyEventListener {
 public:
     void OnSwitchChanged(const IndicatorData& indicatorData) override
     {
@@ -54,7 +55,7 @@ public:
 
     void OnPrivacyEventChanged(const std::string& dataType, const std::vector<PrivacyEventRemindInfo>& infos) override
     {
-        hear(dataType + " " + infos.at(0).ToString());
+        hear(dataType + " " + std::to_string(infos.size()) + " " + infos.at(0).ToString());
     }
 
     std::function<void(const std::string&)> hear;
@@ -102,12 +103,12 @@ protected:
     PrivacyIndicatorClient& client = PrivacyIndicatorClient::GetInstance();
     const sptr<PrivacyIndicatorClient::PrivacyIndicatorServiceListener> notices =
         new PrivacyIndicatorClient::PrivacyIndicatorServiceListener();
-    const std::shared_ptr<Ear> first = std::make_shared<Ear>();
-    const std::shared_ptr<Ear> second = std::make_shared<Ear>();
+    const std::shared_ptr<Listener> first = std::make_shared<Listener>();
+    const std::shared_ptr<Listener> second = std::make_shared<Listener>();
     Lines heard[2];
     const IndicatorData data = *Read<IndicatorData>(DATA.bytes);
     const PrivacyEventRemindInfo info = *Read<PrivacyEventRemindInfo>(REMIND_INFO.bytes);
-    const std::string event = " " + REMIND_INFO.text;
+    const std::string event = " 1 " + REMIND_INFO.text;
     LogCapture log;
 };
 
@@ -210,7 +211,7 @@ TEST_F(ClientTest, SwitchListenersShareOneRegistration)
         // A code of the service's keeps no listener out.
         Expect(client.RegisterPrivacyIndicatorSwitchListener(second), -9, {"RegisterSwitch"}, {START_SWITCH});
         EXPECT_EQ(service->listenerObject, stub);
-        second->hear = [this](const auto& text) { // It may touch the event listeners.
+        second->hear = [this](const auto& text) { // It may register event listeners; see OthersWait.
             EXPECT_EQ(text, DATA.text);
             EXPECT_EQ(client.RegisterPrivacyEventListener("A", second), -9);
         };
@@ -252,7 +253,7 @@ TEST_F(ClientTest, EventListenersShareOneRegistrationPerType)
         EXPECT_EQ(service->listenerObject, stubB);
         EXPECT_EQ(Event("B"), Lines{"2 B" + event});
 
-        // Who is not registered is looked for under the empty type.
+        // One that is not registered counts as one of the empty type.
         log.Take();
         Expect(client.RegisterPrivacyEventListener("", second), 22, {"RegisterEvent "});
         const sptr<IRemoteObject> unnamed = service->listenerObject;
@@ -265,33 +266,66 @@ TEST_F(ClientTest, TheServicesEndTurnsEverySensorOff)
 {
     InNewProcess([this] {
         client.RegisterPrivacyIndicatorSwitchListener(first);
+        client.RegisterPrivacyEventListener("sensorStateChange", first);
         client.RegisterPrivacyEventListener("sensorStateChange", second);
+        client.RegisterPrivacyEventListener("another", second);
+        Lines before[2]; // What is logged before each call of an event listener, and the call.
+        const auto hearEvent = [this](Lines& lines) {
+            return [this, &lines](const std::string& text) { lines = log.Take() + Lines{text}; };
+        };
+        first->hear = [this, &before, hearEvent](const std::string& text) {
+            text[0] == 'I' ? heard[0].push_back(text) : hearEvent(before[0])(text);
+        };
+        second->hear = hearEvent(before[1]);
         log.Take();
         notices->OnAddSystemAbility(66091, ""); // Another one's.
         notices->OnRemoveSystemAbility(-1, "");
         notices->OnRemoveSystemAbility(66090, "");
         Lines switches;
-        Lines events;
+        Lines called = {Line('I', "DispatchOnPrivacyEventChanged: start DispatchOnPrivacyEventChanged in client.")};
         for (const std::string sensor : {"0", "1", "2"}) {
-            switches.push_back("1 Indicator{privacySensorType=" + sensor +
+            switches.push_back("Indicator{privacySensorType=" + sensor +
                                ", state=1, positionX=0.000000, positionY=0.000000, width=0.000000, height=0.000000, "
                                "color='#000000', animationType=0}");
-            events.push_back(Line(
+            called.push_back(Line(
                 'D', "DispatchOnPrivacyEventChanged: 'PrivacyEventRemindInfo='', uid=-1, privacySensorType=" + sensor +
                          ", privacyAccessState=2, remindFlag=0}'"));
         }
-        EXPECT_EQ(heard[0], switches);
+        called.push_back("sensorStateChange 3 PrivacyEventRemindInfo='', uid=-1, privacySensorType=0, "
+                         "privacyAccessState=2, remindFlag=0}");
         const Lines begin = {Line('I', "OnAddSystemAbility: OnAddSystemAbility: saId=66091"),
             Line('I', "OnRemoveSystemAbility: OnRemoveSystemAbility: saId=-1"),
             Line('I', "OnRemoveSystemAbility: OnRemoveSystemAbility: saId=66090"), START_DISPATCH, START_DISPATCH,
-            START_DISPATCH, Line('I', "DispatchOnPrivacyEventChanged: start DispatchOnPrivacyEventChanged in client.")};
-        EXPECT_EQ(log.Take(), begin + events);
+            START_DISPATCH};
+        EXPECT_EQ(heard[0], switches);
+        EXPECT_EQ(before[first < second ? 0 : 1], begin + called); // In the order of their addresses.
+        EXPECT_EQ(before[first < second ? 1 : 0], called);
+        EXPECT_EQ(log.Take(), NOTHING);
     });
+}
+
+TEST_F(ClientTest, UnregisteringWaitsForTheCallUnderWay)
+{
+    client.RegisterPrivacyIndicatorSwitchListener(first);
+    client.RegisterPrivacyEventListener("A", second);
+    std::future<int32_t> other;
+    const auto unregister = [&](const std::function<int32_t()>& step) {
+        return [&other, step](const std::string& /* text */) {
+            other = std::async(std::launch::async, step);
+            EXPECT_EQ(other.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+        };
+    };
+    first->hear = unregister([this] { return client.UnregisterPrivacyIndicatorSwitchListener(first); });
+    client.DispatchOnIndicatorSwitchChanged(data);
+    EXPECT_EQ(other.get(), 0);
+    second->hear = unregister([this] { return client.UnregisterPrivacyEventListener(second); });
+    client.DispatchOnPrivacyEventChanged("A", {info});
+    EXPECT_EQ(other.get(), 0);
 }
 
 TEST_F(ClientTest, TheReportersPowerEventIsReportedAgainBeforeTheStubs)
 {
-    // At the service's coming: whose event is known, which one is reported again, and what the service is asked.
+    // When the service comes: whose event is remembered, which one is sent again, and the calls of the service.
     const auto expectComing = [this](const std::string& user, const Lines& again, const Lines& calls) {
         service->Take();
         log.Take();
@@ -323,7 +357,7 @@ TEST_F(ClientTest, TheReportersPowerEventIsReportedAgainBeforeTheStubs)
                 Line('E', "NotifyPowerEvent: error event: 2")});
         EXPECT_EQ(client.NotifyPowerEvent(-1), -1);
         client.NotifyPowerEvent(0); // A report to the service alone is not remembered.
-        g_user = 3037;              // Whoever this process is now, the report was the reporter's.
+        g_user = 3037;              // Another caller now: the event is still the reporter's.
         expectComing("3036", again("1"), Lines{"Power 1"} + stubs);
         service->result = -9;                                       // Keeps none of the next ones back.
         expectComing("3036", again("1"), Lines{"Power 1"} + stubs); // Nor is the replay itself.
@@ -335,15 +369,37 @@ TEST_F(ClientTest, TheReportersPowerEventIsReportedAgainBeforeTheStubs)
     });
 }
 
+TEST_F(ClientTest, ASubscriptionThatFailsIsLogged)
+{
+    const auto manager = SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
+    const std::string code = std::to_string(manager->SubscribeSystemAbility(66090, nullptr));
+    Failing::nthNew = 1; // The listener.
+    client.SubscribePrivacyIndicatorAbility();
+    EXPECT_EQ(log.Take(), (Lines{Line('D', "SubscribePrivacyIndicatorAbility: SubscribePrivacyIndicatorAbility"),
+                              Failure("SubscribePrivacyIndicatorAbility",
+                                  "SubscribeSystemAbility for sa: 66090 failed!, ret: " + code)}));
+}
+
 TEST(SubscriptionTest, NeedsAManager)
 {
     InNewProcess([] {
-        setenv("OHOS_BUS_ADDRESS", "unix:path=/nonexistent", 1);
+        setenv("OHOS_BUS_ADDRESS", "malformed", 1);
         LogCapture log;
         PrivacyIndicatorClient::GetInstance().InitializeProxy();
         EXPECT_EQ(log.Take(), (Lines{Line('D', "SubscribePrivacyIndicatorAbility: SubscribePrivacyIndicatorAbility"),
-                                  Line('E', "SubscribePrivacyIndicatorAbility: saMgrProxy is null!"),
-                                  Line('E', "InitializeProxy: SAM is nullptr, please check.")}));
+                                  Failure("SubscribePrivacyIndicatorAbility", "saMgrProxy is null!"),
+                                  Failure("InitializeProxy", "SAM is nullptr, please check.")}));
+    });
+}
+
+TEST_F(ClientTest, ARequestNeedsNoMemoryOfItsOwn)
+{
+    InNewProcess([this] {
+        std::vector<IndicatorData> indicators;
+        g_atGate = [] { Failing::everyNew = false; };
+        Failing::everyNew = true;
+        EXPECT_EQ(client.GetActiveIndicators(indicators), 0);
+        EXPECT_EQ(service->Take(), Lines{"Active"});
     });
 }
 
@@ -366,7 +422,7 @@ TEST_F(ClientTest, NoticesRaceWithRegistration)
             notices->OnRemoveSystemAbility(66090, "");
             notices->OnAddSystemAbility(66090, "");
         });
-        repeat([this, comer = std::make_shared<Ear>()] {
+        repeat([this, comer = std::make_shared<Listener>()] {
             const auto mayHear = std::make_shared<std::atomic<bool>>(true);
             comer->hear = [mayHear](const auto& what) {
                 std::this_thread::yield(); // To the one that takes it out, if that does not wait.

@@ -23,6 +23,7 @@ const Lines DEAD_PROXY = Initialize('I', "iRemoteObject is dead, let's initializ
 const Lines NO_SERVICE = Initialize('E', "SA=66090 is nullptr, please check.");
 const Lines DROPPED = {Line('I', "ResetProxy: remove deathRecipient and set proxy to nullptr done.")};
 const Lines NOTHING_TO_DROP = {Line('W', "ResetProxy: proxy is nullptr, ignore.")};
+const Lines CALL = {Line('I', "TurnOffIndicator: TurnOffIndicator")};
 
 // Leaves a client without proxy and without death recipient.
 class VariantTest : public testing::Test {
@@ -45,7 +46,7 @@ protected:
         return object;
     }
 
-    // What the steps log of the proxy and the gate.
+    // What the steps log, but for the lines about the service's coming, which another thread logs.
     Lines Logged(const std::vector<std::function<void()>>& steps)
     {
         log.Take();
@@ -53,7 +54,9 @@ protected:
             step();
         }
         Lines lines = log.Take();
-        const auto isOther = [](const auto& line) { return line.find("Proxy: ") == std::string::npos; };
+        const auto isOther = [](const std::string& line) {
+            return line.find("Proxy: ") == std::string::npos && line.find("Indicator: ") == std::string::npos;
+        };
         lines.erase(std::remove_if(lines.begin(), lines.end(), isOther), lines.end());
         return lines;
     }
@@ -120,7 +123,7 @@ TEST_F(EmulatorTest, RequestsReturnSuccessAndTouchNothing)
 {
     const auto service = ProvideNew();
     expected = 0;
-    EXPECT_EQ(Logged({call}), Lines{Line('I', "WithSystemAbilityProxy: emulator is not support")});
+    EXPECT_EQ(Logged({call}), CALL + Lines{Line('I', "WithSystemAbilityProxy: emulator is not support")});
     EXPECT_EQ(service->calls, 0);
     EXPECT_EQ(Logged({reset}), NOTHING_TO_DROP);
 }
@@ -135,14 +138,20 @@ TEST_F(DeviceTest, ACallUnderWayHoldsUpNobody)
             // Drops the proxy, which the call still uses.
             EXPECT_EQ(Logged({[&] { former->recipient->OnRemoteDied(nullptr); }}), DROPPED);
             later = ProvideNew();
-            EXPECT_EQ(Logged({call}), NEW_RECIPIENT + SUCCESS);
+            EXPECT_EQ(Logged({call}), CALL + NEW_RECIPIENT + SUCCESS);
         });
         EXPECT_EQ(other.wait_for(std::chrono::seconds(30)), std::future_status::ready);
     };
     call();
     other.wait();
     EXPECT_EQ(std::make_pair(former->calls, later->calls), std::make_pair(1, 1));
-    EXPECT_EQ(Logged({call}), KNOWN);
+    EXPECT_EQ(Logged({call}), CALL + KNOWN);
+}
+
+TEST_F(DeviceTest, WithoutAServiceACallIsRunAndReturnsSuccess)
+{
+    expected = 0;
+    EXPECT_EQ(Logged({call}), CALL + NO_SERVICE + Lines{Line('E', "TurnOnIndicator: proxy is nullptr, please check.")});
 }
 
 TEST_F(DeviceTest, AListenerThatGoesAtExitMayCallTheClient)
