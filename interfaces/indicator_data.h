@@ -20,14 +20,14 @@ public:
     IndicatorData(const IndicatorData&) = default;
     IndicatorData& operator=(const IndicatorData&) = default;
 
-    PrivacySensorType privacySensorType = PrivacySensorType::LOCATION;
-    IndicatorState state = IndicatorState::OFF;
-    float positionX = 0;
-    float positionY = 0;
-    float width = 0;
-    float height = 0;
-    std::string color; // Any text; the client itself writes "#000000".
-    int32_t animationType = 0;
+    PrivacySensorType privacySensorType = PrivacySensorType::LOCATION; ///< The sensor that the indicator stands for.
+    IndicatorState state = IndicatorState::OFF;                        ///< Whether it is shown.
+    float positionX = 0;                                               ///< Horizontal, in the service's own unit.
+    float positionY = 0;                                               ///< Vertical, in the service's own unit.
+    float width = 0;                                                   ///< In the service's own unit.
+    float height = 0;                                                  ///< In the service's own unit.
+    std::string color;         ///< Any text; the client itself writes "#000000".
+    int32_t animationType = 0; ///< The service's own number.
 
     /** Appends the fields in declaration order. False if one does not fit: the fields before it stay in the parcel. */
     bool Marshalling(Parcel& parcel) const override;

@@ -18,11 +18,11 @@ public:
     IndicatorPosition(const IndicatorPosition&) = default;
     IndicatorPosition& operator=(const IndicatorPosition&) = default;
 
-    float positionX = 0;
-    float positionY = 0;
-    int32_t screenWidth = 0;
-    int32_t screenHeight = 0;
-    int32_t screenRotation = 0;
+    float positionX = 0;        ///< Horizontal, in the service's own unit.
+    float positionY = 0;        ///< Vertical, in the service's own unit.
+    int32_t screenWidth = 0;    ///< Of the screen that the position refers to.
+    int32_t screenHeight = 0;   ///< Of that screen.
+    int32_t screenRotation = 0; ///< Of that screen: the service's own number.
 
     /** Appends the fields in declaration order. False if one does not fit: the fields before it stay in the parcel. */
     bool Marshalling(Parcel& parcel) const override;

@@ -17,8 +17,8 @@ public:
     IndicatorSize(const IndicatorSize&) = default;
     IndicatorSize& operator=(const IndicatorSize&) = default;
 
-    float width = 0;
-    float height = 0;
+    float width = 0;  ///< In the service's own unit.
+    float height = 0; ///< In the service's own unit.
 
     /** Appends the fields in declaration order. False if one does not fit: the fields before it stay in the parcel. */
     bool Marshalling(Parcel& parcel) const override;

@@ -16,6 +16,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
  */
 class PRIVACY_INDICATOR_EXPORT IndicatorSwitchListenerIntf : public IRemoteBroker {
 public:
+    /** The code of the interface's only request. */
     enum RequestCode : uint32_t { ON_SWITCH_CHANGED = 0 };
 
     DECLARE_INTERFACE_DESCRIPTOR(u"ohos.korvane.quenlar.IndicatorSwitchListenerIntf");

@@ -12,6 +12,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 /** A switch listener that calls a function. It lives as long as this process or the service holds it. */
 class PRIVACY_INDICATOR_EXPORT IndicatorSwitchListenerStubImpl : public IndicatorSwitchListenerStub {
 public:
+    /** The function, which may be called on several threads at once. */
     using Callback = std::function<void(const IndicatorData&)>;
 
     /** If `onSwitchChanged` is empty, every event is dropped. */

@@ -21,16 +21,16 @@ public:
     PrivacyEventDetail(const PrivacyEventDetail&) = default;
     PrivacyEventDetail& operator=(const PrivacyEventDetail&) = default;
 
-    std::string bundleName; // Of the application.
-    int32_t uid = -1;       // Of the application.
-    int32_t privacySensorType = 0;
-    int64_t startTimestamp = 0;
-    int64_t realEndTimestamp = 0;
-    int64_t showEndTimestamp = 0; // The end that the user is shown.
-    int32_t realAccessState = 0;
-    int32_t showAccessState = 0; // The state that the user is shown.
-    uint32_t eventFlags = 0;
-    std::string extraInfo; // Stays in the process: neither carried by a parcel nor printed.
+    std::string bundleName;        ///< The application.
+    int32_t uid = -1;              ///< The user that the application runs as.
+    int32_t privacySensorType = 0; ///< The number of a PrivacySensorType.
+    int64_t startTimestamp = 0;    ///< When the use began.
+    int64_t realEndTimestamp = 0;  ///< When it ended.
+    int64_t showEndTimestamp = 0;  ///< When it ended for the user's eyes.
+    int32_t realAccessState = 0;   ///< How the use stands.
+    int32_t showAccessState = 0;   ///< How the use stands for the user's eyes.
+    uint32_t eventFlags = 0;       ///< The service's own.
+    std::string extraInfo;         ///< Stays in the process: it is neither written to a parcel nor printed.
 
     /** Appends the fields in declaration order. False if one does not fit: the fields before it stay in the parcel. */
     bool Marshalling(Parcel& parcel) const override;

@@ -18,6 +18,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
  */
 class PRIVACY_INDICATOR_EXPORT PrivacyEventListenerIntf : public IRemoteBroker {
 public:
+    /** The code of the interface's only request. */
     enum RequestCode : uint32_t { ON_PRIVACY_EVENT_CHANGED = 0 };
 
     DECLARE_INTERFACE_DESCRIPTOR(u"ohos.korvane.quenlar.PrivacyIndicator.Privacy.IPrivacyEventListener");
@@ -27,7 +28,7 @@ public:
         const std::string& dataType, const std::vector<PrivacyEventRemindInfo>& privacyEventRemindInfos) = 0;
 
 protected:
-    const int32_t maxRemindInfoSize = 102400; // The most records that a stub accepts in one request.
+    const int32_t maxRemindInfoSize = 102400; ///< The most records that a stub accepts in one request.
 };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy

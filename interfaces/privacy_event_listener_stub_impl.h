@@ -14,6 +14,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 /** A privacy event listener that calls a function. It lives as long as this process or the service holds it. */
 class PRIVACY_INDICATOR_EXPORT PrivacyEventListenerStubImpl : public PrivacyEventListenerStub {
 public:
+    /** The function, which may be called on several threads at once. */
     using Callback = std::function<void(const std::string&, const std::vector<PrivacyEventRemindInfo>&)>;
 
     /** If `onPrivacyEventChanged` is empty, every event is dropped. */

@@ -21,11 +21,11 @@ public:
     PrivacyEventRemindInfo(const PrivacyEventRemindInfo&) = default;
     PrivacyEventRemindInfo& operator=(const PrivacyEventRemindInfo&) = default;
 
-    std::string bundleName; // Of the application.
-    int32_t uid = -1;       // Of the application.
-    int32_t privacySensorType = 0;
-    int32_t privacyAccessState = 0;
-    uint32_t remindFlag = 0;
+    std::string bundleName;         ///< The application; empty for all.
+    int32_t uid = -1;               ///< The user that the application runs as; -1 for all.
+    int32_t privacySensorType = 0;  ///< The number of a PrivacySensorType.
+    int32_t privacyAccessState = 0; ///< How the use stands, such as ACCESS_STATE_OFF.
+    uint32_t remindFlag = 0;        ///< The service's own.
 
     /** Appends the fields in declaration order. False if one does not fit: the fields before it stay in the parcel. */
     bool Marshalling(Parcel& parcel) const override;

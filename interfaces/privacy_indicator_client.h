@@ -60,6 +60,7 @@ public:
     /** Drops the proxy when the service's process has died. */
     class PRIVACY_INDICATOR_EXPORT DeathRecipient : public IRemoteObject::DeathRecipient {
     public:
+        /** Whichever object `remote` is, the proxy is dropped. */
         void OnRemoteDied(const wptr<IRemoteObject>& remote) noexcept override;
     };
 

@@ -33,6 +33,7 @@ inline constexpr int32_t PRIVACY_INDICATOR_SA_ID = 66090;
  */
 class PRIVACY_INDICATOR_EXPORT PrivacyIndicatorServiceIntf : public IRemoteBroker {
 public:
+    /** The requests, in the order of the operations below. */
     enum RequestCode : uint32_t {
         REGISTER_PRIVACY_EVENT_LISTENER = 1,
         UNREGISTER_PRIVACY_EVENT_LISTENER = 2,
@@ -47,11 +48,12 @@ public:
         NOTIFY_POWER_EVENT = 11,
     };
 
+    /** The results that the library itself makes. */
     enum ErrorCode : int32_t {
         SUCCESS = 0,
-        TOKEN_MISMATCH = 1, // The request is for another interface.
-        INVALID_DATA = 5,   // An argument or a record cannot be written or read, or there is no remote object.
-        INVALID_VALUE = 22, // The interface token or the result cannot be written.
+        TOKEN_MISMATCH = 1, ///< The request is for another interface.
+        INVALID_DATA = 5,   ///< An argument or a record cannot be written or read, or there is no remote object.
+        INVALID_VALUE = 22, ///< The interface token or the result cannot be written.
     };
 
     DECLARE_INTERFACE_DESCRIPTOR(u"OHOS.Korvane.Quenlar.PrivacyIndicator.PrivacyIndicatorServiceIntf");

@@ -26,7 +26,7 @@ public:
     explicit PrivacyIndicatorServiceIntfProxy(const sptr<IRemoteObject>& remote);
     ~PrivacyIndicatorServiceIntfProxy() override = default;
 
-    // A null listener is INVALID_DATA, here and in the other three.
+    /** @{ As in the interface. A listener that is null gives INVALID_DATA. */
     int32_t RegisterPrivacyEventListener(const std::string& dataType,
         const sptr<Privacy::PrivacyEventListenerIntf>& privacyEventListener) noexcept override;
     int32_t UnregisterPrivacyEventListener(
@@ -46,6 +46,7 @@ public:
     int32_t GetPermissionUsageDurationSummary(const Record::PermissionUsageDurationQuery& permissionUsageDurationQuery,
         std::vector<Record::PermissionUsageDuration>& permissionUsageDurations) noexcept override;
     int32_t NotifyPowerEvent(int32_t event) noexcept override;
+    /** @} */
 
 private:
     static BrokerDelegator<PrivacyIndicatorServiceIntfProxy> delegator_;
