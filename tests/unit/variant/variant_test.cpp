@@ -157,17 +157,25 @@ TEST_F(DeviceTest, WithoutAServiceACallIsRunAndReturnsSuccess)
 TEST_F(DeviceTest, AListenerThatGoesAtExitMayCallTheClient)
 {
     struct Listener : Indicator::IndicatorSwitchListener {
+        explicit Listener(std::function<void()> atEnd) : end(std::move(atEnd)) {}
+
         ~Listener() override
         {
-            PrivacyIndicatorClient::GetInstance().TurnOffIndicator(PrivacySensorType::LOCATION, 100);
+            end();
         }
 
         void OnSwitchChanged(const IndicatorData& /* data */) override {}
+
+        const std::function<void()> end;
     };
-    ProvideNew();
-    const auto registerAndExit = [this] {
-        client.RegisterPrivacyIndicatorSwitchListener(std::make_shared<Listener>());
-        std::exit(0);
+    const auto other = std::make_shared<Listener>([] {});
+    const auto registerAndExit = [&] {
+        client.RegisterPrivacyIndicatorSwitchListener(std::make_shared<Listener>([&] {
+            log.Take();
+            client.UnregisterPrivacyIndicatorSwitchListener(other); // The registry is whole, and empty already.
+            _exit(log.Take().empty() ? 1 : 0);
+        }));
+        std::exit(2);
     };
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(registerAndExit(), testing::ExitedWithCode(0), "");
