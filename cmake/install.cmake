@@ -7,7 +7,8 @@ set(package_dir lib/cmake/${package})
 set(version_file ${CMAKE_CURRENT_BINARY_DIR}/${package}ConfigVersion.cmake)
 
 install(TARGETS qnl_privacy_indicator_service_intf EXPORT ${package} LIBRARY DESTINATION lib)
-install(TARGETS qnl_privacy_indicator_service_intf_device LIBRARY DESTINATION lib/${package}/device)
+install(TARGETS qnl_privacy_indicator_service_intf_device EXPORT ${package}
+    LIBRARY DESTINATION lib/${package}/device)
 install(DIRECTORY interfaces/ DESTINATION include/${package} FILES_MATCHING PATTERN *.h)
 install(EXPORT ${package} NAMESPACE qnl:: DESTINATION ${package_dir} FILE ${package}Targets.cmake)
 write_basic_package_version_file(${version_file} COMPATIBILITY SameMajorVersion)

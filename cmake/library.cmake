@@ -32,7 +32,10 @@ qnl_configure(qnl_ungated)
 function(qnl_add_variant target variant to_platform)
     add_library(${target} SHARED client/gate_${variant}.cpp $<TARGET_OBJECTS:qnl_ungated>)
     qnl_configure(${target})
+    string(REGEX REPLACE "^qnl_" "" name ${target})
+    add_library(qnl::${name} ALIAS ${target})
     set_target_properties(${target} PROPERTIES
+        EXPORT_NAME ${name}
         OUTPUT_NAME ${library}
         LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib/${variant})
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${exports})
@@ -50,7 +53,4 @@ function(qnl_add_variant target variant to_platform)
 endfunction()
 
 qnl_add_variant(${library} emulator qnl_privacy_indicator/platform/lib)
-set_target_properties(${library} PROPERTIES EXPORT_NAME privacy_indicator_service_intf)
-add_library(qnl::privacy_indicator_service_intf ALIAS ${library})
-
 qnl_add_variant(${library}_device device ../platform/lib)

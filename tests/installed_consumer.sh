@@ -32,6 +32,8 @@ for library in "$work"/moved/lib/*.so "$platform"/lib/*.so; do
     fi
 done
 
+ldd "$work/build/device_consumer" | grep -qF "$work/moved/lib/qnl_privacy_indicator/device/libqnl_" ||
+    fail "a program for the device's variant loads another one"
 if "$work/build/consumer" >"$work/output"; then
     fail "it found a service where none is"
 fi
