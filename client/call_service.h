@@ -10,9 +10,6 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
-/** The result of an operation that the client itself refuses. */
-constexpr int32_t REFUSED = -1;
-
 /**
  * Hands `operation`, an int32_t(PrivacyIndicatorServiceIntf&), to the client's gate. Returns what the operation
  * returned, or 0 if it was not run. `function` is the function name that the log line shows if there is no service.

@@ -11,6 +11,12 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
+namespace {
+
+constexpr int32_t FAILURE = -1;
+
+} // namespace
+
 using Util::LogDebug;
 using Util::LogError;
 using Util::LogInfo;
@@ -33,7 +39,7 @@ int32_t PrivacyIndicatorClient::RegisterPrivacyIndicatorSwitchListener(
     LogInfo(CLIENT_TAG, FUNCTION, "start RegisterPrivacyIndicatorSwitchListener in client.");
     if (listener == nullptr) {
         LogError(CLIENT_TAG, FUNCTION, "listener is null!");
-        return REFUSED;
+        return FAILURE;
     }
     std::lock_guard<std::mutex> lock(switchListenerMutex);
     if (!switchListeners.empty()) {
@@ -44,7 +50,7 @@ int32_t PrivacyIndicatorClient::RegisterPrivacyIndicatorSwitchListener(
         switchListenerStub = new (std::nothrow) Indicator::IndicatorSwitchListenerStubImpl(indicatorSwitchCallback);
         if (switchListenerStub == nullptr) {
             LogError(CLIENT_TAG, FUNCTION, "failed to create privacy indicator switch listener stub");
-            return REFUSED;
+            return FAILURE;
         }
     }
     const int32_t result = RegisterSwitchListenerStub();
@@ -58,7 +64,7 @@ int32_t PrivacyIndicatorClient::UnregisterPrivacyIndicatorSwitchListener(
     constexpr const char* FUNCTION = "UnregisterPrivacyIndicatorSwitchListener";
     if (listener == nullptr) {
         LogError(CLIENT_TAG, FUNCTION, "listener is null!");
-        return REFUSED;
+        return FAILURE;
     }
     std::lock_guard<std::mutex> lock(switchListenerMutex);
     switchListeners.erase(listener);
@@ -104,7 +110,7 @@ int32_t PrivacyIndicatorClient::RegisterPrivacyEventListener(
     constexpr const char* FUNCTION = "RegisterPrivacyEventListener";
     if (listener == nullptr) {
         LogError(CLIENT_TAG, FUNCTION, "privacyEventListener is null!");
-        return REFUSED;
+        return FAILURE;
     }
     std::lock_guard<std::mutex> lock(privacyEventMutex);
     const auto known = privacyEventListeners.find(dataType);
@@ -117,7 +123,7 @@ int32_t PrivacyIndicatorClient::RegisterPrivacyEventListener(
             new (std::nothrow) Privacy::PrivacyEventListenerStubImpl(privacyEventCallback));
         if (stub == nullptr) {
             LogError(CLIENT_TAG, FUNCTION, "failed to create privacy indicator listener stub");
-            return REFUSED;
+            return FAILURE;
         }
         privacyEventStubs[dataType] = stub;
     }
@@ -131,7 +137,7 @@ int32_t PrivacyIndicatorClient::UnregisterPrivacyEventListener(
     constexpr const char* FUNCTION = "UnregisterPrivacyEventListener";
     if (listener == nullptr) {
         LogError(CLIENT_TAG, FUNCTION, "privacyEventListener is null!");
-        return REFUSED;
+        return FAILURE;
     }
     std::lock_guard<std::mutex> lock(privacyEventMutex);
     std::string dataType;
@@ -149,7 +155,7 @@ int32_t PrivacyIndicatorClient::UnregisterPrivacyEventListener(
     // Contract: a listener that is registered nowhere counts as one of the empty data type.
     if (privacyEventStubs.count(dataType) == 0) {
         LogWarn(CLIENT_TAG, FUNCTION, "dataType %{public}s is empty callback!", Quoted(dataType).c_str());
-        return REFUSED;
+        return FAILURE;
     }
     return CallService(*this, FUNCTION, [this, &dataType](PrivacyIndicatorServiceIntf& service) {
         return service.UnregisterPrivacyEventListener(privacyEventStubs[dataType]);

@@ -27,7 +27,7 @@ EventRestorer& EventRestorer::GetInstance()
     return instance;
 }
 
-void EventRestorer::UpdateEvent(int32_t newEvent)
+void EventRestorer::UpdateEvent(int32_t newEvent) noexcept
 {
     if (!ComposerPowerEvent::IsValidEvent(newEvent)) {
         LogError(TAG, "UpdateEvent", "error event: %{public}s", std::to_string(newEvent).c_str());
@@ -37,7 +37,7 @@ void EventRestorer::UpdateEvent(int32_t newEvent)
     uid = static_cast<int32_t>(IPCSkeleton::GetCallingUid());
 }
 
-void EventRestorer::NotifyPowerEventByCache()
+void EventRestorer::NotifyPowerEventByCache() noexcept
 {
     const int32_t sender = uid;
     LogInfo(TAG, "NotifyPowerEventByCache", "uid: %{public}s", std::to_string(sender).c_str());

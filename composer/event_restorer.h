@@ -16,10 +16,10 @@ public:
     static EventRestorer& GetInstance();
 
     /** Stores a valid event and the calling uid; an invalid one changes nothing. */
-    void UpdateEvent(int32_t event);
+    void UpdateEvent(int32_t event) noexcept;
 
     /** Sends the event to the service again if its sender is POWER_EVENT_REPLAY_UID. */
-    void NotifyPowerEventByCache();
+    void NotifyPowerEventByCache() noexcept;
 
 private:
     constexpr EventRestorer() = default;

@@ -16,7 +16,6 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 class PRIVACY_INDICATOR_EXPORT IndicatorData : public Parcelable {
 public:
     IndicatorData() = default;
-    // Declared, so that there is no implicit move: on a device it would take the reference count along.
     IndicatorData(const IndicatorData&) = default;
     IndicatorData& operator=(const IndicatorData&) = default;
 
@@ -29,17 +28,11 @@ public:
     std::string color;         ///< Any text; the client itself writes "#000000".
     int32_t animationType = 0; ///< The service's own number.
 
-    /** Appends the fields in declaration order. False if one does not fit: the fields before it stay in the parcel. */
+    /** @{ As for every record: see privacy_indicator_export.h. */
     bool Marshalling(Parcel& parcel) const override;
-
-    /**
-     * Reads the fields as Marshalling wrote them. Returns a new record, which the caller owns and deletes; or null if a
-     * field is missing or malformed, or if there is no memory for the record.
-     */
     static IndicatorData* Unmarshalling(Parcel& parcel) noexcept;
-
-    /** The record as one line of text, for logs. */
     std::string ToString() const noexcept;
+    /** @} */
 };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator

@@ -14,7 +14,6 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 class PRIVACY_INDICATOR_EXPORT IndicatorPosition : public Parcelable {
 public:
     IndicatorPosition() = default;
-    // Declared, so that there is no implicit move: on a device it would take the reference count along.
     IndicatorPosition(const IndicatorPosition&) = default;
     IndicatorPosition& operator=(const IndicatorPosition&) = default;
 
@@ -24,17 +23,11 @@ public:
     int32_t screenHeight = 0;   ///< Of that screen.
     int32_t screenRotation = 0; ///< Of that screen: the service's own number.
 
-    /** Appends the fields in declaration order. False if one does not fit: the fields before it stay in the parcel. */
+    /** @{ As for every record: see privacy_indicator_export.h. */
     bool Marshalling(Parcel& parcel) const override;
-
-    /**
-     * Reads the fields as Marshalling wrote them. Returns a new record, which the caller owns and deletes; or null if a
-     * field is missing or malformed, or if there is no memory for the record.
-     */
     static IndicatorPosition* Unmarshalling(Parcel& parcel) noexcept;
-
-    /** The record as one line of text, for logs. */
     std::string ToString() const noexcept;
+    /** @} */
 };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator

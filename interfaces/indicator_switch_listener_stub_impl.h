@@ -20,7 +20,7 @@ public:
     ~IndicatorSwitchListenerStubImpl() override = default;
 
     /** Calls the function, on the calling thread and with no lock held. */
-    void OnSwitchChanged(const IndicatorData& indicatorData) override;
+    void OnSwitchChanged(const IndicatorData& indicatorData) noexcept override;
 
 private:
     const Callback callback;

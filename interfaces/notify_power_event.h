@@ -8,8 +8,7 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Composer {
 
-/** The valid power events are 0 and 1, the numbers below this one. What each of them stands for is the service's own.
- */
+/** The valid power events are the numbers below this one. What each of them stands for is the service's own. */
 inline constexpr uint32_t POWER_EVENT_COUNT = 2;
 
 /** The user whose power events are sent to the service again when it comes back. */
@@ -21,8 +20,8 @@ inline constexpr int32_t POWER_EVENT_REPLAY_UID = 3036;
  * Reports a power event to the service. The event is also remembered together with the calling user, until the next
  * one: if the user is POWER_EVENT_REPLAY_UID, the client sends the event again when the service comes back.
  *
- * Returns 0; -1 if the event is not valid, which changes nothing; or the service's or the transport's code. Any thread
- * may call it. It blocks as the operations of PrivacyIndicatorClient do.
+ * Returns 0; -1 if the event is not valid, which changes nothing; or another failure's code, as PrivacyIndicatorClient
+ * describes. Any thread may call it. It blocks as the operations of PrivacyIndicatorClient do.
  */
 extern "C" PRIVACY_INDICATOR_EXPORT int32_t NotifyPowerEvent(int32_t event) noexcept;
 

@@ -17,7 +17,6 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Record {
 class PRIVACY_INDICATOR_EXPORT PermissionUsageDuration : public Parcelable {
 public:
     PermissionUsageDuration() = default;
-    // Declared, so that there is no implicit move: on a device it would take the reference count along.
     PermissionUsageDuration(const PermissionUsageDuration&) = default;
     PermissionUsageDuration& operator=(const PermissionUsageDuration&) = default;
 
@@ -93,17 +92,11 @@ public:
         lastEndTimestamp_ = value;
     }
 
-    /** Appends the fields in declaration order. False if one does not fit: the fields before it stay in the parcel. */
+    /** @{ As for every record: see privacy_indicator_export.h. */
     bool Marshalling(Parcel& parcel) const override;
-
-    /**
-     * Reads the fields as Marshalling wrote them. Returns a new record, which the caller owns and deletes; or null if a
-     * field is missing or malformed, or if there is no memory for the record.
-     */
     static PermissionUsageDuration* Unmarshalling(Parcel& parcel) noexcept;
-
-    /** The record as one line of text, for logs. */
     std::string ToString() const noexcept;
+    /** @} */
 
 private:
     /** The fields that a parcel carries, in their order there. */

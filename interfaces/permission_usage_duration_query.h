@@ -20,7 +20,6 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Record {
 class PRIVACY_INDICATOR_EXPORT PermissionUsageDurationQuery : public Parcelable {
 public:
     PermissionUsageDurationQuery() = default;
-    // Declared, so that there is no implicit move: on a device it would take the reference count along.
     PermissionUsageDurationQuery(const PermissionUsageDurationQuery&) = default;
     PermissionUsageDurationQuery& operator=(const PermissionUsageDurationQuery&) = default;
 
@@ -73,27 +72,21 @@ public:
     }
 
     /**
-     * Appends the fields in declaration order, each list as its count and its entries. False if one does not fit, or if
-     * a list has more than 999 entries: then its count has been written. What was written stays in the parcel.
+     * @{ As for every record: see privacy_indicator_export.h. Contract: the count of a list that has too many entries
+     * is written before Marshalling returns false.
      */
     bool Marshalling(Parcel& parcel) const override;
-
-    /**
-     * Reads the fields as Marshalling wrote them. Returns a new record, which the caller owns and deletes; or null if a
-     * field is missing or malformed, or if there is no memory for the record.
-     */
     static PermissionUsageDurationQuery* Unmarshalling(Parcel& parcel) noexcept;
+    std::string ToString() const noexcept;
+    /** @} */
 
     /**
      * Reads the fields into `query`, which must have been made with new, and returns it; deletes it and returns null if
-     * a field is missing or malformed, or a list's count is above 999. The entries are appended to the lists; a count
-     * below 1 stands for none.
+     * a field is missing or malformed, or if a list has more than 999 entries. The entries are appended to the lists; a
+     * count below 1 stands for none.
      */
     static PermissionUsageDurationQuery* UnmarshallingInner(
         Parcel& parcel, PermissionUsageDurationQuery* query) noexcept;
-
-    /** The record as one line of text, for logs. */
-    std::string ToString() const noexcept;
 
 private:
     /** The fields that a parcel carries, in their order there. */

@@ -17,7 +17,6 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 class PRIVACY_INDICATOR_EXPORT PrivacyEventDetail : public Parcelable {
 public:
     PrivacyEventDetail() = default;
-    // Declared, so that there is no implicit move: on a device it would take the reference count along.
     PrivacyEventDetail(const PrivacyEventDetail&) = default;
     PrivacyEventDetail& operator=(const PrivacyEventDetail&) = default;
 
@@ -26,23 +25,17 @@ public:
     int32_t privacySensorType = 0; ///< The number of a PrivacySensorType.
     int64_t startTimestamp = 0;    ///< When the use began.
     int64_t realEndTimestamp = 0;  ///< When it ended.
-    int64_t showEndTimestamp = 0;  ///< When it ended for the user's eyes.
-    int32_t realAccessState = 0;   ///< How the use stands.
-    int32_t showAccessState = 0;   ///< How the use stands for the user's eyes.
+    int64_t showEndTimestamp = 0;  ///< When it ended, as shown to the user.
+    int32_t realAccessState = 0;   ///< The access state as it really is.
+    int32_t showAccessState = 0;   ///< The access state as shown to the user.
     uint32_t eventFlags = 0;       ///< The service's own.
     std::string extraInfo;         ///< Stays in the process: it is neither written to a parcel nor printed.
 
-    /** Appends the fields in declaration order. False if one does not fit: the fields before it stay in the parcel. */
+    /** @{ As for every record: see privacy_indicator_export.h. */
     bool Marshalling(Parcel& parcel) const override;
-
-    /**
-     * Reads the fields as Marshalling wrote them. Returns a new record, which the caller owns and deletes; or null if a
-     * field is missing or malformed, or if there is no memory for the record.
-     */
     static PrivacyEventDetail* Unmarshalling(Parcel& parcel) noexcept;
-
-    /** The record as one line of text, for logs. */
     std::string ToString() const noexcept;
+    /** @} */
 };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy

@@ -22,8 +22,8 @@ public:
     ~PrivacyEventListenerStubImpl() override = default;
 
     /** Calls the function, on the calling thread and with no lock held. The service waits until it returns. */
-    void OnPrivacyEventChanged(
-        const std::string& dataType, const std::vector<PrivacyEventRemindInfo>& privacyEventRemindInfos) override;
+    void OnPrivacyEventChanged(const std::string& dataType,
+        const std::vector<PrivacyEventRemindInfo>& privacyEventRemindInfos) noexcept override;
 
 private:
     const Callback callback;

@@ -7,8 +7,8 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 
 /**
- * The data type under which listeners are called when the use of a sensor begins or ends. The client uses it itself
- * when the service goes away; which other data types there are, only the service knows.
+ * The data type under which the client reports, when the service goes away, that every sensor is off. A service should
+ * report the begin and the end of a sensor's use under it. What other data types there are is the service's own.
  */
 inline constexpr char SENSOR_STATE_CHANGE[] = "sensorStateChange";
 

@@ -33,12 +33,13 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
 /**
  * A process's connection to the privacy indicator service: one object that sends every request of the process and keeps
- * all of its listeners. Any thread may call any operation.
+ * all of its listeners. Any thread may call any operation but InitializeProxy.
  *
- * Results. An operation that reaches the service returns 0, or the code of the service or of the transport. It also
- * returns 0 when there is no service, which is only logged. In the emulator variant of the library no request reaches
- * the service: every such operation returns 0 and leaves its output as it was. The numbers of users and of types of
- * animation, and the names of data types, are the service's own and are carried unchanged.
+ * Results. An operation that reaches the service returns 0 or a failure's code: the service's, the platform's, or one
+ * of PrivacyIndicatorServiceIntf::ErrorCode. It also returns 0 when there is no service, which is only logged. In the
+ * emulator variant of the library no request reaches the service: every such operation returns 0 and leaves its output
+ * as it was. The numbers of users and of types of animation, and the names of data types, are the service's own and are
+ * carried unchanged.
  *
  * Blocking. An operation that reaches the service blocks its thread while the platform looks the service up, one thread
  * at a time, and then until the service has replied, however long that takes. An operation on listeners also waits
@@ -50,10 +51,9 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
  * once with ACCESS_STATE_OFF for all sensors. Nothing is called when the service comes back: the state is to be asked
  * for anew.
  *
- * Processes. In the child of a fork without exec every request fails, and an operation may never return if another
- * thread was in the client at the fork. A process must exit by its main thread and while no other thread is in the
- * client, or without its exit handlers, since the client is destroyed by them. A listener's destructor may call the
- * client.
+ * Processes. The child of a fork must not use the client before exec. A process must exit by its main thread and while
+ * no other thread is in the client, or without its exit handlers, since the client is destroyed by them. A listener's
+ * destructor may call the client.
  */
 class PRIVACY_INDICATOR_EXPORT PrivacyIndicatorClient {
 public:
@@ -87,7 +87,7 @@ public:
      */
     void WithSystemAbilityProxy(const std::function<void(const sptr<PrivacyIndicatorServiceIntf>&)>& func) noexcept;
 
-    /** Gets a proxy of the service, unless there is a living one. For the gate, which holds the proxy's lock. */
+    /** Gets a proxy of the service, unless there is a living one. Only the gate calls it: it needs the proxy's lock. */
     void InitializeProxy() noexcept;
 
     /** Drops the proxy. */
@@ -125,9 +125,9 @@ public:
     int32_t NotifyPowerEvent(int32_t event) noexcept;
 
     /**
-     * Has `listener` called at indicator switches. Returns -1 if it is null or if there is no memory for the stub. Any
-     * other code is the service's or the transport's: the listener is registered with the client all the same, and with
-     * the service when it comes back.
+     * Has `listener` called at indicator switches. Returns -1 if it is null or if there is no memory for the stub: it
+     * is not registered then. After any other failure it is registered with the client all the same, and with the
+     * service when that comes back.
      */
     int32_t RegisterPrivacyIndicatorSwitchListener(
         const std::shared_ptr<Indicator::IndicatorSwitchListener>& listener) noexcept;
@@ -145,8 +145,9 @@ public:
 
     /**
      * Ends the calls of `listener` for the first data type that it is registered for, in alphabetical order: none is
-     * under way on return. Returns -1 if it is null. Contract: a listener that is registered for none counts as one of
-     * the empty data type, which gives -1 if no listener was ever registered for that.
+     * under way on return. Returns -1 if it is null. Contract: a listener that is registered for none counts as the
+     * last one of the empty data type. That gives -1 if no listener was ever registered for it; if one was, the service
+     * ends its calls.
      */
     int32_t UnregisterPrivacyEventListener(const std::shared_ptr<Privacy::PrivacyEventListener>& listener) noexcept;
 
@@ -157,10 +158,10 @@ public:
     void DispatchOnPrivacyEventChanged(
         const std::string& dataType, const std::vector<Privacy::PrivacyEventRemindInfo>& infos) noexcept;
 
-    /** Registers the stub that was ever registered with the service again. */
+    /** Registers all switch listeners with the service again, by their one stub, even if none is left. */
     void ReRegisterPrivacyIndicatorSwitchListener() noexcept;
 
-    /** Registers all stubs that were ever registered with the service again. */
+    /** Registers all privacy event listeners with the service again, by their stubs, even where none is left. */
     void ReRegisterPrivacyEventListener() noexcept;
 
 private:

@@ -34,7 +34,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 class PRIVACY_INDICATOR_EXPORT PrivacyIndicatorServiceIntfStub : public IRemoteStub<PrivacyIndicatorServiceIntf> {
 public:
     /**
-     * Serves one request. Returns SUCCESS if the whole reply has been written, whatever result it carries;
+     * Serves one request. Returns SUCCESS if the reply has been written, whatever result it carries;
      * TOKEN_MISMATCH if the request is for another interface; INVALID_DATA if a record or a listener is missing or
      * malformed, so that the operation is not called, or if the operation's records are too many or do not fit;
      * INVALID_VALUE if its result does not fit; what the platform returns if the code is unknown.

@@ -56,6 +56,7 @@ void IndicatorSwitchListenerProxy::OnSwitchChanged(const IndicatorData& indicato
     MessageOption option(MessageOption::TF_ASYNC, WAIT_SECONDS);
     const int32_t error = remote->SendRequest(ON_SWITCH_CHANGED, data, reply, option);
     if (error != 0) {
+        // Contract: the only number that is passed as one, not as text.
         LogError(TAG, "OnSwitchChanged", "SendRequest is failed, error code: %{public}d.", error);
     }
     LogInfo(TAG, "OnSwitchChanged", "OnSwitchChanged end in proxy");

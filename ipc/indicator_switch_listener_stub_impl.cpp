@@ -18,7 +18,7 @@ IndicatorSwitchListenerStubImpl::IndicatorSwitchListenerStubImpl(Callback onSwit
     : callback(std::move(onSwitchChanged))
 {}
 
-void IndicatorSwitchListenerStubImpl::OnSwitchChanged(const IndicatorData& indicatorData)
+void IndicatorSwitchListenerStubImpl::OnSwitchChanged(const IndicatorData& indicatorData) noexcept
 {
     // Contract: the message names another function than the line.
     const std::string privacySensorType = std::to_string(static_cast<int32_t>(indicatorData.privacySensorType));

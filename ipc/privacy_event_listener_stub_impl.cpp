@@ -10,7 +10,7 @@ PrivacyEventListenerStubImpl::PrivacyEventListenerStubImpl(Callback onPrivacyEve
 {}
 
 void PrivacyEventListenerStubImpl::OnPrivacyEventChanged(
-    const std::string& dataType, const std::vector<PrivacyEventRemindInfo>& privacyEventRemindInfos)
+    const std::string& dataType, const std::vector<PrivacyEventRemindInfo>& privacyEventRemindInfos) noexcept
 {
     if (callback) {
         callback(dataType, privacyEventRemindInfos);

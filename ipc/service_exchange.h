@@ -27,7 +27,7 @@ protected:
         return error_;
     }
 
-    /** Logs `failure`, a text without placeholders, and keeps `error`, if nothing has failed before. Returns Error().
+    /** Logs `failure`, which has no placeholders, and keeps `error`, unless something failed before. Returns Error().
      */
     int32_t Fail(int32_t error, const char* failure);
 

@@ -14,7 +14,6 @@ namespace {
 
 const auto TAG = Util::FileTag("PrivacyIndicator");
 
-// In their order in a parcel.
 template <typename Self>
 auto Fields(Self& record)
 {
@@ -32,8 +31,7 @@ bool IndicatorData::Marshalling(Parcel& parcel) const
 IndicatorData* IndicatorData::Unmarshalling(Parcel& parcel) noexcept
 {
     // Contract: "Indicator", not the class's name.
-    std::unique_ptr<IndicatorData> record = NewRecord<IndicatorData>(TAG, "new Indicator failed.");
-    return record != nullptr && ReadFields(parcel, Fields(*record)) ? record.release() : nullptr;
+    return ReadRecord(parcel, NewRecord<IndicatorData>(TAG, "new Indicator failed."), Fields<IndicatorData>);
 }
 
 std::string IndicatorData::ToString() const noexcept

@@ -14,7 +14,6 @@ namespace {
 
 const auto TAG = Util::FileTag("PrivacyIndicator");
 
-// In their order in a parcel.
 template <typename Self>
 auto Fields(Self& record)
 {
@@ -30,8 +29,8 @@ bool IndicatorPosition::Marshalling(Parcel& parcel) const
 
 IndicatorPosition* IndicatorPosition::Unmarshalling(Parcel& parcel) noexcept
 {
-    std::unique_ptr<IndicatorPosition> record = NewRecord<IndicatorPosition>(TAG, "new IndicatorPosition failed.");
-    return record != nullptr && ReadFields(parcel, Fields(*record)) ? record.release() : nullptr;
+    return ReadRecord(
+        parcel, NewRecord<IndicatorPosition>(TAG, "new IndicatorPosition failed."), Fields<IndicatorPosition>);
 }
 
 std::string IndicatorPosition::ToString() const noexcept

@@ -14,7 +14,6 @@ namespace {
 
 const auto TAG = Util::FileTag("PrivacyIndicator");
 
-// In their order in a parcel.
 template <typename Self>
 auto Fields(Self& record)
 {
@@ -30,8 +29,7 @@ bool IndicatorSize::Marshalling(Parcel& parcel) const
 
 IndicatorSize* IndicatorSize::Unmarshalling(Parcel& parcel) noexcept
 {
-    std::unique_ptr<IndicatorSize> record = NewRecord<IndicatorSize>(TAG, "new IndicatorSize failed.");
-    return record != nullptr && ReadFields(parcel, Fields(*record)) ? record.release() : nullptr;
+    return ReadRecord(parcel, NewRecord<IndicatorSize>(TAG, "new IndicatorSize failed."), Fields<IndicatorSize>);
 }
 
 std::string IndicatorSize::ToString() const noexcept

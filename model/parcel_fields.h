@@ -3,6 +3,7 @@
 #define PARCEL_FIELDS_H
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <tuple>
 #include <type_traits>
@@ -132,6 +133,16 @@ template <typename... Field>
 bool ReadFields(Parcel& parcel, const std::tuple<Field&...>& fields)
 {
     return std::apply([&parcel](auto&... field) { return (ReadField(parcel, field) && ...); }, fields);
+}
+
+/**
+ * Reads the fields of `record`, which may be null, and hands it to the caller; null if one cannot be read. `fieldsOf`
+ * is the function that lists them.
+ */
+template <typename Record, typename Fields>
+Record* ReadRecord(Parcel& parcel, std::unique_ptr<Record> record, Fields fieldsOf(Record&))
+{
+    return record != nullptr && ReadFields(parcel, fieldsOf(*record)) ? record.release() : nullptr;
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator

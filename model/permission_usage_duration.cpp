@@ -24,8 +24,9 @@ bool PermissionUsageDuration::Marshalling(Parcel& parcel) const
 
 PermissionUsageDuration* PermissionUsageDuration::Unmarshalling(Parcel& parcel) noexcept
 {
-    std::unique_ptr<PermissionUsageDuration> record(new (std::nothrow) PermissionUsageDuration());
-    return record != nullptr && ReadFields(parcel, Fields(*record)) ? record.release() : nullptr;
+    // Contract: nothing is logged if there is no memory for it.
+    return ReadRecord(parcel, std::unique_ptr<PermissionUsageDuration>(new (std::nothrow) PermissionUsageDuration()),
+        Fields<PermissionUsageDuration>);
 }
 
 std::string PermissionUsageDuration::ToString() const noexcept

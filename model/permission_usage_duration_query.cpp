@@ -23,14 +23,15 @@ bool PermissionUsageDurationQuery::Marshalling(Parcel& parcel) const
 
 PermissionUsageDurationQuery* PermissionUsageDurationQuery::Unmarshalling(Parcel& parcel) noexcept
 {
+    // Contract: nothing is logged if there is no memory for it.
     return UnmarshallingInner(parcel, new (std::nothrow) PermissionUsageDurationQuery());
 }
 
 PermissionUsageDurationQuery* PermissionUsageDurationQuery::UnmarshallingInner(
     Parcel& parcel, PermissionUsageDurationQuery* query) noexcept
 {
-    std::unique_ptr<PermissionUsageDurationQuery> record(query);
-    return record != nullptr && ReadFields(parcel, Fields(*record)) ? record.release() : nullptr;
+    return ReadRecord(
+        parcel, std::unique_ptr<PermissionUsageDurationQuery>(query), Fields<PermissionUsageDurationQuery>);
 }
 
 std::string PermissionUsageDurationQuery::ToString() const noexcept

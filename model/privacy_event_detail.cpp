@@ -12,9 +12,9 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 
 namespace {
 
+// Contract: a small "p", in this file and in privacy_event_remind_info.
 const auto TAG = Util::FileTag("privacyIndicator");
 
-// In their order in a parcel.
 template <typename Self>
 auto Fields(Self& record)
 {
@@ -32,8 +32,8 @@ bool PrivacyEventDetail::Marshalling(Parcel& parcel) const
 
 PrivacyEventDetail* PrivacyEventDetail::Unmarshalling(Parcel& parcel) noexcept
 {
-    std::unique_ptr<PrivacyEventDetail> record = NewRecord<PrivacyEventDetail>(TAG, "new PrivacyEventDetail failed.");
-    return record != nullptr && ReadFields(parcel, Fields(*record)) ? record.release() : nullptr;
+    return ReadRecord(
+        parcel, NewRecord<PrivacyEventDetail>(TAG, "new PrivacyEventDetail failed."), Fields<PrivacyEventDetail>);
 }
 
 std::string PrivacyEventDetail::ToString() const noexcept

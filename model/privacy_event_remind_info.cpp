@@ -12,9 +12,9 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 
 namespace {
 
+// Contract: a small "p", in this file and in privacy_event_detail.
 const auto TAG = Util::FileTag("privacyIndicator");
 
-// In their order in a parcel.
 template <typename Self>
 auto Fields(Self& record)
 {
@@ -31,9 +31,8 @@ bool PrivacyEventRemindInfo::Marshalling(Parcel& parcel) const
 
 PrivacyEventRemindInfo* PrivacyEventRemindInfo::Unmarshalling(Parcel& parcel) noexcept
 {
-    std::unique_ptr<PrivacyEventRemindInfo> record =
-        NewRecord<PrivacyEventRemindInfo>(TAG, "new PrivacyEventRemindInfo failed.");
-    return record != nullptr && ReadFields(parcel, Fields(*record)) ? record.release() : nullptr;
+    return ReadRecord(parcel, NewRecord<PrivacyEventRemindInfo>(TAG, "new PrivacyEventRemindInfo failed."),
+        Fields<PrivacyEventRemindInfo>);
 }
 
 std::string PrivacyEventRemindInfo::ToString() const noexcept

@@ -35,8 +35,9 @@ public:
 
     bool RemoveDeathRecipient(const sptr<DeathRecipient>& removed) override
     {
-        recipient = removed == recipient ? nullptr : recipient;
-        return true;
+        const bool isKnown = takesRecipients && removed == recipient;
+        recipient = isKnown ? nullptr : recipient;
+        return isKnown;
     }
 
     int SendRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option) override
@@ -45,11 +46,15 @@ public:
         ++calls;
         header = {code, option.GetFlags(), option.GetWaitTime()};
         request = BytesOf(data);
+        if (error != 0) {
+            return error;
+        }
         reply.SetMaxCapacity(size_t{8} << 20);
         reply.WriteBuffer(answer.data(), answer.size());
         return target != nullptr ? target->SendRequest(code, data, reply, option) : 0;
     }
 
+    int error = 0;              // Of the transport's. Otherwise:
     sptr<IRemoteObject> target; // Serves the requests, if there is one. Otherwise:
     Bytes answer;
     std::function<void()> whenCalled = [] {}; // At the next request only.

@@ -17,6 +17,8 @@ using UsageQuery = PermissionUsageDurationQuery;
 using Send = std::function<int32_t(Service&)>;
 
 const std::u16string DESCRIPTOR = u"OHOS.Korvane.Quenlar.PrivacyIndicator.PrivacyIndicatorServiceIntf";
+const std::u16string SWITCH_DESCRIPTOR = u"ohos.korvane.quenlar.IndicatorSwitchListenerIntf";
+const std::u16string EVENT_DESCRIPTOR = u"ohos.korvane.quenlar.PrivacyIndicator.Privacy.IPrivacyEventListener";
 const Lines TOO_MANY = Labelled("The vector/array size exceeds the security limit!");
 const Lines UNSENT = Labelled("Send request failed!"); // So the proxy sees a failure of the stub.
 constexpr int32_t LIMIT = 102400;
@@ -48,7 +50,7 @@ TEST(RecordTest, BeginsWithTheseValues)
         Read<IndicatorSize>(I32(0x7F800000) + I32(0xFFC00000))->ToString(), "IndicatorSize{width=inf, height=-nan}");
 }
 
-TEST(RecordTest, SettersFillWhatGettersTell)
+TEST(RecordTest, SettersSetWhatGettersReturn)
 {
     const auto read = Read<PermissionUsageDuration>(DURATION.bytes);
     PermissionUsageDuration duration;
@@ -74,14 +76,45 @@ TEST(RecordTest, ExtraInfoIsCopiedButNotSent)
     PrivacyEventDetail detail = *Read<PrivacyEventDetail>(DETAIL.bytes);
     detail.extraInfo = "extra";
     const PrivacyEventDetail copy = detail;
-    EXPECT_EQ(copy.extraInfo, "extra");
+    PrivacyEventDetail assigned;
+    assigned = copy;
+    EXPECT_EQ(assigned.extraInfo, "extra");
     RawParcel parcel;
     EXPECT_TRUE(copy.Marshalling(parcel));
     EXPECT_EQ(BytesOf(parcel), DETAIL.bytes);
 }
 
+// Whatever a record lacks, it is refused; whatever does not fit, is reported.
+template <typename T>
+void ExpectWhole(const Sample& sample)
+{
+    const auto record = Read<T>(sample.bytes);
+    ASSERT_NE(record, nullptr);
+    for (size_t size = 0; size <= sample.bytes.size(); size += 4) {
+        const bool isWhole = size == sample.bytes.size();
+        EXPECT_EQ(Read<T>(sample.bytes.substr(0, size)) != nullptr, isWhole) << size;
+        RawParcel parcel;
+        parcel.FillUp(size);
+        EXPECT_EQ(record->Marshalling(parcel), isWhole) << size;
+    }
+}
+
+TEST(RecordTest, EveryRecordIsReadAndWrittenWhole)
+{
+    ExpectWhole<IndicatorData>(DATA);
+    ExpectWhole<IndicatorPosition>(POSITION);
+    ExpectWhole<IndicatorSize>(SIZE);
+    ExpectWhole<PrivacyEventDetail>(DETAIL);
+    ExpectWhole<PrivacyEventRemindInfo>(REMIND_INFO);
+    ExpectWhole<PermissionUsageDuration>(DURATION);
+    ExpectWhole<UsageQuery>(QUERY);
+}
+
 TEST(RecordTest, QueryListsAppendAndEndAt999)
 {
+    const Bytes rest = I64(0) + I64(0);
+    EXPECT_EQ(Read<UsageQuery>(I32(-5) + I32(999) + Times(999, Str("ab")) + rest)->GetPermissionGroups().size(), 999U);
+    EXPECT_EQ(Read<UsageQuery>(I32(0) + I32(1000) + Times(1000, Str("ab")) + rest), nullptr);
     RawParcel again(QUERY.bytes);
     const std::unique_ptr<UsageQuery> twice(
         UsageQuery::UnmarshallingInner(again, Read<UsageQuery>(QUERY.bytes).release()));
@@ -216,10 +249,15 @@ TEST_F(ServiceTest, RequestsTravelAsTheseBytes)
         const Bytes object = request.listener.empty() ? "" : Bytes(24, '\0');
         EXPECT_EQ(remote->request, Token(DESCRIPTOR) + request.arguments + object);
 
-        implementation->result = -777;
-        ExpectResult(-777, request.send, Labelled("Read Int32 failed!"));
-        const Failing failing(-777);
-        ExpectResult(22, request.send, Labelled("Write Int32 failed!") + UNSENT);
+        for (const int32_t failure : {-777, 777}) {
+            implementation->result = failure;
+            ExpectResult(failure, request.send, Labelled("Read Int32 failed!"));
+            const Failing failing(failure);
+            ExpectResult(22, request.send, Labelled("Write Int32 failed!") + UNSENT);
+            remote->error = failure;
+            ExpectResult(failure, request.send, UNSENT);
+            remote->error = 0;
+        }
         implementation->result = 0;
         implementation->Take();
     }
@@ -242,9 +280,11 @@ TEST_F(ServiceTest, RecordsOfAReplyAreLimited)
         const Bytes request = remote->request;
         EXPECT_EQ(Serve(implementation, query.code, request).first, 5);
         EXPECT_EQ(std::make_pair(reply, logs.Take()), std::make_pair(I32(0), TOO_MANY));
-        implementation->result = 7; // A failure has no records that could be too many.
-        EXPECT_EQ(Serve(implementation, query.code, request).first, 0);
-        EXPECT_EQ(std::make_pair(reply, logs.Take()), std::make_pair(I32(7), Lines()));
+        for (const int32_t failure : {-7, 7}) { // It has no records that could be too many.
+            implementation->result = failure;
+            EXPECT_EQ(Serve(implementation, query.code, request).first, 0);
+            EXPECT_EQ(std::make_pair(reply, logs.Take()), std::make_pair(I32(failure), Lines()));
+        }
         implementation->result = 0;
         implementation->elements = 5;
         Failing::write = 5; // The count, whose failure is none.
@@ -343,21 +383,30 @@ TEST_F(ServiceTest, StubRefusesWhatItCannotRead)
     EXPECT_EQ(implementation->Take(), Lines());
 }
 
-TEST_F(ListenerTest, AnotherTokenIsRefusedBeforeTheCodeIsLookedAt)
+TEST_F(ListenerTest, TheTokenIsCheckedFirstThenTheCode)
 {
-    const sptr<IRemoteObject> eventStub = new Privacy::PrivacyEventListenerStubImpl({});
-    const sptr<IRemoteObject> switchStub = new Indicator::IndicatorSwitchListenerStubImpl({});
+    const std::tuple<sptr<IRemoteObject>, std::u16string, int> stubs[] = {{new FakeService(), DESCRIPTOR, 1},
+        {new Privacy::PrivacyEventListenerStubImpl({}), EVENT_DESCRIPTOR, 1},
+        {new Indicator::IndicatorSwitchListenerStubImpl({}), SWITCH_DESCRIPTOR, 10}};
     logs.Take();
-    for (const uint32_t code : {0U, 1U, 77U}) {
-        for (const Bytes& token : {Token(DESCRIPTOR + u"."), Token(u""), Bytes()}) {
-            EXPECT_EQ(Serve(new FakeService(), code, token).first, 1);
-            EXPECT_EQ(Serve(eventStub, code, token).first, 1);
-            EXPECT_EQ(logs.Take(), Lines());
-            EXPECT_EQ(Serve(switchStub, code, token).first, 10);
-            EXPECT_EQ(logs.Take(), (Lines{Line('I', "OnRemoteRequest: OnRemoteRequest called in stub."),
-                                       Line('E', "OnRemoteRequest: verify descriptor failed")}));
+    for (const auto& [stub, descriptor, mismatch] : stubs) {
+        const Lines begin = {Line('I', "OnRemoteRequest: OnRemoteRequest called in stub.")};
+        const Lines refused = begin + Lines{Line('E', "OnRemoteRequest: verify descriptor failed")};
+        std::u16string changed = descriptor;
+        ++changed.back();
+        for (const uint32_t code : {0U, 1U, 77U}) {
+            for (const Bytes& token : {Token(changed), Token(descriptor + u"."), Token(u""), Bytes()}) {
+                EXPECT_EQ(Serve(stub, code, token).first, mismatch);
+                EXPECT_EQ(logs.Take(), mismatch == 10 ? refused : Lines());
+            }
         }
+        EXPECT_EQ(Serve(stub, 77, Token(descriptor)).first, 305);
+        EXPECT_EQ(logs.Take(), mismatch == 10 ? begin : Lines());
     }
+    // Without a function, an event is dropped.
+    EXPECT_EQ(
+        Serve(std::get<0>(stubs[1]), 0, Token(EVENT_DESCRIPTOR) + Str("") + I32(1) + Present(REMIND_INFO)).first, 0);
+    EXPECT_EQ(Serve(std::get<0>(stubs[2]), 0, Token(SWITCH_DESCRIPTOR) + Present(DATA)).first, 0);
 }
 
 TEST_F(ListenerTest, SwitchChangesAreSentOneWay)
@@ -381,7 +430,7 @@ TEST_F(ListenerTest, SwitchChangesAreSentOneWay)
                                Line('I', stubName + ": create " + stubName)}));
     proxy->OnSwitchChanged(*data);
     EXPECT_EQ(remote->header, (std::vector<int64_t>{0, 1, 8}));
-    EXPECT_EQ(remote->request, Token(u"ohos.korvane.quenlar.IndicatorSwitchListenerIntf") + Present(DATA));
+    EXPECT_EQ(remote->request, Token(SWITCH_DESCRIPTOR) + Present(DATA));
     EXPECT_EQ(logs.Take(), called + impl + end);
 
     remote->whenCalled = [] { Failing::nthNew = 1; };
@@ -417,7 +466,7 @@ TEST_F(ListenerTest, EventsAreSentAndWaitedFor)
     Privacy::PrivacyEventListenerProxy unconnected(nullptr);
     const std::vector<PrivacyEventRemindInfo> infos(2, *Read<PrivacyEventRemindInfo>(REMIND_INFO.bytes));
     const std::string skipped = Line('D', "OnRemoteRequest: privacyEventRemindInfo is null");
-    const Bytes head = Token(u"ohos.korvane.quenlar.PrivacyIndicator.Privacy.IPrivacyEventListener") + Str("audio");
+    const Bytes head = Token(EVENT_DESCRIPTOR) + Str("audio");
     proxy->OnPrivacyEventChanged("audio", infos);
     EXPECT_EQ(remote->header, (std::vector<int64_t>{0, 0, 8}));
     EXPECT_EQ(remote->request, head + I32(2) + Times(2, Present(REMIND_INFO)));
@@ -445,6 +494,12 @@ TEST_F(ListenerTest, EventsAreSentAndWaitedFor)
     EXPECT_EQ(remote->request, head + Times(2, Present(REMIND_INFO)));
     EXPECT_EQ(remote->calls, 7);
     logs.Take();
+    for (const int error : {-1, 1}) {
+        remote->error = error;
+        proxy->OnPrivacyEventChanged("audio", infos);
+        EXPECT_EQ(logs.Take(), Lines{Line('E', "OnPrivacyEventChanged: Send request failed!")});
+    }
+    remote->calls = 0;
     proxy->OnPrivacyEventChanged(std::string(300000, 'x'), infos);
     unconnected.OnPrivacyEventChanged("audio", infos);
     const Failing failing(Failing::TOKEN);
@@ -452,7 +507,7 @@ TEST_F(ListenerTest, EventsAreSentAndWaitedFor)
     EXPECT_EQ(logs.Take(), (Lines{Line('E', "OnPrivacyEventChanged: Write data type failed!"),
                                Line('E', "OnPrivacyEventChanged: Remote is nullptr!"),
                                Line('E', "OnPrivacyEventChanged: Write interface token failed!")}));
-    EXPECT_EQ(remote->calls, 7);
+    EXPECT_EQ(remote->calls, 0);
 }
 
 } // namespace

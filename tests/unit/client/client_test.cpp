@@ -27,7 +27,8 @@ std::atomic<uid_t> g_user = 0;  // Whose request is being served.
 void PrivacyIndicatorClient::WithSystemAbilityProxy(
     const std::function<void(const sptr<PrivacyIndicatorServiceIntf>&)>& func) noexcept
 {
-    g_atGate();
+    const auto atGate = g_atGate; // Which may replace itself.
+    atGate();
     func(g_service);
 }
 
@@ -304,23 +305,39 @@ TEST_F(ClientTest, TheServicesEndTurnsEverySensorOff)
     });
 }
 
-TEST_F(ClientTest, UnregisteringWaitsForTheCallUnderWay)
+TEST_F(ClientTest, ARegistryIsLockedWhileItIsUsed)
 {
-    client.RegisterPrivacyIndicatorSwitchListener(first);
-    client.RegisterPrivacyEventListener("A", second);
+    using Step = std::function<int32_t()>;
     std::future<int32_t> other;
-    const auto unregister = [&](const std::function<int32_t()>& step) {
-        return [&other, step](const std::string& /* text */) {
-            other = std::async(std::launch::async, step);
-            EXPECT_EQ(other.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
-        };
+    const auto expectWaiting = [&other](const Step& step) {
+        other = std::async(std::launch::async, step);
+        EXPECT_EQ(other.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
     };
-    first->hear = unregister([this] { return client.UnregisterPrivacyIndicatorSwitchListener(first); });
-    client.DispatchOnIndicatorSwitchChanged(data);
-    EXPECT_EQ(other.get(), 0);
-    second->hear = unregister([this] { return client.UnregisterPrivacyEventListener(second); });
-    client.DispatchOnPrivacyEventChanged("A", {info});
-    EXPECT_EQ(other.get(), 0);
+    const auto expectAllWaiting = [&](const Step& add, const Step& remove, const auto& addAgain, const auto& dispatch) {
+        first->hear = second->hear = [&](const std::string& /* text */) { expectWaiting(remove); };
+        g_atGate = [&] {
+            g_atGate = [] {};
+            expectWaiting(remove);
+        };
+        const auto atGate = g_atGate;
+        EXPECT_EQ(add(), 0);
+        EXPECT_EQ(other.get(), 0);
+        EXPECT_EQ(add(), 0);
+        g_atGate = atGate;
+        addAgain();
+        EXPECT_EQ(other.get(), 0);
+        EXPECT_EQ(add(), 0);
+        dispatch();
+        EXPECT_EQ(other.get(), 0);
+    };
+    expectAllWaiting([this] { return client.RegisterPrivacyIndicatorSwitchListener(first); },
+        [this] { return client.UnregisterPrivacyIndicatorSwitchListener(first); },
+        [this] { client.ReRegisterPrivacyIndicatorSwitchListener(); },
+        [this] { client.DispatchOnIndicatorSwitchChanged(data); });
+    expectAllWaiting([this] { return client.RegisterPrivacyEventListener("A", second); },
+        [this] { return client.UnregisterPrivacyEventListener(second); },
+        [this] { client.ReRegisterPrivacyEventListener(); },
+        [this] { client.DispatchOnPrivacyEventChanged("A", {info}); });
 }
 
 TEST_F(ClientTest, TheReportersPowerEventIsReportedAgainBeforeTheStubs)
@@ -355,7 +372,9 @@ TEST_F(ClientTest, TheReportersPowerEventIsReportedAgainBeforeTheStubs)
         Expect(NotifyPowerEvent(2), -1, {},
             {Line('E', "UpdateEvent: error event: 2"), Line('I', "NotifyPowerEvent: event: 2"),
                 Line('E', "NotifyPowerEvent: error event: 2")});
-        EXPECT_EQ(client.NotifyPowerEvent(-1), -1);
+        for (const int32_t invalid : {-1, 256, INT32_MIN, INT32_MAX}) {
+            EXPECT_EQ(client.NotifyPowerEvent(invalid), -1);
+        }
         client.NotifyPowerEvent(0); // A report to the service alone is not remembered.
         g_user = 3037;              // Another caller now: the event is still the reporter's.
         expectComing("3036", again("1"), Lines{"Power 1"} + stubs);
@@ -422,17 +441,17 @@ TEST_F(ClientTest, NoticesRaceWithRegistration)
             notices->OnRemoveSystemAbility(66090, "");
             notices->OnAddSystemAbility(66090, "");
         });
-        repeat([this, comer = std::make_shared<Listener>()] {
-            const auto mayHear = std::make_shared<std::atomic<bool>>(true);
-            comer->hear = [mayHear](const auto& what) {
+        repeat([this, visitor = std::make_shared<Listener>()] {
+            const auto mayBeCalled = std::make_shared<std::atomic<bool>>(true);
+            visitor->hear = [mayBeCalled](const auto& what) {
                 std::this_thread::yield(); // To the one that takes it out, if that does not wait.
-                EXPECT_TRUE(*mayHear) << what;
+                EXPECT_TRUE(*mayBeCalled) << what;
             };
-            EXPECT_EQ(client.RegisterPrivacyIndicatorSwitchListener(comer), 0);
-            EXPECT_EQ(client.RegisterPrivacyEventListener("sensorStateChange", comer), 0);
-            EXPECT_EQ(client.UnregisterPrivacyIndicatorSwitchListener(comer), 0);
-            EXPECT_EQ(client.UnregisterPrivacyEventListener(comer), 0);
-            *mayHear = false; // Once it is out, no call comes or is under way.
+            EXPECT_EQ(client.RegisterPrivacyIndicatorSwitchListener(visitor), 0);
+            EXPECT_EQ(client.RegisterPrivacyEventListener("sensorStateChange", visitor), 0);
+            EXPECT_EQ(client.UnregisterPrivacyIndicatorSwitchListener(visitor), 0);
+            EXPECT_EQ(client.UnregisterPrivacyEventListener(visitor), 0);
+            *mayBeCalled = false; // Once it is out, no call comes or is under way.
         });
     }
     running.clear(); // Waits for them.

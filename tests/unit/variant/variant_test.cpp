@@ -91,6 +91,7 @@ TEST_F(VariantTest, ProxyIsKeptAsLongAsTheServiceLives)
     EXPECT_EQ(Logged({initialize, reset}), NEW_RECIPIENT + refused + NOTHING_TO_DROP);
     later->takesRecipients = true;
     EXPECT_EQ(Logged({initialize}), SUCCESS);
+    later->takesRecipients = false; // That it cannot be taken back makes no difference.
     EXPECT_EQ(Logged({[&] { later->recipient->OnRemoteDied(nullptr); }, reset}), DROPPED + NOTHING_TO_DROP);
 }
 
