@@ -1,45 +1,55 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "hilog/log.h"
 
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <atomic>
 #include <cctype>
 #include <cerrno>
+#include <climits>
+#include <csignal>
 #include <cstdarg>
 #include <cstddef>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <type_traits>
-#include <unistd.h>
 
 namespace {
 
 constexpr const char* LEVEL_LETTERS = "DIWEF"; // From LOG_DEBUG upwards.
 constexpr int LEVEL_OFF = LOG_FATAL + 1;
+constexpr size_t TAG_CAPACITY = 32; // A text's capacity counts its NUL.
+constexpr size_t MESSAGE_CAPACITY = 4096;
+constexpr size_t LINE_CAPACITY = MESSAGE_CAPACITY + 256; // The rest is for the line's head.
 constexpr unsigned int DOMAIN_MASK = 0xFFFFF;
 constexpr long NANOSECONDS_PER_MILLISECOND = 1000000;
 
 std::atomic<LogCallback> g_callback{nullptr};
+std::atomic<unsigned> g_lostLines{0}; // Those that standard error did not take.
 
-// A bounded text on the stack: logging must work without memory, and throw nothing. What does not fit is dropped.
+// A bounded text on the stack: logging must work without memory, and throw nothing. What does not fit is cut off.
+template <size_t CAPACITY>
 class Text {
 public:
-    static constexpr int CAPACITY = 8192;
-
     // `format` must match `args`, of which there is at least one.
     template <typename... Args>
     void Append(const char* format, Args... args)
     {
-        const int count = std::snprintf(data_ + size_, static_cast<size_t>(CAPACITY - size_), format, args...);
-        size_ += std::clamp(count, 0, CAPACITY - 1 - size_);
+        const int count = std::snprintf(data_ + size_, CAPACITY - size_, format, args...);
+        size_ += std::min(static_cast<size_t>(std::max(count, 0)), CAPACITY - 1 - size_);
     }
 
-    void Append(const char* text, int size)
+    // Replaces the control characters from `start` on, which could forge lines or command a terminal.
+    void MakePrintable(size_t start)
     {
-        Append("%.*s", size, text);
+        std::replace_if(
+            data_ + start, data_ + size_, [](unsigned char letter) { return std::iscntrl(letter) != 0; }, '?');
     }
 
     const char* GetData() const
@@ -47,205 +57,117 @@ public:
         return data_;
     }
 
-    int GetSize() const
+    size_t GetSize() const
     {
         return size_;
     }
 
-    // Puts a line end in the place of the NUL, for which there is always room, and writes the text in one go.
-    void WriteLine()
-    {
-        data_[size_] = '\n';
-        while (write(STDERR_FILENO, data_, static_cast<size_t>(size_) + 1) < 0 && errno == EINTR) {
-        }
-    }
-
 private:
-    char data_[CAPACITY]; // Not cleared as a whole: every Append leaves a NUL at size_.
-    int size_ = 0;
+    char data_[CAPACITY] = ""; // There is always a NUL at size_.
+    size_t size_ = 0;
 };
 
-// One argument list that several functions consume in turn.
-struct Arguments {
-    va_list list;
-};
-
-// A placeholder taken apart: %{privacy}flags width.precision length conversion.
-struct Placeholder {
-    bool isPublic = false;
-    char flags[8] = "";
-    int width = 0;
-    int precision = -1; // Negative means none, in printf too.
-    char length = '\0'; // 'H' stands for hh and 'q' for ll.
-    char conversion = '\0';
-};
-
-bool IsOneOf(char letter, const char* letters)
+bool SkipWord(const char*& at, const char* word)
 {
-    return letter != '\0' && std::strchr(letters, letter) != nullptr;
+    const size_t length = std::strlen(word);
+    const bool isThere = std::strncmp(at, word, length) == 0;
+    at += isThere ? length : 0;
+    return isThere;
 }
 
-// A width or precision: digits, or a star that takes an argument. More than the text could hold makes no difference.
-int ParseNumber(const char*& at, Arguments& arguments)
+// Knows the conversions s and d. After any other the types of the arguments are unknown: from there on `fmt` is
+// appended as it stands.
+void AppendMessage(Text<MESSAGE_CAPACITY>& message, const char* fmt, va_list arguments)
 {
-    if (*at == '*') {
-        at++;
-        return std::clamp(va_arg(arguments.list, int), -Text::CAPACITY, Text::CAPACITY);
-    }
-    int number = 0;
-    for (; std::isdigit(static_cast<unsigned char>(*at)) != 0; at++) {
-        number = std::min(number * 10 + (*at - '0'), Text::CAPACITY);
-    }
-    return number;
-}
-
-// Parses behind the '%' and moves `at` behind the placeholder. False if it is not one.
-bool ParsePlaceholder(const char*& at, Arguments& arguments, Placeholder& placeholder)
-{
-    if (*at == '{') {
-        const char* end = std::strchr(at, '}');
-        if (end == nullptr) {
-            return false;
+    while (const char* percent = std::strchr(fmt, '%')) {
+        const char* at = percent + 1;
+        const bool isPublic = SkipWord(at, "{public}");
+        if (!isPublic) {
+            SkipWord(at, "{private}");
         }
-        // Whatever is not declared public stays private.
-        placeholder.isPublic = std::strncmp(at, "{public}", static_cast<size_t>(end + 1 - at)) == 0;
-        at = end + 1;
-    }
-    const size_t flags = std::strspn(at, "-+ #0");
-    if (flags >= sizeof(placeholder.flags)) {
-        return false;
-    }
-    std::memcpy(placeholder.flags, at, flags);
-    at += flags;
-    placeholder.width = ParseNumber(at, arguments);
-    if (*at == '.') {
-        at++;
-        placeholder.precision = ParseNumber(at, arguments);
-    }
-    if (IsOneOf(*at, "hljztL")) {
-        placeholder.length = *at++;
-        if (IsOneOf(placeholder.length, "hl") && *at == placeholder.length) {
-            placeholder.length = placeholder.length == 'h' ? 'H' : 'q';
-            at++;
+        if (*at != 's' && *at != 'd') {
+            break;
         }
-    }
-    placeholder.conversion = *at;
-    const bool isPlain = placeholder.length == '\0';
-    const bool isKnown = (IsOneOf(*at, "diouxX") && placeholder.length != 'L') ||
-                         (IsOneOf(*at, "aAeEfFgG") && (isPlain || IsOneOf(placeholder.length, "lL"))) ||
-                         (IsOneOf(*at, "csp%") && isPlain);
-    at += isKnown ? 1 : 0;
-    return isKnown;
-}
-
-// Prints one value as the placeholder says, or only its having been there. `length` must match the type T.
-template <typename T>
-void AppendValue(Text& text, const Placeholder& placeholder, const char* length, T value)
-{
-    if (!placeholder.isPublic) {
-        text.Append("%s", "<private>");
-        return;
-    }
-    char format[32];
-    std::snprintf(format, sizeof(format), "%%%s*.*%s%c", placeholder.flags, length, placeholder.conversion);
-    text.Append(format, placeholder.width, placeholder.precision, value);
-}
-
-// Takes an integer argument, cuts it to the type that `length` names, and widens that.
-template <typename Char, typename Short, typename Int, typename Wide>
-Wide TakeInteger(char length, Arguments& arguments)
-{
-    static_assert(std::is_same_v<intmax_t, long>);
-    static_assert(std::is_same_v<ssize_t, long>);
-    static_assert(std::is_same_v<ptrdiff_t, long>);
-    if (length == 'q') {
-        return static_cast<Wide>(va_arg(arguments.list, long long));
-    }
-    switch (length) {
-    case 'H':
-        return static_cast<Char>(va_arg(arguments.list, int));
-    case 'h':
-        return static_cast<Short>(va_arg(arguments.list, int));
-    case '\0':
-        return static_cast<Int>(va_arg(arguments.list, int));
-    default:
-        return static_cast<Wide>(va_arg(arguments.list, long));
-    }
-}
-
-// Takes one argument, of the type that the placeholder names, and prints it.
-void AppendPlaceholder(Text& text, Placeholder& placeholder, Arguments& arguments)
-{
-    switch (placeholder.conversion) {
-    case '%':
-        text.Append("%c", '%');
-        break;
-    case 's': {
-        const char* value = va_arg(arguments.list, const char*);
-        AppendValue(text, placeholder, "", value != nullptr ? value : "(null)");
-        break;
-    }
-    case 'c':
-        placeholder.precision = -1;
-        AppendValue(text, placeholder, "", va_arg(arguments.list, int));
-        break;
-    case 'p':
-        placeholder.precision = -1;
-        AppendValue(text, placeholder, "", va_arg(arguments.list, void*));
-        break;
-    case 'd':
-    case 'i':
-        AppendValue(
-            text, placeholder, "ll", TakeInteger<signed char, short, int, long long>(placeholder.length, arguments));
-        break;
-    case 'o':
-    case 'u':
-    case 'x':
-    case 'X':
-        AppendValue(text, placeholder, "ll",
-            TakeInteger<unsigned char, unsigned short, unsigned, unsigned long long>(placeholder.length, arguments));
-        break;
-    default:
-        if (placeholder.length == 'L') {
-            AppendValue(text, placeholder, "L", va_arg(arguments.list, long double));
+        message.Append("%.*s", static_cast<int>(std::min<ptrdiff_t>(percent - fmt, INT_MAX)), fmt);
+        const char* const text = *at == 's' ? va_arg(arguments, const char*) : nullptr;
+        const int number = *at == 'd' ? va_arg(arguments, int) : 0;
+        if (isPublic && *at == 'd') {
+            message.Append("%d", number);
         } else {
-            AppendValue(text, placeholder, "", va_arg(arguments.list, double));
+            message.Append("%s", !isPublic ? "<private>" : text != nullptr ? text : "(null)");
         }
-        break;
+        fmt = at + 1;
     }
+    message.Append("%s", fmt);
 }
 
-void AppendMessage(Text& text, const char* fmt, Arguments& arguments)
+// Writes what standard error takes at once. Other processes share its open file description, so that O_NONBLOCK must
+// not be set there: pipes and terminals are opened a second time.
+ssize_t WriteAtOnce(const char* data, size_t size)
 {
-    while (*fmt != '\0') {
-        const char* percent = std::strchr(fmt, '%');
-        if (percent == nullptr) {
-            break;
-        }
-        text.Append(fmt, static_cast<int>(std::min<ptrdiff_t>(percent - fmt, Text::CAPACITY)));
-        fmt = percent + 1;
-        Placeholder placeholder;
-        if (!ParsePlaceholder(fmt, arguments, placeholder)) {
-            // From here on nobody knows the types of the arguments.
-            fmt = percent;
-            break;
-        }
-        AppendPlaceholder(text, placeholder, arguments);
+    struct stat file {};
+    if (fstat(STDERR_FILENO, &file) != 0) {
+        return -1;
     }
-    text.Append("%s", fmt);
+    if (S_ISSOCK(file.st_mode)) {
+        return send(STDERR_FILENO, data, size, MSG_DONTWAIT | MSG_NOSIGNAL);
+    }
+    if (!S_ISFIFO(file.st_mode) && !S_ISCHR(file.st_mode)) {
+        return write(STDERR_FILENO, data, size);
+    }
+    const int own = open("/proc/self/fd/2", O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (own >= 0) {
+        const ssize_t written = write(own, data, size);
+        const int error = errno;
+        close(own);
+        errno = error;
+        return written;
+    }
+    // It is another user's perhaps. A pipe that is ready has room for as much as is written here.
+    pollfd ready{STDERR_FILENO, POLLOUT, 0};
+    return poll(&ready, 1, 0) == 1 ? write(STDERR_FILENO, data, std::min<size_t>(size, PIPE_BUF)) : -1;
 }
 
-void AppendHead(Text& text, LogType type, LogLevel level, unsigned int domain, const char* tag)
+// As above, without the signal that a pipe without a reader sends. True if everything was written.
+bool WriteSilently(const char* data, size_t size)
+{
+    sigset_t pending;
+    sigset_t before;
+    sigset_t sigpipe;
+    sigemptyset(&sigpipe);
+    sigaddset(&sigpipe, SIGPIPE);
+    sigpending(&pending);
+    pthread_sigmask(SIG_BLOCK, &sigpipe, &before);
+    const ssize_t written = WriteAtOnce(data, size);
+    if (written < 0 && errno == EPIPE && sigismember(&pending, SIGPIPE) == 0) {
+        const timespec atOnce{};
+        sigtimedwait(&sigpipe, nullptr, &atOnce);
+    }
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return written == static_cast<ssize_t>(size);
+}
+
+void PrintLine(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* message)
 {
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
     tm local{};
     localtime_r(&now.tv_sec, &local);
-    const bool isLevel = level >= LOG_DEBUG && level <= LOG_FATAL;
     const char typeLetter = type == LOG_APP ? 'A' : type == LOG_INIT ? 'I' : 'C';
-    text.Append("%02d-%02d %02d:%02d:%02d.%03ld  %d  %d %c %c%05x/%s: ", local.tm_mon + 1, local.tm_mday, local.tm_hour,
-        local.tm_min, local.tm_sec, now.tv_nsec / NANOSECONDS_PER_MILLISECOND, getpid(), gettid(),
-        isLevel ? LEVEL_LETTERS[level - LOG_DEBUG] : '?', typeLetter, domain & DOMAIN_MASK, tag);
+    const unsigned lost = g_lostLines.exchange(0);
+    Text<LINE_CAPACITY> line;
+    if (lost > 0) {
+        line.Append("[%u lines lost]\n", lost);
+    }
+    const size_t start = line.GetSize();
+    line.Append("%02d-%02d %02d:%02d:%02d.%03ld  %d  %d %c %c%05x/%s: %s", local.tm_mon + 1, local.tm_mday,
+        local.tm_hour, local.tm_min, local.tm_sec, now.tv_nsec / NANOSECONDS_PER_MILLISECOND, getpid(), gettid(),
+        LEVEL_LETTERS[level - LOG_DEBUG], typeLetter, domain & DOMAIN_MASK, tag, message);
+    line.MakePrintable(start);
+    line.Append("%c", '\n');
+    if (!WriteSilently(line.GetData(), line.GetSize())) {
+        g_lostLines += lost + 1;
+    }
 }
 
 int ReadThreshold()
@@ -261,7 +183,7 @@ int ReadThreshold()
     return letter != nullptr ? LOG_DEBUG + static_cast<int>(letter - LEVEL_LETTERS) : LOG_INFO;
 }
 
-int Print(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, Arguments& arguments)
+int Print(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, va_list arguments)
 {
     if (fmt == nullptr) {
         return -1;
@@ -272,16 +194,15 @@ int Print(LogType type, LogLevel level, unsigned int domain, const char* tag, co
         return 0;
     }
     const int savedErrno = errno;
-    const char* safeTag = tag != nullptr ? tag : "";
-    Text text;
-    AppendHead(text, type, level, domain, safeTag);
-    const int headSize = text.GetSize();
-    AppendMessage(text, fmt, arguments);
+    Text<TAG_CAPACITY> shortTag;
+    shortTag.Append("%s", tag != nullptr ? tag : "");
+    Text<MESSAGE_CAPACITY> message;
+    AppendMessage(message, fmt, arguments);
     if (callback != nullptr) {
-        callback(type, level, domain, safeTag, text.GetData() + headSize);
+        callback(type, level, domain, shortTag.GetData(), message.GetData());
     }
     if (isPrinted) {
-        text.WriteLine();
+        PrintLine(type, level, domain, shortTag.GetData(), message.GetData());
     }
     errno = savedErrno;
     return 0;
@@ -291,10 +212,10 @@ int Print(LogType type, LogLevel level, unsigned int domain, const char* tag, co
 
 // A function with "..." cannot hand its arguments on but as a va_list.
 #define PRINT_ARGUMENTS(type, level, domain, tag, fmt)                                                                 \
-    Arguments arguments;                                                                                               \
-    va_start(arguments.list, fmt);                                                                                     \
+    va_list arguments;                                                                                                 \
+    va_start(arguments, fmt);                                                                                          \
     const int result = Print(type, level, domain, tag, fmt, arguments);                                                \
-    va_end(arguments.list);                                                                                            \
+    va_end(arguments);                                                                                                 \
     return result
 
 int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, ...)
@@ -313,8 +234,7 @@ void LOG_SetCallback(LogCallback callback)
     g_callback.store(callback);
 }
 
-namespace OHOS {
-namespace HiviewDFX {
+namespace OHOS::HiviewDFX {
 
 int HiLog::Debug(const HiLogLabel& label, const char* fmt, ...)
 {
@@ -341,5 +261,4 @@ int HiLog::Fatal(const HiLogLabel& label, const char* fmt, ...)
     PRINT_ARGUMENTS(label.type, LOG_FATAL, label.domain, label.tag, fmt);
 }
 
-} // namespace HiviewDFX
-} // namespace OHOS
+} // namespace OHOS::HiviewDFX

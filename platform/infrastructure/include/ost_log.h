@@ -7,11 +7,7 @@
 
 #include "hilog/log.h"
 
-namespace OHOS {
-namespace Korvane {
-namespace Quenlar {
-namespace Util {
-namespace OstLog {
+namespace OHOS::Korvane::Quenlar::Util::OstLog {
 
 /** What all log lines of one source file have in common. Immutable, so that any thread may read it. */
 class Tag {
@@ -47,10 +43,6 @@ private:
     std::string subSystem_;
 };
 
-} // namespace OstLog
-} // namespace Util
-} // namespace Quenlar
-} // namespace Korvane
-} // namespace OHOS
+} // namespace OHOS::Korvane::Quenlar::Util::OstLog
 
 #endif // OST_LOG_H

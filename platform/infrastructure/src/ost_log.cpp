@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ost_log.h"
 
-namespace OHOS {
-namespace Korvane {
-namespace Quenlar {
-namespace Util {
-namespace OstLog {
+namespace OHOS::Korvane::Quenlar::Util::OstLog {
 namespace {
 
 constexpr uint32_t COMPONENT_DOMAIN = 0xD005610;
@@ -46,8 +42,4 @@ const std::string& Tag::GetModuleTag() const
     return module_;
 }
 
-} // namespace OstLog
-} // namespace Util
-} // namespace Quenlar
-} // namespace Korvane
-} // namespace OHOS
+} // namespace OHOS::Korvane::Quenlar::Util::OstLog

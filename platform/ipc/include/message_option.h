@@ -2,9 +2,11 @@
 #ifndef MESSAGE_OPTION_H
 #define MESSAGE_OPTION_H
 
+#include <algorithm>
+
 namespace OHOS {
 
-/** How a request is sent. A plain value. */
+/** How a request is sent. A plain value; the constructor keeps what it is given. */
 class MessageOption {
 public:
     /** The caller waits for the reply. */
@@ -13,12 +15,14 @@ public:
     static constexpr int TF_ASYNC = 1;
     /** In seconds. */
     static constexpr int TF_WAIT_TIME = 8;
+    static constexpr int MAX_WAIT_TIME = 3000;
 
-    explicit MessageOption(int flags = TF_SYNC, int waitTime = TF_WAIT_TIME) : flags_(flags), waitTime_(waitTime) {}
+    MessageOption(int flags = TF_SYNC, int waitTime = TF_WAIT_TIME) : flags_(flags), waitTime_(waitTime) {}
 
+    /** Adds flags to those that are set. */
     void SetFlags(int flags)
     {
-        flags_ = flags;
+        flags_ |= flags;
     }
 
     int GetFlags() const
@@ -26,10 +30,10 @@ public:
         return flags_;
     }
 
-    /** The longest that a call may take, in seconds, connecting included. */
+    /** The longest that a call may take, in seconds: 8 for anything below 1, and 3000 for anything above that. */
     void SetWaitTime(int waitTime)
     {
-        waitTime_ = waitTime;
+        waitTime_ = waitTime < 1 ? TF_WAIT_TIME : std::min(waitTime, MAX_WAIT_TIME);
     }
 
     int GetWaitTime() const

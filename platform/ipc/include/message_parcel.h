@@ -23,7 +23,7 @@ public:
     MessageParcel();
     ~MessageParcel() override;
 
-    /** Two int32, then the token as a UTF-16 string. */
+    /** Two int32, then the token as a UTF-16 string. A first int32 without room for the second is taken back. */
     bool WriteInterfaceToken(std::u16string token);
 
     /** The token; empty if there is none. */
@@ -41,6 +41,9 @@ public:
      * no object was written.
      */
     sptr<IRemoteObject> ReadRemoteObject();
+
+protected:
+    bool HasObject(size_t begin, size_t end) const override;
 
 private:
     friend class Transport::Incoming;

@@ -172,6 +172,7 @@ int Incoming::Receive(int fd, const std::shared_ptr<Peer>& from, MessageParcel& 
         if (error == ERR_NONE) {
             std::move(objects.begin(), objects.end(), std::back_inserter(parcel.objects_));
             parcel.peer_ = from;
+            parcel.SetReceived();
             return ERR_NONE;
         }
     }

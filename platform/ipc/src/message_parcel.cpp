@@ -26,7 +26,12 @@ MessageParcel::~MessageParcel() = default;
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 bool MessageParcel::WriteInterfaceToken(std::u16string token)
 {
-    return WriteInt32(TOKEN_POLICY) && WriteInt32(TOKEN_WORK_SOURCE) && WriteString16(token);
+    const size_t start = GetDataSize();
+    if (!WriteInt32(TOKEN_POLICY) || !WriteInt32(TOKEN_WORK_SOURCE)) {
+        Truncate(start);
+        return false;
+    }
+    return WriteString16(token);
 }
 
 std::u16string MessageParcel::ReadInterfaceToken()
@@ -68,6 +73,13 @@ sptr<IRemoteObject> MessageParcel::ReadRemoteObject()
     }
     Skip(Transport::HANDLE_SIZE);
     return found->object;
+}
+
+bool MessageParcel::HasObject(size_t begin, size_t end) const
+{
+    const auto next = std::partition_point(objects_.begin(), objects_.end(),
+        [begin](const Entry& entry) { return entry.position + Transport::HANDLE_SIZE <= begin; });
+    return next != objects_.end() && next->position < end;
 }
 
 } // namespace OHOS

@@ -18,21 +18,18 @@ class Parcel;
  */
 class Parcelable : public virtual RefBase {
 public:
-    ~Parcelable() override = default;
-
     /** Appends the object to `parcel`. False if a write failed; what was written before it stays. */
     virtual bool Marshalling(Parcel& parcel) const = 0;
 };
 
 /**
- * A growing run of bytes with a read cursor. Items are little-endian and padded with zeros to 4 bytes. Not
- * thread-safe.
+ * A growing run of bytes with a read cursor. Items are little-endian and padded to 4 bytes. Not thread-safe.
  *
- * A write returns false, and writes nothing, when it would pass the maximum capacity or when memory is short. (A
- * parcelable may have written some of its parts.) `bool ReadX(X&)` returns false when the item is cut or malformed; the
- * cursor and the value then stay as they were, but a string is emptied. `X ReadX()` gives 0, false or an empty string
- * instead. Padding that is missing at the very end is forgiven. A bool is written as 0 or 1, and read as true from
- * anything but 0.
+ * A write fails past the maximum capacity, without memory, and in a parcel that was received. Nothing is written then,
+ * but the length of a string may be, and parts of a parcelable. `bool ReadX(X&)` fails where the item is cut, malformed
+ * or a remote object's bytes. Cursor and value then stay as they were, but a string is emptied, and a number read from
+ * a remote object moves the cursor. `X ReadX()` gives 0, false or an empty string instead. Padding that is missing at
+ * the very end is forgiven. A bool is written as 0 or 1, and read as true from anything but 0.
  */
 class Parcel {
 public:
@@ -44,19 +41,17 @@ public:
     /** Bytes written, padding included. */
     size_t GetDataSize() const;
 
-    /** Bytes from the read cursor to the end. */
+    /** Bytes from the read cursor to the end, and from the start to it. */
     size_t GetReadableBytes() const;
-
-    /** The read cursor, in bytes from the start. */
     size_t GetReadPosition() const;
 
     /** Bytes that GetDataSize() may reach: 204800 at first. */
     size_t GetMaxCapacity() const;
 
-    /** Raises the maximum capacity. False, and no change, unless `maxCapacity` is greater than the present one. */
+    /** Raises the maximum capacity. False, and no change, unless `maxCapacity` is greater. */
     bool SetMaxCapacity(size_t maxCapacity);
 
-    /** Sets the read cursor. False, and no change, behind the end. */
+    /** Sets the read cursor. False, and no change, for a position past the end. */
     bool RewindRead(size_t position);
 
     /** Address of the bytes, which belong to the parcel and may move at the next write; 0 before the first one. */
@@ -74,11 +69,11 @@ public:
     bool WriteString(const std::string& value);
     bool WriteString16(const std::u16string& value);
 
-    /** An int32 1 and the object's Marshalling; an int32 0 for null. */
+    /** An int32 1 and the object's Marshalling; an int32 0 for null, which in the second form never fails. */
     bool WriteParcelable(const Parcelable* object);
     bool WriteStrongParcelable(const sptr<Parcelable>& object);
 
-    /** Copies `size` bytes, without a length before them. False for null. */
+    /** Copies `size` bytes, without a length before them. False for null or no bytes. */
     bool WriteBuffer(const void* data, size_t size);
 
     bool ReadBool(bool& value);
@@ -88,6 +83,8 @@ public:
     bool ReadUint64(uint64_t& value);
     bool ReadFloat(float& value);
     bool ReadDouble(double& value);
+
+    /** After a length below 0 or of INT32_MAX, which stands for no string, the cursor stays past the length. */
     bool ReadString(std::string& value);
     bool ReadString16(std::u16string& value);
 
@@ -114,38 +111,42 @@ public:
         return sptr<T>(ReadParcelable<T>());
     }
 
-    /** The next `size` bytes, to be used before the next write; null, and no change, if there are fewer. */
+    /** The next `size` bytes without their padding, to be used before the next write; null if there are fewer. */
     const uint8_t* ReadBuffer(size_t size);
 
 protected:
-    /**
-     * Appends `size` bytes and their padding, and returns where the caller must fill the bytes in before anything else
-     * is written; null, and no change, over the maximum capacity or without memory.
-     */
+    /** Appends `size` bytes, which the caller fills in at once, and their padding. Null where a write would fail. */
     uint8_t* Extend(size_t size);
 
     /** Cuts the data to `size` bytes: data from outside, once copied in, need not end with padding. */
     void Truncate(size_t size);
 
-    /** Moves the read cursor past `size` bytes and their padding. As ReadBuffer. */
-    const uint8_t* Take(size_t size);
+    /** Ends writing: what came from outside is only read. */
+    void SetReceived();
+
+    /** Moves the read cursor past `size` bytes and their padding. False, and no change, if there are fewer. */
     bool Skip(size_t size);
 
+    /** True if any byte from `begin` up to `end` is a remote object's; a plain parcel has none. */
+    virtual bool HasObject(size_t begin, size_t end) const;
+
 private:
+    const uint8_t* Take(size_t size);
     template <typename T>
     bool Write(T value);
     template <typename T>
     bool Read(T& value);
     template <typename Char>
-    bool WriteText(const std::basic_string<Char>& text);
+    bool Write(const std::basic_string<Char>& text);
     template <typename Char>
-    bool ReadText(std::basic_string<Char>& text);
+    bool Read(std::basic_string<Char>& text);
 
     uint8_t* data_ = nullptr;
     size_t dataSize_ = 0;
     size_t capacity_ = 0; // Bytes allocated at data_.
     size_t maxCapacity_ = 204800;
     size_t readPosition_ = 0;
+    bool received_ = false;
 };
 
 } // namespace OHOS

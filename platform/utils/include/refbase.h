@@ -18,7 +18,7 @@ public:
     /** Adds a strong reference. True if it is the first one. */
     bool IncStrong();
 
-    /** Adds a strong reference if there is one already; false means that the object is not to be had. */
+    /** Adds a strong reference if there is one already. False, and no change, if there is none. */
     bool TryIncStrong();
 
     /** Takes a strong reference away. True if it was the last one. */
@@ -50,7 +50,7 @@ public:
     RefBase& operator=(const RefBase& other) noexcept;
     virtual ~RefBase();
 
-    /** Adds a strong reference. `objectId` tells the hooks who holds it. */
+    /** Adds a strong reference. `objectId` identifies its holder to the hooks. */
     void IncStrongRef(const void* objectId);
 
     /** Takes a strong reference away, and deletes the object if it was the last one. */
@@ -177,9 +177,7 @@ public:
         IncWeak();
     }
 
-    wptr(wptr&& other) noexcept
-        : object_(std::exchange(other.object_, nullptr)), counter_(std::exchange(other.counter_, nullptr))
-    {}
+    wptr(wptr&& other) noexcept : object_(other.object_), counter_(std::exchange(other.counter_, nullptr)) {}
 
     template <typename U, typename = std::enable_if_t<std::is_convertible_v<U*, T*>>>
     wptr(const sptr<U>& other) : wptr(static_cast<T*>(other.GetRefPtr()))
@@ -215,26 +213,26 @@ public:
         return strong;
     }
 
-    /** The pointer as it was given. The object may be gone: to be compared, not to be followed. */
+    /** The object; null where promote would give null. It may end at any time: to be compared, not to be followed. */
     T* GetRefPtr() const
     {
-        return object_;
+        return counter_ != nullptr && counter_->GetStrong() > 0 ? object_ : nullptr;
     }
 
-    /** True for weak references to one object; a new object at a dead one's address is another one. */
+    /** Compares what GetRefPtr gives, so that a reference to a dead object equals null. */
     bool operator==(const wptr& other) const
     {
-        return counter_ == other.counter_;
+        return GetRefPtr() == other.GetRefPtr();
     }
 
     bool operator==(const sptr<T>& other) const
     {
-        return object_ == other.GetRefPtr();
+        return GetRefPtr() == other.GetRefPtr();
     }
 
     bool operator==(const T* other) const
     {
-        return object_ == other;
+        return GetRefPtr() == other;
     }
 
     template <typename Other>

@@ -6,10 +6,10 @@
 
 namespace OHOS {
 
-/** UTF-8 to UTF-16, up to the first NUL. Empty if the text is malformed before it: nothing is repaired. */
+/** UTF-8 to UTF-16, up to the first NUL. Nothing is checked but the end: empty if that cuts a sequence short. */
 std::u16string Str8ToStr16(const std::string& text);
 
-/** UTF-16 to UTF-8, up to the first NUL. Empty if there is a lone surrogate before it. */
+/** UTF-16 to UTF-8, up to the first NUL. A lone surrogate is left out. */
 std::string Str16ToStr8(const std::u16string& text);
 
 } // namespace OHOS

@@ -73,7 +73,7 @@ uint8_t* Parcel::Extend(size_t size)
 {
     const size_t padding = PaddingOf(size);
     const size_t room = maxCapacity_ - dataSize_;
-    if (size > room || padding > room - size) {
+    if (received_ || size > room || padding > room - size) {
         return nullptr;
     }
     const size_t end = dataSize_ + size + padding;
@@ -97,6 +97,16 @@ void Parcel::Truncate(size_t size)
 {
     dataSize_ = std::min(dataSize_, size);
     readPosition_ = std::min(readPosition_, dataSize_);
+}
+
+void Parcel::SetReceived()
+{
+    received_ = true;
+}
+
+bool Parcel::HasObject(size_t /* begin */, size_t /* end */) const
+{
+    return false;
 }
 
 const uint8_t* Parcel::Take(size_t size)
@@ -130,7 +140,7 @@ template <typename T>
 bool Parcel::Read(T& value)
 {
     const uint8_t* begin = Take(sizeof(value));
-    if (begin == nullptr) {
+    if (begin == nullptr || HasObject(readPosition_ - sizeof(value), readPosition_)) {
         return false;
     }
     std::memcpy(&value, begin, sizeof(value));
@@ -138,33 +148,30 @@ bool Parcel::Read(T& value)
 }
 
 template <typename Char>
-bool Parcel::WriteText(const std::basic_string<Char>& text)
+bool Parcel::Write(const std::basic_string<Char>& text)
 {
     if (text.size() > static_cast<size_t>(std::numeric_limits<int32_t>::max())) {
         return false;
     }
-    const auto length = static_cast<int32_t>(text.size());
-    const size_t textSize = (text.size() + 1) * sizeof(Char);
-    uint8_t* begin = Extend(sizeof(length) + textSize);
-    if (begin == nullptr) {
-        return false;
-    }
-    std::memcpy(begin, &length, sizeof(length));
-    std::memcpy(begin + sizeof(length), text.c_str(), textSize);
-    return true;
+    return Write(static_cast<int32_t>(text.size())) && WriteBuffer(text.c_str(), (text.size() + 1) * sizeof(Char));
 }
 
 template <typename Char>
-bool Parcel::ReadText(std::basic_string<Char>& text)
+bool Parcel::Read(std::basic_string<Char>& text)
 {
     text.clear();
     const size_t start = readPosition_;
     int32_t length = 0;
-    if (Read(length) && length >= 0) {
+    if (Read(length)) {
+        if (length < 0 || length == std::numeric_limits<int32_t>::max()) {
+            return false;
+        }
+        const size_t textStart = readPosition_;
         const size_t textSize = static_cast<size_t>(length) * sizeof(Char);
         const uint8_t* begin = Take(textSize + sizeof(Char));
         constexpr Char END = 0;
-        if (begin != nullptr && std::memcmp(begin + textSize, &END, sizeof(END)) == 0) {
+        if (begin != nullptr && !HasObject(textStart, textStart + textSize + sizeof(END)) &&
+            std::memcmp(begin + textSize, &END, sizeof(END)) == 0) {
             text.resize(static_cast<size_t>(length));
             std::memcpy(text.data(), begin, textSize);
             return true;
@@ -174,71 +181,53 @@ bool Parcel::ReadText(std::basic_string<Char>& text)
     return false;
 }
 
-// The three functions of one scalar item: its name, its type in memory, its type in the parcel.
-#define PARCEL_SCALAR(Name, Type, Stored)                                                                              \
-    bool Parcel::Write##Name(Type value)                                                                               \
+bool Parcel::WriteBool(bool value)
+{
+    return Write<int32_t>(value ? 1 : 0);
+}
+
+bool Parcel::ReadBool(bool& value)
+{
+    int32_t number = 0;
+    if (!Read(number)) {
+        return false;
+    }
+    value = number != 0;
+    return true;
+}
+
+bool Parcel::ReadBool()
+{
+    return ReadInt32() != 0;
+}
+
+// The three functions of one kind of item: its name, its type, how that is handed over.
+#define PARCEL_ITEM(Name, Type, Argument)                                                                              \
+    bool Parcel::Write##Name(Argument value)                                                                           \
     {                                                                                                                  \
-        return Write(static_cast<Stored>(value));                                                                      \
+        return Write(value);                                                                                           \
     }                                                                                                                  \
     bool Parcel::Read##Name(Type& value) /* NOLINT(bugprone-macro-parentheses): a type takes none */                   \
     {                                                                                                                  \
-        Stored stored{};                                                                                               \
-        if (!Read(stored)) {                                                                                           \
-            return false;                                                                                              \
-        }                                                                                                              \
-        value = static_cast<Type>(stored);                                                                             \
-        return true;                                                                                                   \
+        return Read(value);                                                                                            \
     }                                                                                                                  \
     Type Parcel::Read##Name()                                                                                          \
     {                                                                                                                  \
         Type value{};                                                                                                  \
-        Read##Name(value);                                                                                             \
+        Read(value);                                                                                                   \
         return value;                                                                                                  \
     }
 
-PARCEL_SCALAR(Bool, bool, int32_t)
-PARCEL_SCALAR(Int32, int32_t, int32_t)
-PARCEL_SCALAR(Uint32, uint32_t, uint32_t)
-PARCEL_SCALAR(Int64, int64_t, int64_t)
-PARCEL_SCALAR(Uint64, uint64_t, uint64_t)
-PARCEL_SCALAR(Float, float, float)
-PARCEL_SCALAR(Double, double, double)
+PARCEL_ITEM(Int32, int32_t, int32_t)
+PARCEL_ITEM(Uint32, uint32_t, uint32_t)
+PARCEL_ITEM(Int64, int64_t, int64_t)
+PARCEL_ITEM(Uint64, uint64_t, uint64_t)
+PARCEL_ITEM(Float, float, float)
+PARCEL_ITEM(Double, double, double)
+PARCEL_ITEM(String, std::string, const std::string&)
+PARCEL_ITEM(String16, std::u16string, const std::u16string&)
 
-#undef PARCEL_SCALAR
-
-bool Parcel::WriteString(const std::string& value)
-{
-    return WriteText(value);
-}
-
-bool Parcel::WriteString16(const std::u16string& value)
-{
-    return WriteText(value);
-}
-
-bool Parcel::ReadString(std::string& value)
-{
-    return ReadText(value);
-}
-
-bool Parcel::ReadString16(std::u16string& value)
-{
-    return ReadText(value);
-}
-
-std::string Parcel::ReadString()
-{
-    std::string value;
-    ReadText(value);
-    return value;
-}
-
-std::u16string Parcel::ReadString16()
-{
-    std::u16string value;
-    ReadText(value);
-    return value;
-}
+#undef PARCEL_ITEM
 
 bool Parcel::WriteParcelable(const Parcelable* object)
 {
@@ -250,12 +239,12 @@ bool Parcel::WriteParcelable(const Parcelable* object)
 
 bool Parcel::WriteStrongParcelable(const sptr<Parcelable>& object)
 {
-    return WriteParcelable(object.GetRefPtr());
+    return WriteParcelable(object.GetRefPtr()) || object == nullptr;
 }
 
 bool Parcel::WriteBuffer(const void* data, size_t size)
 {
-    uint8_t* begin = data != nullptr ? Extend(size) : nullptr;
+    uint8_t* begin = data != nullptr && size > 0 ? Extend(size) : nullptr;
     if (begin == nullptr) {
         return false;
     }
@@ -265,7 +254,12 @@ bool Parcel::WriteBuffer(const void* data, size_t size)
 
 const uint8_t* Parcel::ReadBuffer(size_t size)
 {
-    return Take(size);
+    if (size > GetReadableBytes() || HasObject(readPosition_, readPosition_ + size)) {
+        return nullptr;
+    }
+    const uint8_t* begin = data_ + readPosition_;
+    readPosition_ += size;
+    return begin;
 }
 
 } // namespace OHOS

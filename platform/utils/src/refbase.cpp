@@ -11,7 +11,7 @@ bool RefCounter::IncStrong()
 bool RefCounter::TryIncStrong()
 {
     int count = strong_.load(std::memory_order_relaxed);
-    // Never from 0: whoever took the last reference away is deleting the object.
+    // Never from 0: the thread that took the last reference away is deleting the object.
     while (count > 0) {
         if (strong_.compare_exchange_weak(count, count + 1, std::memory_order_acquire, std::memory_order_relaxed)) {
             return true;

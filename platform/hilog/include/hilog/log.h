@@ -25,13 +25,15 @@ typedef enum {
 } LogLevel;
 
 /**
- * Logs one message. `fmt` is printf's, with a privacy in each placeholder: "%{public}s" prints its argument,
- * "%{private}s" and a bare "%s" print "<private>". Where a placeholder cannot be understood, the rest of `fmt` is
- * printed as it stands. "%n", numbered arguments and wide characters are not supported.
+ * Logs one message, cut at 4095 bytes, under a tag, cut at 31. `fmt` knows two conversions, s and d, each with a
+ * privacy:
+ * "%{public}s" prints its argument, "%{private}s" and a bare "%s" print "<private>". Where another one is met, the rest
+ * of `fmt` is printed as it stands.
  *
  * A message whose level reaches the environment's HILOG_LEVEL (D, I, W, E, F or OFF, read once; else I) goes to
- * standard error as one line and one write, so that lines do not mix; a line is cut at 8 KiB. Any thread may log.
- * Allocates nothing and keeps errno. Returns 0, or -1 for a null `fmt`.
+ * standard error as one line and one write, with "?" for control characters. A line that standard error does not take
+ * at once is lost: no logging thread waits or gets SIGPIPE, and the next line that is taken comes after their number.
+ * Any thread may log. Allocates nothing and keeps errno. Returns 0, or -1 for a null `fmt`.
  */
 int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, ...);
 
@@ -51,8 +53,7 @@ void LOG_SetCallback(LogCallback callback);
 #ifdef __cplusplus
 } // extern "C"
 
-namespace OHOS {
-namespace HiviewDFX {
+namespace OHOS::HiviewDFX {
 
 /** What the messages of one source have in common. `tag` must outlive every use of the label. */
 struct HiLogLabel {
@@ -71,8 +72,7 @@ public:
     static int Fatal(const HiLogLabel& label, const char* fmt, ...);
 };
 
-} // namespace HiviewDFX
-} // namespace OHOS
+} // namespace OHOS::HiviewDFX
 #endif
 
 #endif // HILOG_LOG_H
