@@ -8,8 +8,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
+#include <utility>
+#include <vector>
 
 #include "wire.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test {
 
@@ -22,7 +27,7 @@ inline void Require(bool holds, const char* property)
     }
 }
 
-/** What the fuzzer came up with, taken from its front. Behind its end everything is 0. */
+/** The fuzzer's bytes, taken from the front. After their end everything is 0. */
 class Input {
 public:
     Input(const uint8_t* data, size_t size) : data_(data), size_(size) {}
@@ -71,8 +76,124 @@ private:
     size_t size_;
 };
 
-} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test
+/**
+ * Reads a parcel's bytes by their documentation, and shares no code with the parcel. A layout names items, a letter
+ * each: i  4 bytes, l  8 bytes, s  string, u  string16, L  int32 count and that many strings, ?  presence flag of a
+ * record
+ */
+class Reader {
+public:
+    explicit Reader(Bytes read = "", std::vector<size_t> positions = {})
+        : bytes(std::move(read)), objects(std::move(positions))
+    {}
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
+    std::optional<Bytes> Number(size_t size)
+    {
+        const bool isThere = size <= bytes.size() - cursor;
+        const bool isNumber = isThere && !HasObject(cursor, size);
+        cursor += isThere ? size : 0; // Past bytes of an object, too.
+        return isNumber ? std::optional(bytes.substr(cursor - size, size)) : std::nullopt;
+    }
+
+    std::optional<Bytes> Buffer(size_t size)
+    {
+        const size_t start = cursor;
+        const auto buffer = HasObject(cursor, size) ? std::nullopt : Number(size);
+        cursor = buffer ? cursor : start;
+        return buffer;
+    }
+
+    /** The text without its length and end. */
+    std::optional<Bytes> Text(size_t unit)
+    {
+        const size_t start = cursor;
+        const auto head = Buffer(4);
+        const int64_t length = head ? Value(*head) : 0;
+        if (!head || length < 0 || length == INT32_MAX) {
+            return std::nullopt; // The cursor is past a length that is none.
+        }
+        const auto text = Buffer((static_cast<size_t>(length) + 1) * unit);
+        const size_t size = static_cast<size_t>(length) * unit;
+        if (!text || text->substr(size) != Bytes(unit, '\0')) {
+            cursor = start;
+            return std::nullopt;
+        }
+        cursor = std::min(start + 4 + Padded(*text).size(), bytes.size());
+        return text->substr(0, size);
+    }
+
+    /** Reads items up to the first that is cut or malformed; false if there is one. Absent is malformed. */
+    bool Read(const std::string& layout)
+    {
+        return std::all_of(layout.begin(), layout.end(), [this](char item) { return ReadItem(item); });
+    }
+
+    /** What Read has read, as it should have been written, flags aside. */
+    Bytes Take()
+    {
+        return std::exchange(read_, "");
+    }
+
+    static int32_t Value(const Bytes& number)
+    {
+        uint32_t value = 0;
+        for (size_t i = number.size(); i > 0; --i) {
+            value = value << 8U | static_cast<uint8_t>(number[i - 1]);
+        }
+        return static_cast<int32_t>(value);
+    }
+
+    Bytes bytes;
+    std::vector<size_t> objects; // The positions of remote objects.
+    size_t cursor = 0;
+
+private:
+    bool HasObject(size_t start, size_t size) const
+    {
+        return std::any_of(objects.begin(), objects.end(),
+            [=](size_t object) { return object < start + size && start < object + 24; });
+    }
+
+    bool ReadItem(char item)
+    {
+        const size_t unit = item == 'u' ? 2 : 1;
+        if (item == 's' || item == 'u') {
+            const auto text = Text(unit);
+            read_ += text ? I32(static_cast<int64_t>(text->size() / unit)) + Padded(*text + Bytes(unit, '\0')) : "";
+            return text.has_value();
+        }
+        const auto number = Number(item == 'l' ? 8 : 4);
+        if (!number || item == '?' || (item == 'L' && Value(*number) > 999)) {
+            return number && item == '?' && Value(*number) != 0;
+        }
+        const int32_t count = item == 'L' ? std::max(Value(*number), 0) : 0; // Below 0 there are no entries.
+        read_ += item == 'L' ? I32(count) : *number;
+        return Read(Bytes(static_cast<size_t>(count), 's'));
+    }
+
+    Bytes read_;
+};
+
+namespace Layout {
+
+inline constexpr const char* POSITION = "iiiii";
+inline constexpr const char* SIZE = "ii";
+inline constexpr const char* DATA = "iiiiiisi";
+inline constexpr const char* DETAIL = "siillliii";
+inline constexpr const char* REMIND_INFO = "siiii";
+inline constexpr const char* DURATION = "sisill";
+inline constexpr const char* QUERY = "LLll";
+
+template <typename T>
+Bytes Marshalled(const T& record)
+{
+    RawParcel parcel;
+    Require(record.Marshalling(parcel), "what was read can be written");
+    return BytesOf(parcel);
+}
+
+} // namespace Layout
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test
 
 #endif // INPUT_H

@@ -218,15 +218,17 @@ void SendBack(
     } else if (fate == FORGOTTEN) {
         static_cast<void>(Exports::Get().Forget(*peer));
     }
+    Require(!parcel.WriteInt32(0), "what was received cannot be written to");
+    MessageParcel many;
     for (size_t i = 0; fate == TOO_MANY_OBJECTS && i <= MAX_HANDLES; ++i) {
-        parcel.WriteRemoteObject(GetOffer().object);
+        many.WriteRemoteObject(GetOffer().object);
     }
     Header header{};
     header.kind = received.kind;
     header.code = received.code;
     header.flags = received.flags;
     header.objectId = received.objectId;
-    const int error = Outgoing(receiver, &parcel).Send(ours.Get(), header);
+    const int error = Outgoing(receiver, fate == TOO_MANY_OBJECTS ? &many : &parcel).Send(ours.Get(), header);
     Require(error == 0 || error == CODES[fate], "a failure's code is the documented one");
     Require(error != 0 || (fate != CLOSED && fate != FULL && fate != TOO_MANY_OBJECTS), "what cannot travel fails");
     Require(error != 0 || fate == STRANGER || ReceiveFrom(theirs, expected.size()) == expected,

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // A parcel, step by step beside a second one that is slow and plain.
-// Covers: platform/utils/src/parcel.cpp
+// Covers: platform/utils/src/parcel.cpp platform/ipc/src/message_parcel.cpp
 #include <iterator>
 #include <memory>
-#include <optional>
 
 #include "indicator_size.h"
 #include "input.h"
+#include "ipc_object_stub.h"
 
 using namespace OHOS;
 using namespace OHOS::Korvane::Quenlar::PrivacyIndicator;
@@ -14,56 +14,36 @@ using namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test;
 
 namespace {
 
-struct ReceivedParcel : Parcel {
+struct TestedParcel : MessageParcel {
+    using Parcel::SetReceived;
     using Parcel::Skip;
     using Parcel::Truncate; // What comes from a peer may end anywhere.
 };
 
-/** A parcel read and written the slow way, a byte at a time, by what its table of items says and nothing else. */
-struct SlowParcel {
+/** A parcel written the slow way, by what its table of items says and nothing else. */
+struct SlowParcel : Reader {
     bool Write(const Bytes& item)
     {
-        const bool fits = bytes.size() + Padded(item).size() <= capacity;
+        const bool fits = !isReceived && bytes.size() + Padded(item).size() <= capacity;
         bytes += fits ? Padded(item) : "";
         return fits;
     }
 
-    /** Items of 4 bytes each, up to the first one that does not fit. */
-    bool WriteParts(const Bytes& items)
+    /** An item whose first 4 bytes stay if the others do not fit. */
+    bool WriteParts(const Bytes& item)
     {
-        return items.empty() || (Write(items.substr(0, 4)) && WriteParts(items.substr(4)));
+        return Write(item.substr(0, 4)) && Write(item.substr(4));
     }
 
-    std::optional<Bytes> Read(size_t size)
+    bool Skip(size_t size)
     {
-        if (size > bytes.size() || cursor > bytes.size() - size) {
-            return std::nullopt;
-        }
-        const Bytes item = bytes.substr(cursor, size);
-        cursor = std::min(cursor + Padded(item).size(), bytes.size());
-        return item;
+        const bool isThere = size <= bytes.size() - cursor;
+        cursor = isThere ? std::min(cursor + Padded(Bytes(size, ' ')).size(), bytes.size()) : cursor;
+        return isThere;
     }
 
-    /** Its units only. */
-    std::optional<Bytes> ReadText(size_t unit)
-    {
-        uint64_t length = 0;
-        for (size_t i = 4; i-- > 0 && cursor + 4 <= bytes.size();) {
-            length = length << 8 | static_cast<uint8_t>(bytes[cursor + i]);
-        }
-        const size_t start = cursor;
-        const auto item =
-            cursor + 4 <= bytes.size() && length <= INT32_MAX ? Read(4 + (length + 1) * unit) : std::nullopt;
-        if (item && item->substr(4 + length * unit) != Bytes(unit, '\0')) {
-            cursor = start;
-            return std::nullopt;
-        }
-        return item ? std::optional(item->substr(4, length * unit)) : std::nullopt;
-    }
-
-    Bytes bytes;
-    size_t cursor = 0;
     size_t capacity = 204800;
+    bool isReceived = false;
 };
 
 /** A run of steps on both parcels. Each step returns whether the two still agree. */
@@ -132,49 +112,75 @@ private:
         return (parcel_.*write)(value) == slow_.Write(Memory(&value));
     }
 
+    /** Takes the nth of these steps, or none. */
+    template <typename... Step>
+    static bool TakeStep(size_t n, const Step&... steps)
+    {
+        bool agree = true;
+        static_cast<void>(((n-- == 0 ? (agree = steps(), true) : false) || ...));
+        return agree;
+    }
+
     bool WriteOne()
     {
-        const size_t kind = Below(12);
-        const bool isTrue = Below(2) == 0;
+        const size_t kind = Below(15);
+        const bool isFirst = Below(2) == 0;
         const auto text = kind == 7 || kind == 9 ? AnyText<std::string>() : "";
-        const auto wide = kind == 8 ? AnyText<std::u16string>() : u"";
-        switch (kind) {
-        case 0:
-            return parcel_.WriteBool(isTrue) == slow_.Write(I32(isTrue ? 1 : 0));
-        case 1:
-            return Write(&Parcel::WriteInt32);
-        case 2:
-            return Write(&Parcel::WriteUint32);
-        case 3:
-            return Write(&Parcel::WriteInt64);
-        case 4:
-            return Write(&Parcel::WriteUint64);
-        case 5:
-            return Write(&Parcel::WriteFloat);
-        case 6:
-            return Write(&Parcel::WriteDouble);
-        case 7:
-            return parcel_.WriteString(text) == slow_.Write(Str(text));
-        case 8:
-            return parcel_.WriteString16(wide) == slow_.Write(Str16(wide));
-        case 9:
-            return parcel_.WriteBuffer(text.data(), text.size()) == slow_.Write(text);
-        case 10: {
-            const Bytes item = isTrue ? I32(1) + I32(0x40400000) + I32(0x3f000000) : I32(0);
-            const sptr<Indicator::IndicatorSize> size(isTrue ? new Indicator::IndicatorSize() : nullptr);
-            if (size != nullptr) {
-                size->width = 3.0F;
-                size->height = 0.5F;
-            }
-            // It is written in parts, each of which fits or does not.
-            return parcel_.WriteStrongParcelable(size) == slow_.WriteParts(item);
+        const auto wide = kind == 8 || kind == 13 ? AnyText<std::u16string>() : u"";
+        return TakeStep(
+            kind, [&] { return parcel_.WriteBool(isFirst) == slow_.Write(I32(isFirst ? 1 : 0)); },
+            [&] { return Write(&Parcel::WriteInt32); }, [&] { return Write(&Parcel::WriteUint32); },
+            [&] { return Write(&Parcel::WriteInt64); }, [&] { return Write(&Parcel::WriteUint64); },
+            [&] { return Write(&Parcel::WriteFloat); }, [&] { return Write(&Parcel::WriteDouble); },
+            [&] { return parcel_.WriteString(text) == slow_.WriteParts(Str(text)); },
+            [&] { return parcel_.WriteString16(wide) == slow_.WriteParts(Str16(wide)); },
+            [&] { return parcel_.WriteBuffer(text.data(), text.size()) == (!text.empty() && slow_.Write(text)); },
+            [&] { return WriteRecord(isFirst); }, [&] { return RaiseCapacity(); }, [&] { return WriteObject(); },
+            [&] { return WriteToken(wide); }, [&] { return !isFirst || Receive(); });
+    }
+
+    bool RaiseCapacity()
+    {
+        const size_t capacity = slow_.capacity - 4 + Below(9);
+        const bool isRaised = capacity > slow_.capacity;
+        slow_.capacity = std::max(slow_.capacity, capacity);
+        return parcel_.SetMaxCapacity(capacity) == isRaised && parcel_.GetMaxCapacity() == slow_.capacity;
+    }
+
+    bool WriteObject()
+    {
+        const size_t position = slow_.bytes.size();
+        const bool isWritten = slow_.Write(Bytes(24, '\0'));
+        slow_.objects.resize(slow_.objects.size() + (isWritten ? 1 : 0), position);
+        return parcel_.WriteRemoteObject(object_) == isWritten && !parcel_.WriteRemoteObject(nullptr);
+    }
+
+    /** The two int32 of a token are written together or not at all. */
+    bool WriteToken(const std::u16string& token)
+    {
+        return parcel_.WriteInterfaceToken(token) ==
+               (slow_.Write(I32(0x100) + I32(0)) && slow_.WriteParts(Str16(token)));
+    }
+
+    bool Receive()
+    {
+        parcel_.SetReceived();
+        return slow_.isReceived = true;
+    }
+
+    bool WriteRecord(bool isThere)
+    {
+        const bool isStrong = Below(2) == 0;
+        if (!isThere) {
+            const bool isWritten = slow_.Write(I32(0));
+            return isStrong ? parcel_.WriteStrongParcelable(nullptr) : parcel_.WriteParcelable(nullptr) == isWritten;
         }
-        default:
-            const size_t capacity = slow_.capacity - 4 + Below(9);
-            const bool isRaised = capacity > slow_.capacity;
-            slow_.capacity = std::max(slow_.capacity, capacity);
-            return parcel_.SetMaxCapacity(capacity) == isRaised && parcel_.GetMaxCapacity() == slow_.capacity;
-        }
+        const sptr<Indicator::IndicatorSize> size = new Indicator::IndicatorSize();
+        size->width = 3.0F;
+        size->height = 0.5F;
+        // Each of its parts fits or does not.
+        const bool isWritten = slow_.Write(I32(1)) && slow_.WriteParts(I32(0x40400000) + I32(0x3f000000));
+        return (isStrong ? parcel_.WriteStrongParcelable(size) : parcel_.WriteParcelable(size)) == isWritten;
     }
 
     /** Does what a hostile peer may do: alters bytes, and cuts the end off anywhere. */
@@ -191,7 +197,7 @@ private:
     template <typename T>
     bool Read(bool (Parcel::*read)(T&), T (Parcel::*get)())
     {
-        const auto item = slow_.Read(sizeof(T));
+        const auto item = slow_.Number(sizeof(T));
         T value = Any<T>();
         const Bytes before = Memory(&value);
         if (Below(2) == 0) {
@@ -204,7 +210,7 @@ private:
     template <typename Text>
     bool ReadText(bool (Parcel::*read)(Text&), Text (Parcel::*get)())
     {
-        const auto item = slow_.ReadText(sizeof(typename Text::value_type));
+        const auto item = slow_.Text(sizeof(typename Text::value_type));
         Text text(3, 'x');
         const bool isRead = Below(2) == 0 ? (parcel_.*read)(text) : (text = (parcel_.*get)(), item.has_value());
         return isRead == item.has_value() && Memory(text.data(), text.size()) == item.value_or("");
@@ -213,53 +219,60 @@ private:
     bool ReadOne()
     {
         const size_t size = Below(20);
-        switch (Below(13)) {
-        case 0: {
-            const auto item = slow_.Read(4);
-            return parcel_.ReadBool() == (item && *item != I32(0));
-        }
-        case 1:
-            return Read<int32_t>(&Parcel::ReadInt32, &Parcel::ReadInt32);
-        case 2:
-            return Read<uint32_t>(&Parcel::ReadUint32, &Parcel::ReadUint32);
-        case 3:
-            return Read<int64_t>(&Parcel::ReadInt64, &Parcel::ReadInt64);
-        case 4:
-            return Read<uint64_t>(&Parcel::ReadUint64, &Parcel::ReadUint64);
-        case 5:
-            return Read<float>(&Parcel::ReadFloat, &Parcel::ReadFloat);
-        case 6:
-            return Read<double>(&Parcel::ReadDouble, &Parcel::ReadDouble);
-        case 7:
-            return ReadText<std::string>(&Parcel::ReadString, &Parcel::ReadString);
-        case 8:
-            return ReadText<std::u16string>(&Parcel::ReadString16, &Parcel::ReadString16);
-        case 9: {
-            const auto item = slow_.Read(size);
-            const uint8_t* bytes = parcel_.ReadBuffer(size);
-            return item ? size == 0 || Memory(bytes, size) == *item : bytes == nullptr;
-        }
-        case 10: {
-            const auto flag = slow_.Read(4);
-            const std::unique_ptr<Indicator::IndicatorSize> record(parcel_.ReadParcelable<Indicator::IndicatorSize>());
-            const bool isThere = flag && *flag != I32(0);
-            const auto width = isThere ? slow_.Read(4) : std::nullopt;
-            const auto height = width ? slow_.Read(4) : std::nullopt;
-            return height ? record && Memory(&record->width) == *width && Memory(&record->height) == *height : !record;
-        }
-        case 11:
-            return slow_.Read(size + 1).has_value() == parcel_.Skip(size + 1);
-        default:
-            const size_t position = Below(slow_.bytes.size() + 8);
-            const bool isInside = position <= slow_.bytes.size();
-            slow_.cursor = isInside ? position : slow_.cursor;
-            return parcel_.RewindRead(position) == isInside;
-        }
+        return TakeStep(
+            Below(14), [&] { return ReadBool(); },
+            [&] { return Read<int32_t>(&Parcel::ReadInt32, &Parcel::ReadInt32); },
+            [&] { return Read<uint32_t>(&Parcel::ReadUint32, &Parcel::ReadUint32); },
+            [&] { return Read<int64_t>(&Parcel::ReadInt64, &Parcel::ReadInt64); },
+            [&] { return Read<uint64_t>(&Parcel::ReadUint64, &Parcel::ReadUint64); },
+            [&] { return Read<float>(&Parcel::ReadFloat, &Parcel::ReadFloat); },
+            [&] { return Read<double>(&Parcel::ReadDouble, &Parcel::ReadDouble); },
+            [&] { return ReadText<std::string>(&Parcel::ReadString, &Parcel::ReadString); },
+            [&] { return ReadText<std::u16string>(&Parcel::ReadString16, &Parcel::ReadString16); },
+            [&] { return ReadBuffer(size); }, [&] { return ReadRecord(); },
+            [&] { return slow_.Skip(size + 1) == parcel_.Skip(size + 1); }, [&] { return Rewind(); },
+            [&] { return ReadObject(); });
+    }
+
+    bool ReadBool()
+    {
+        const auto item = slow_.Number(4);
+        return parcel_.ReadBool() == (item && *item != I32(0));
+    }
+
+    bool ReadBuffer(size_t size)
+    {
+        const auto item = slow_.Buffer(size);
+        const uint8_t* bytes = parcel_.ReadBuffer(size);
+        return item ? size == 0 || Memory(bytes, size) == *item : bytes == nullptr;
+    }
+
+    bool ReadRecord()
+    {
+        const std::unique_ptr<Indicator::IndicatorSize> record(parcel_.ReadParcelable<Indicator::IndicatorSize>());
+        const bool isThere = slow_.Reader::Read("?ii");
+        const Bytes floats = slow_.Take();
+        return isThere ? record && Memory(&record->width) + Memory(&record->height) == floats : !record;
+    }
+
+    bool Rewind()
+    {
+        const size_t position = Below(slow_.bytes.size() + 8);
+        const bool isInside = position <= slow_.bytes.size();
+        slow_.cursor = isInside ? position : slow_.cursor;
+        return parcel_.RewindRead(position) == isInside;
+    }
+
+    bool ReadObject()
+    {
+        const bool isThere = std::count(slow_.objects.begin(), slow_.objects.end(), slow_.cursor) > 0;
+        return parcel_.ReadRemoteObject() == (isThere && slow_.Skip(24) ? object_.GetRefPtr() : nullptr);
     }
 
     Input input_;
-    ReceivedParcel parcel_;
+    TestedParcel parcel_;
     SlowParcel slow_;
+    const sptr<IRemoteObject> object_ = new IPCObjectStub();
 };
 
 } // namespace

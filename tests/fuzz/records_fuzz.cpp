@@ -8,7 +8,7 @@
 #include "indicator_data.h"
 #include "indicator_position.h"
 #include "indicator_size.h"
-#include "layout.h"
+#include "input.h"
 #include "permission_usage_duration.h"
 #include "permission_usage_duration_query.h"
 #include "privacy_event_detail.h"
@@ -19,12 +19,6 @@ using namespace OHOS::Korvane::Quenlar::PrivacyIndicator;
 using namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test;
 
 namespace {
-
-template <typename T>
-std::unique_ptr<T> Unmarshalled(Parcel& parcel)
-{
-    return std::unique_ptr<T>(T::Unmarshalling(parcel));
-}
 
 // A write that does not fit fails, and leaves a parcel that has its first parts at most.
 template <typename T>
@@ -39,28 +33,27 @@ void WriteIntoLittle(const T& record, const Bytes& whole, size_t room)
 }
 
 template <typename T>
-void Check(Input& input, const char* layout, bool isStructured)
+void Check(Input& input, const char* layout)
 {
-    const uint8_t failingNew = input.OneIn(16) ? 1 : 0;
+    const int failingNew = input.OneIn(16) ? 1 : 0;
     const bool hasLittleRoom = input.OneIn(32);
     const size_t room = size_t{input.Byte()} / 4 * 4;
-    RawParcel parcel(isStructured ? Layout::MakeCut(input, layout) : input.Rest());
-    Layout::Reader reader(BytesOf(parcel));
+    RawParcel parcel(input.Rest());
+    Reader reader(BytesOf(parcel));
     const bool isReadable = reader.Read(layout);
 
     Failing::nthNew = failingNew;
-    const std::unique_ptr<T> record = Unmarshalled<T>(parcel);
+    const std::unique_ptr<T> record(T::Unmarshalling(parcel));
     Failing::nthNew = 0;
     Require((record != nullptr) == (isReadable && failingNew == 0), "a record is read if it is whole and well-formed");
-    Require(
-        parcel.GetReadPosition() == (failingNew != 0 ? 0 : reader.Position()), "the cursor is behind what was read");
+    Require(parcel.GetReadPosition() == (failingNew != 0 ? 0 : reader.cursor), "the cursor is where the reading ended");
     if (record == nullptr) {
         return;
     }
     const Bytes written = Layout::Marshalled(*record);
     Require(written == reader.Take(), "what was read is written as it was");
     RawParcel again(written);
-    const std::unique_ptr<T> copy = Unmarshalled<T>(again);
+    const std::unique_ptr<T> copy(T::Unmarshalling(again));
     Require(copy != nullptr && again.GetReadableBytes() == 0, "what was written can be read");
     Require(copy->ToString() == record->ToString(), "what was written means the same");
     if (hasLittleRoom) {
@@ -73,7 +66,7 @@ void Check(Input& input, const char* layout, bool isStructured)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     const struct {
-        void (*check)(Input&, const char*, bool);
+        void (*check)(Input&, const char*);
         const char* layout;
     } RECORDS[] = {
         {Check<Indicator::IndicatorData>, Layout::DATA},
@@ -85,8 +78,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         {Check<Record::PermissionUsageDurationQuery>, Layout::QUERY},
     };
     Input input(data, size);
-    const uint8_t choice = input.Byte();
-    const auto& record = RECORDS[choice % std::size(RECORDS)];
-    record.check(input, record.layout, choice >= 0x80);
+    const auto& record = RECORDS[input.Byte() % std::size(RECORDS)];
+    record.check(input, record.layout);
     return 0;
 }

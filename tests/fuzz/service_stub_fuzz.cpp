@@ -6,12 +6,11 @@
 #include <optional>
 #include <sstream>
 
-#include "failing.h"
 #include "indicator_switch_listener_stub_impl.h"
-#include "layout.h"
 #include "privacy_event_listener_stub_impl.h"
 #include "privacy_indicator_service_intf_stub.h"
 #include "string_ex.h"
+#include "stub_request.h"
 
 using namespace OHOS;
 using namespace OHOS::Korvane::Quenlar::PrivacyIndicator;
@@ -32,6 +31,8 @@ constexpr size_t MAX_RECORDS = 102400;
 
 // Writes down its arguments, and answers with the result and the records that the input chose.
 class Service : public PrivacyIndicatorServiceIntfStub {
+    using SwitchListener = Indicator::IndicatorSwitchListenerIntf;
+
 public:
     int32_t RegisterPrivacyEventListener(
         const std::string& dataType, const sptr<Privacy::PrivacyEventListenerIntf>& listener) override
@@ -71,14 +72,12 @@ public:
         return Answer(I32(sensor) + I32(animation));
     }
 
-    int32_t RegisterPrivacyIndicatorSwitchListener(
-        const sptr<Indicator::IndicatorSwitchListenerIntf>& listener) override
+    int32_t RegisterPrivacyIndicatorSwitchListener(const sptr<SwitchListener>& listener) override
     {
         return Answer("", listener != nullptr);
     }
 
-    int32_t UnregisterPrivacyIndicatorSwitchListener(
-        const sptr<Indicator::IndicatorSwitchListenerIntf>& listener) override
+    int32_t UnregisterPrivacyIndicatorSwitchListener(const sptr<SwitchListener>& listener) override
     {
         return Answer("", listener != nullptr);
     }
@@ -123,27 +122,18 @@ private:
     }
 };
 
-// As another process's object is seen.
-class Remote : public IPCObjectStub {
-public:
-    bool IsProxyObject() const override
-    {
-        return true;
-    }
-};
-
 sptr<IRemoteObject> ChooseObject(uint8_t choice)
 {
-    switch (choice % 4) {
-    case 0:
-        return new Remote();
-    case 1:
-        return new Privacy::PrivacyEventListenerStubImpl(nullptr);
-    case 2:
-        return new Indicator::IndicatorSwitchListenerStubImpl(nullptr);
-    default:
-        return nullptr;
-    }
+    // As another process's object is seen.
+    struct Remote : IPCObjectStub {
+        bool IsProxyObject() const override
+        {
+            return true;
+        }
+    };
+    const sptr<IRemoteObject> objects[] = {new Remote(), new Privacy::PrivacyEventListenerStubImpl(nullptr),
+        new Indicator::IndicatorSwitchListenerStubImpl(nullptr), nullptr};
+    return objects[choice % 4];
 }
 
 // A string16 as the operation hears it.
@@ -155,13 +145,13 @@ Bytes Heard(const Bytes& bytes)
 }
 
 // Whether the stub should get to its operation, and with what. A number or a text may be missing, nothing else may.
-bool IsCallable(uint32_t code, Layout::Reader& reader, size_t objectPosition, uint8_t object, Bytes& heard)
+bool IsCallable(uint32_t code, Reader& reader, uint8_t object, Bytes& heard)
 {
     std::istringstream arguments(OPERATIONS[code].arguments);
     for (std::string argument; arguments >> argument;) {
         if (argument == "O") {
             const uint8_t wanted = code <= PrivacyIndicatorServiceIntf::UNREGISTER_PRIVACY_EVENT_LISTENER ? 1 : 2;
-            return reader.Position() == objectPosition && (object % 4 == 0 || object % 4 == wanted);
+            return reader.objects == std::vector<size_t>{reader.cursor} && (object % 4 == 0 || object % 4 == wanted);
         }
         const bool isRead = reader.Read(argument);
         if (!isRead && argument[0] == '?') {
@@ -178,8 +168,8 @@ void CheckReply(const Service& service, const char* layout, const MessageParcel&
 {
     Bytes expected = I32(service.result);
     if (service.result == 0 && *layout != '\0') {
-        Layout::Reader sample(service.record);
-        Layout::Reader records(BytesOf(reply).substr(8));
+        Reader sample(service.record);
+        Reader records(BytesOf(reply).substr(8));
         const bool isGiven = sample.Read(layout);
         const Bytes element = sample.Take();
         for (size_t i = 0; i < service.count; ++i) {
@@ -187,7 +177,7 @@ void CheckReply(const Service& service, const char* layout, const MessageParcel&
             const Bytes bytes = records.Take();
             Require(!isGiven || bytes == element, "a record travels as the service gave it");
         }
-        Require(records.Position() == reply.GetDataSize() - 8, "nothing follows the last record");
+        Require(records.cursor == reply.GetDataSize() - 8, "nothing follows the last record");
         expected += I32(static_cast<int32_t>(service.count));
     }
     Require(BytesOf(reply).compare(0, 8, expected) == 0, "the reply begins with the result and the count");
@@ -199,12 +189,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     Input input(data, size);
     const uint8_t code8 = input.Byte();
-    const bool isStructured = code8 % 2 == 0;
     const uint32_t code = code8 >= 0xF8 ? input.Number<uint32_t>() : code8 / 2 % (std::size(OPERATIONS) + 1);
     const bool isKnown = code >= 1 && code < std::size(OPERATIONS);
     const uint8_t object = input.Byte();
-    const sptr<IRemoteObject> listener = ChooseObject(object);
-
     Service service;
     service.result = input.OneIn(4) ? input.Number<int32_t>() : 0;
     const auto count = input.Number<uint32_t>();
@@ -213,31 +200,19 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         service.failingWrite = input.OneIn(2) ? input.Byte() % 2 : service.result;
     }
     const int failingNew = input.OneIn(16) ? 1 + input.Byte() % 2 : 0;
-    service.record = isKnown ? Layout::Make(input, OPERATIONS[code].record) : "";
+    service.record = input.Take(input.Byte());
 
     const Bytes token = Token(u"OHOS.Korvane.Quenlar.PrivacyIndicator.PrivacyIndicatorServiceIntf");
-    RawParcel request(
-        isStructured ? token + Layout::MakeCut(input, isKnown ? OPERATIONS[code].arguments : "") : input.Rest());
-    const size_t objectPosition = request.GetDataSize();
-    const bool hasObject = request.WriteRemoteObject(listener);
-    Layout::Reader reader(BytesOf(request));
-    const bool isMeantForIt = reader.Read("iiu") && reader.Take().substr(8) == token.substr(8);
+    StubRequest request((code8 % 2 == 0 ? token : "") + input.Rest(), token, ChooseObject(object));
     Bytes arguments;
-    const bool isCallable =
-        isMeantForIt && isKnown && IsCallable(code, reader, hasObject ? objectPosition : SIZE_MAX, object, arguments);
+    const bool isCallable = request.isForStub && isKnown && IsCallable(code, request.reader, object, arguments);
 
     RawParcel reply;
     reply.SetMaxCapacity(size_t{1} << 24);
-    MessageOption option;
-    Failing::nthNew = failingNew;
-    const int32_t result = service.OnRemoteRequest(code, request, reply, option);
-    Failing::nthNew = 0;
-    Failing::write.reset();
-
-    Require(request.GetReadPosition() <= request.GetDataSize(), "the cursor stays within the request");
-    Require(isCallable ? service.calls == 1 || failingNew != 0 : service.calls == 0, "who may call gets through");
+    const int32_t result = request.Send(service, code, reply, failingNew);
+    Require(isCallable ? service.calls == 1 || failingNew != 0 : service.calls == 0, "what is whole is served, once");
     if (service.calls == 0) {
-        Require(result == (!isMeantForIt ? 1 : !isKnown ? 305 : 5), "a refusal's code is the documented one");
+        Require(result == (!request.isForStub ? 1 : !isKnown ? 305 : 5), "a refusal's code is the documented one");
         Require(reply.GetDataSize() == 0, "a refusal's reply is empty");
         return 0;
     }

@@ -71,8 +71,7 @@ sptr<IRemoteObject> MessageParcel::ReadRemoteObject()
     if (found == objects_.end() || found->position != position) {
         return nullptr;
     }
-    Skip(Transport::HANDLE_SIZE);
-    return found->object;
+    return Skip(Transport::HANDLE_SIZE) ? found->object : nullptr;
 }
 
 bool MessageParcel::HasObject(size_t begin, size_t end) const
