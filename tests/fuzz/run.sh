@@ -27,7 +27,7 @@ fuzz()
     rm -rf "$work"
     mkdir -p "$work/corpus" "$work/findings"
     cp "$folder/corpus/$name"/* "$folder/regressions/$name"/* "$work/corpus"
-    LLVM_PROFILE_FILE="$work/%m.profraw" "$build/tests/fuzz/${name}_fuzz" -max_total_time="$seconds" -max_len=4096 \
+    LLVM_PROFILE_FILE="$work/%m.profraw" "$build/tests/fuzz/${name}_fuzz" -max_total_time="$seconds" -max_len=16384 \
         -timeout=10 -print_final_stats=1 -artifact_prefix="$work/findings/" -dict="$folder/$name.dict" \
         "$work/corpus" >"$work/log" 2>&1
 }
