@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -11,11 +12,15 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
-/** A command line: words, and between them options of the form `--name value`, which may be given repeatedly. */
+/**
+ * A command line: words, and among them options: `--name value` or `--name=value`, which may be given repeatedly, and
+ * flags, `--name`. After `--` everything is a word.
+ */
 class Arguments {
 public:
-    /** Throws ParseError if there are more words than `mostWords`, or an option that is not one of `knownOptions`. */
-    Arguments(const std::vector<std::string>& line, size_t mostWords, const std::vector<std::string>& knownOptions);
+    /** Throws ParseError if there are more words than `mostWords`, or an option that is not one of those known. */
+    Arguments(const std::vector<std::string>& line, size_t mostWords, const std::vector<std::string>& knownOptions,
+        const std::vector<std::string>& knownFlags = {});
 
     /** How many words there are. */
     size_t Count() const;
@@ -23,8 +28,11 @@ public:
     /** Throws ParseError if there is no such word. `meaning` says what is missing. */
     const std::string& Word(size_t index, const std::string& meaning) const;
 
-    /** All values of an option, in their order. */
+    /** All values of an option, in their order; none of an option that is not known. */
     const std::vector<std::string>& Values(const std::string& option) const;
+
+    /** Whether a flag was given. */
+    bool Has(const std::string& flag) const;
 
     /** The word at `index` as a number; `otherwise` if there is none. */
     template <typename Number>
@@ -44,10 +52,14 @@ public:
 private:
     std::vector<std::string> words_;
     std::map<std::string, std::vector<std::string>> values_; // Of every known option.
+    std::set<std::string> flags_;                            // Those that were given.
 };
 
-/** Prints `usage` if `--help` is the whole command line. Returns whether it is. */
-bool PrintHelp(const std::vector<std::string>& line, const char* usage);
+/**
+ * Prints `usage` if `-h` or `--help` is anywhere on the command line before `--`, else the program's name and version
+ * if `--version` is. Returns whether it printed.
+ */
+bool PrintHelp(const std::vector<std::string>& line, const std::string& usage);
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
 

@@ -6,11 +6,28 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
-/** Prints a line on standard output, at once and whole. Any thread may call it. */
+/** The exit code of a program whose standard output cannot be written. */
+inline constexpr int EXIT_NOT_WRITTEN = 4;
+
+/**
+ * Prints text on standard output, at once and whole. Any thread may call it. Where nobody reads any more, SIGPIPE ends
+ * the program; after any other failure it ends with a message and EXIT_NOT_WRITTEN. A program that ignores SIGPIPE goes
+ * on in either case.
+ */
+void Print(const std::string& text);
+
+/** Prints a line, as Print does. A terminal gets it as Printable makes it. */
 void PrintLine(const std::string& line);
 
-/** Prints "PROGRAM: message" as a line on standard error. Any thread may call it. */
+/** Prints "PROGRAM: message" as a line on standard error, Printable where that is a terminal. Any thread may call it.
+ */
 void Complain(const std::string& message);
+
+/**
+ * `text` with all but the printable characters of ASCII as "\xNN": names come from other programs, and must not control
+ * the terminal that they are shown on.
+ */
+std::string Printable(const std::string& text);
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
 

@@ -7,11 +7,20 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
+/**
+ * Has the library log nothing below `level`, as hilog names it, unless HILOG_LEVEL is set. To be called before the
+ * first use of the library.
+ */
+void LogQuietly(const char* level = "W");
+
 /** The system ability manager. Null, and a line on stderr, if OHOS_BUS_ADDRESS does not lead to it. */
 sptr<ISystemAbilityManager> FindManager();
 
 /** The privacy indicator service. Null if there is none at the moment. Does not ask the service itself. */
 sptr<PrivacyIndicatorServiceIntf> FindService(ISystemAbilityManager& manager);
+
+/** The same, but waits until there is one, for as long as it takes. */
+sptr<PrivacyIndicatorServiceIntf> AwaitService(ISystemAbilityManager& manager);
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
 

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "words.h"
+
+#include <map>
+
+#include "parse.h"
+#include "print.h"
+#include "privacy_event_values.h"
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
+
+namespace {
+
+constexpr int32_t ACCESS_STATE_ON = 1; // What services of this kind report while a sensor is in use.
+
+} // namespace
+
+std::string SensorText(int32_t sensor)
+{
+    return SensorText(static_cast<PrivacySensorType>(sensor));
+}
+
+std::string SensorText(PrivacySensorType sensor)
+{
+    const auto number = static_cast<int32_t>(sensor);
+    const bool isKnown = sensor >= PrivacySensorType::CAMERA && sensor <= PrivacySensorType::LOCATION;
+    return isKnown ? NameOf(sensor) : "sensor " + std::to_string(number);
+}
+
+std::string StateText(Indicator::IndicatorState state)
+{
+    switch (state) {
+    case Indicator::IndicatorState::ON:
+        return "on";
+    case Indicator::IndicatorState::OFF:
+        return "off";
+    default:
+        return "state " + std::to_string(static_cast<int32_t>(state));
+    }
+}
+
+std::string AccessText(int32_t accessState)
+{
+    switch (accessState) {
+    case ACCESS_STATE_ON:
+        return "on";
+    case Privacy::ACCESS_STATE_OFF:
+        return "off";
+    default:
+        return "state " + std::to_string(accessState);
+    }
+}
+
+std::string ApplicationText(const std::string& bundleName, int32_t uid)
+{
+    return Printable(bundleName) + " (" + std::to_string(uid) + ")";
+}
+
+std::string SwitchText(const Indicator::IndicatorData& data)
+{
+    return "indicator  " + SensorText(data.privacySensorType) + " " + StateText(data.state);
+}
+
+std::string UseText(const std::vector<Privacy::PrivacyEventRemindInfo>& infos)
+{
+    std::string text = "use       ";
+    for (const auto& info : infos) {
+        text += &info == &infos.front() ? " " : ", ";
+        text += SensorText(info.privacySensorType);
+        text += info.bundleName.empty() ? "" : " by " + Printable(info.bundleName);
+        text += " " + AccessText(info.privacyAccessState);
+    }
+    return text;
+}
+
+std::string ResultText(int32_t result)
+{
+    static const std::map<int32_t, const char*> texts{
+        {1, "this request is for another interface, or not for this caller"},
+        {5, "an argument or a record cannot be written or read"},
+        {12, "no memory"},
+        {22, "an argument is not valid"},
+        {28, "there is no room for more"},
+        {32, "the service's process has ended"},
+        {90, "the message is too large"},
+        {105, "the buffer is full"},
+        {110, "no answer in time"},
+        {111, "the connection was refused"},
+        {305, "the service does not know this request"},
+    };
+    const auto text = texts.find(result);
+    return std::to_string(result) + (text != texts.end() ? std::string(", ") + text->second : "");
+}
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
