@@ -2,31 +2,15 @@
 #include "watcher.h"
 
 #include <utility>
-#include <vector>
 
 #include "print.h"
 #include "system_ability.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
-using Indicator::IndicatorData;
-using Privacy::PrivacyEventRemindInfo;
-
 namespace {
 
 constexpr const char* DATA_TYPE = "sensorStateChange";
-
-void PrintSwitch(const IndicatorData& indicatorData)
-{
-    PrintLine("switch: " + indicatorData.ToString());
-}
-
-void PrintEvent(const std::string& dataType, const std::vector<PrivacyEventRemindInfo>& infos)
-{
-    for (const auto& info : infos) {
-        PrintLine(dataType + ": " + info.ToString());
-    }
-}
 
 // Says what the service did, if it did.
 int32_t Report(int32_t result, const std::string& done)
@@ -39,9 +23,11 @@ int32_t Report(int32_t result, const std::string& done)
 
 } // namespace
 
-Watcher::Watcher(const sptr<ISystemAbilityManager>& manager)
-    : manager_(manager), switchListener_(new Indicator::IndicatorSwitchListenerStubImpl(PrintSwitch)),
-      eventListener_(new Privacy::PrivacyEventListenerStubImpl(PrintEvent))
+Watcher::Watcher(const sptr<ISystemAbilityManager>& manager,
+    Indicator::IndicatorSwitchListenerStubImpl::Callback onSwitch,
+    Privacy::PrivacyEventListenerStubImpl::Callback onEvent)
+    : manager_(manager), switchListener_(new Indicator::IndicatorSwitchListenerStubImpl(std::move(onSwitch))),
+      eventListener_(new Privacy::PrivacyEventListenerStubImpl(std::move(onEvent)))
 {}
 
 int32_t Watcher::Start(const sptr<PrivacyIndicatorServiceIntf>& service)

@@ -15,15 +15,16 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
 /**
- * Registers a listener of each kind and prints what they are told, a line each on standard output. Follows the service:
- * says when it is gone, and when it is back registers with it anew.
+ * Registers a listener of each kind, which calls a function. Follows the service: says on standard output when it is
+ * gone, and when it is back registers with it anew.
  *
  * It is the service's death recipient and its availability listener: the first hears of the process's end, the second
  * of the service's return. Both are called on one thread, in order.
  */
 class Watcher : public SystemAbilityStatusChangeStub, public IRemoteObject::DeathRecipient {
 public:
-    explicit Watcher(const sptr<ISystemAbilityManager>& manager);
+    Watcher(const sptr<ISystemAbilityManager>& manager, Indicator::IndicatorSwitchListenerStubImpl::Callback onSwitch,
+        Privacy::PrivacyEventListenerStubImpl::Callback onEvent);
 
     /** Registers the listeners with `service`, and begins to follow it. 0, or the first result that is not. */
     int32_t Start(const sptr<PrivacyIndicatorServiceIntf>& service);

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef COMMANDS_H
+#define COMMANDS_H
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "arguments.h"
+#include "if_system_ability_manager.h"
+#include "output.h"
+#include "privacy_indicator_service_intf.h"
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
+
+/** What a command has to do with. */
+struct Target {
+    sptr<ISystemAbilityManager> manager;
+    sptr<PrivacyIndicatorServiceIntf> service;
+};
+
+enum ExitCode { EXIT_DONE = 0, EXIT_REFUSED = 1, EXIT_USAGE = 2, EXIT_NO_SERVICE = 3 };
+
+/** Does what a command is for, and prints what comes of it. Returns the exit code. */
+using Action = std::function<ExitCode(const Target&)>;
+
+/** A command of the command line, and all that there is to say of it. */
+struct Command {
+    std::string name;
+    std::string arguments;
+    std::string summary; // Empty for what is not for people.
+    std::string details; // Lines of help for the command's own options.
+    size_t mostWords;
+    std::vector<std::string> options; // Those with a value.
+    Action (*parse)(const Arguments&, Format);
+};
+
+const std::vector<Command>& Commands();
+
+/** The help for all commands. */
+std::string UsageOfAll();
+
+/** The help for one command. */
+std::string UsageOf(const Command& command);
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
+
+#endif // COMMANDS_H

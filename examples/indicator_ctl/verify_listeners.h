@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef VERIFY_LISTENERS_H
+#define VERIFY_LISTENERS_H
+
+#include "report.h"
+#include "service_probe.h"
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
+
+/**
+ * Checks what switch listeners are called with, and when they are not. Nothing that a caller can do causes a privacy
+ * event, so that of their listeners only the registration can be checked.
+ */
+void VerifyListeners(const ServiceProbe& probe, Report& report);
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
+
+#endif // VERIFY_LISTENERS_H
