@@ -2,8 +2,10 @@
 #include "file_watch.h"
 
 #include <fcntl.h>
+#include <sys/epoll.h>
 #include <sys/inotify.h>
 #include <sys/stat.h>
+#include <sys/timerfd.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -21,9 +23,15 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
 namespace {
 
-constexpr int LOOK_INTERVAL = 1000;                                             // Milliseconds, while there is a use.
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::seconds LOOK_INTERVAL{1}; // While there is a use.
+constexpr std::chrono::milliseconds REST{200};
+constexpr int32_t UNKNOWN_USER = -1;
+constexpr int REST_FACTOR = 20; // A rest is this many times as long as the look before it, if that is longer.
 constexpr uint32_t USE_NOTICES = IN_OPEN | IN_CLOSE | IN_ATTRIB | IN_MOVE_SELF; // A removal is IN_ATTRIB.
-constexpr uint32_t FOLDER_NOTICES = IN_CREATE | IN_MOVED_TO | IN_ONLYDIR;
+// A device's file may be made first, and made readable then.
+constexpr uint32_t FOLDER_NOTICES = IN_CREATE | IN_MOVED_TO | IN_ATTRIB | IN_ONLYDIR;
 
 std::string FolderOf(const std::string& path)
 {
@@ -47,27 +55,35 @@ FileWatch::FileWatch(const std::vector<SensorFile>& files, IndicatorService& ser
     if (files.empty()) {
         return;
     }
-    fd_ = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
+    notices_ = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
+    timer_ = timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK);
+    fd_ = epoll_create1(EPOLL_CLOEXEC);
+    for (const int fd : {notices_, timer_}) {
+        epoll_event event{EPOLLIN, {}};
+        epoll_ctl(fd_, EPOLL_CTL_ADD, fd, &event);
+    }
     for (const auto& file : files) {
-        watched_.push_back({file, std::nullopt, {}});
-        int error = fd_ < 0 ? errno : Follow(watched_.back());
-        // The folder tells when a file comes back.
-        if (error == 0 && inotify_add_watch(fd_, FolderOf(file.path).c_str(), FOLDER_NOTICES) < 0) {
+        watched_.push_back({file, std::nullopt, {}, false});
+        int error = fd_ < 0 || timer_ < 0 || notices_ < 0 ? errno : Follow(watched_.back());
+        if (error == ENOENT) {
+            Complain(file.path + " is not there yet: it is waited for");
+            error = 0;
+        }
+        // The folder tells when a file comes, or comes back.
+        if (error == 0 && inotify_add_watch(notices_, FolderOf(file.path).c_str(), FOLDER_NOTICES) < 0) {
             error = errno;
         }
         if (error != 0) {
-            close(fd_);
+            CloseAll();
             throw std::system_error(error, std::generic_category(), "cannot watch " + file.path);
         }
     }
-    Tell(FindUses());
+    Look();
 }
 
 FileWatch::~FileWatch()
 {
-    if (fd_ >= 0) {
-        close(fd_);
-    }
+    CloseAll();
 }
 
 int FileWatch::GetFd() const
@@ -75,14 +91,76 @@ int FileWatch::GetFd() const
     return fd_;
 }
 
-int FileWatch::GetTimeout() const
-{
-    return uses_.empty() ? -1 : LOOK_INTERVAL;
-}
-
 void FileWatch::Look()
 {
+    uint64_t expirations = 0;
+    const bool hasExpired = read(timer_, &expirations, sizeof(expirations)) > 0;
+    if (isResting_ && hasExpired && !isInDoubt_) {
+        isResting_ = false;
+        Await(uses_.empty() ? std::chrono::nanoseconds(0) : LOOK_INTERVAL, true);
+        return;
+    }
+    const auto begin = Clock::now();
     ReadNotices();
+    FollowAll();
+    Tell(FindUses());
+    isResting_ = true;
+    Await(std::max<Clock::duration>(REST, (Clock::now() - begin) * REST_FACTOR), false);
+}
+
+void FileWatch::CloseAll()
+{
+    for (const int fd : {notices_, timer_, fd_}) {
+        if (fd >= 0) {
+            close(fd);
+        }
+    }
+}
+
+void FileWatch::Await(std::chrono::nanoseconds time, bool hearsNotices)
+{
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
+    const itimerspec due{{}, {seconds.count(), (time - seconds).count()}};
+    timerfd_settime(timer_, 0, &due, nullptr);
+    epoll_event event{hearsNotices ? EPOLLIN : 0U, {}};
+    epoll_ctl(fd_, EPOLL_CTL_MOD, notices_, &event);
+}
+
+void FileWatch::ReadNotices()
+{
+    std::array<char, 65536> bytes{};
+    ssize_t size = 0;
+    while ((size = read(notices_, bytes.data(), bytes.size())) > 0) {
+        inotify_event notice{};
+        for (size_t at = 0; at < static_cast<size_t>(size); at += sizeof(notice) + notice.len) {
+            std::memcpy(&notice, &bytes[at], sizeof(notice));
+            ForEachInode([&notice](const Watched& /* watched */, Inode& inode) {
+                if ((notice.mask & IN_Q_OVERFLOW) != 0) {
+                    inode.isOpen = false; // Notices are lost.
+                } else if (inode.watch == notice.wd) {
+                    inode.number = (notice.mask & IN_IGNORED) != 0 ? 0 : inode.number;
+                    inode.isOpen = (notice.mask & IN_OPEN) != 0 || (inode.isOpen && (notice.mask & IN_CLOSE) == 0);
+                }
+            });
+        }
+    }
+}
+
+template <typename Visit>
+void FileWatch::ForEachInode(const Visit& visit)
+{
+    for (auto& watched : watched_) {
+        if (watched.current) {
+            visit(watched, *watched.current);
+        }
+        for (auto& inode : watched.former) {
+            visit(watched, inode);
+        }
+    }
+}
+
+void FileWatch::FollowAll()
+{
     for (auto& watched : watched_) {
         const bool wasThere = watched.current.has_value();
         const size_t formerCount = watched.former.size();
@@ -92,29 +170,9 @@ void FileWatch::Look()
         } else if (watched.former.size() != formerCount) {
             Complain(watched.file.path + " was replaced");
         } else if (!wasThere && error == 0) {
-            Complain(watched.file.path + " is back");
+            Complain(watched.file.path + (watched.hasBeenThere ? " is back" : " is there now"));
         }
-    }
-    Tell(FindUses());
-}
-
-void FileWatch::ReadNotices()
-{
-    std::array<char, 65536> bytes{};
-    ssize_t size = 0;
-    while ((size = read(fd_, bytes.data(), bytes.size())) > 0) {
-        inotify_event notice{};
-        for (size_t at = 0; at < static_cast<size_t>(size); at += sizeof(notice) + notice.len) {
-            std::memcpy(&notice, &bytes[at], sizeof(notice));
-            if ((notice.mask & IN_IGNORED) == 0) {
-                continue; // Of all others it is enough that they came.
-            }
-            for (auto& watched : watched_) {
-                if (watched.current && watched.current->watch == notice.wd) {
-                    watched.current->number = 0;
-                }
-            }
-        }
+        watched.hasBeenThere |= watched.current.has_value();
     }
 }
 
@@ -134,7 +192,8 @@ int FileWatch::Follow(Watched& watched) const
     // Watched by descriptor: under the path, there may be another one by now.
     const int file = open(watched.file.path.c_str(), O_PATH | O_CLOEXEC);
     const std::string link = "/proc/self/fd/" + std::to_string(file);
-    const int watch = file >= 0 && fstat(file, &found) == 0 ? inotify_add_watch(fd_, link.c_str(), USE_NOTICES) : -1;
+    const int watch =
+        file >= 0 && fstat(file, &found) == 0 ? inotify_add_watch(notices_, link.c_str(), USE_NOTICES) : -1;
     error = watch >= 0 ? 0 : errno;
     if (file >= 0) {
         close(file);
@@ -147,22 +206,17 @@ int FileWatch::Follow(Watched& watched) const
 
 std::set<FileWatch::Use> FileWatch::FindUses()
 {
-    const auto isSame = [](dev_t device, ino_t number) {
-        return [device, number](const Inode& inode) { return inode.device == device && inode.number == number; };
-    };
     std::set<Use> uses;
-    std::set<std::pair<dev_t, ino_t>> open;
+    ForEachInode([](const Watched& /* watched */, Inode& inode) { inode.isSeen = false; });
     ForEachProcess([&](pid_t process) {
         std::set<PrivacySensorType> sensors;
         ForEachOpenFile(process, [&](dev_t device, ino_t number) {
-            for (const auto& watched : watched_) {
-                const auto is = isSame(device, number);
-                if ((watched.current && is(*watched.current)) ||
-                    std::any_of(watched.former.begin(), watched.former.end(), is)) {
+            ForEachInode([&](const Watched& watched, Inode& inode) {
+                if (inode.device == device && inode.number == number) {
+                    inode.isSeen = true;
                     sensors.insert(watched.file.sensor);
-                    open.emplace(device, number);
                 }
-            }
+            });
         });
         const auto owner = sensors.empty() ? std::nullopt : FindOwner(process);
         for (const auto sensor : sensors) {
@@ -171,11 +225,20 @@ std::set<FileWatch::Use> FileWatch::FindUses()
             }
         }
     });
-    for (auto& [file, current, former] : watched_) {
+    isInDoubt_ = false;
+    ForEachInode([&](const Watched& watched, Inode& inode) {
+        const bool isUnseen = inode.isOpen && !inode.isSeen;
+        // Seen the second time only: a process that opens a file has it a moment after the notice.
+        if (isUnseen && inode.isUnseen) {
+            uses.emplace(watched.file.sensor, UNKNOWN_PROCESS, UNKNOWN_USER);
+        }
+        isInDoubt_ |= isUnseen && !inode.isUnseen;
+        inode.isUnseen = isUnseen;
+    });
+    for (auto& watched : watched_) {
+        auto& former = watched.former;
         former.erase(std::remove_if(former.begin(), former.end(),
-                         [&open](const Inode& inode) {
-                             return open.count({inode.device, inode.number}) == 0;
-                         }),
+                         [](const Inode& inode) { return !inode.isSeen && !inode.isOpen; }),
             former.end());
     }
     return uses;

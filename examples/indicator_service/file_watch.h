@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <set>
@@ -27,21 +28,24 @@ SensorFile ParseSensorFile(const std::string& text);
 
 /**
  * Sensor use as the use of files, told to a service: a sensor is in use while a process has its file open. The
- * application is the process's name, with its user; how often a process opens a file, or how many processes of one name
- * and user do, makes no difference.
+ * application is the process's, as FindOwner says, with its user; how often a process opens a file, or how many
+ * processes of one application and user do, makes no difference.
  *
- * The kernel's notices of opening and closing say when to look, and /proc says who has what open. So a use that is over
- * before the look goes unseen, and so does one by a process that this user may not look into. While there is a use,
- * looks at intervals see what comes without a notice: a new name, or a descriptor handed on.
+ * The kernel's notices of opening and closing say when to look, and /proc says which process has what open. There is a
+ * REST of 0.2 s between two looks, or longer where looking takes long, so that many short uses cost little: a use of
+ * 0.2 s is seen, a shorter one if it is open during a look. While there is a use, looks at intervals see what comes
+ * without a notice: another program in the same process, or a descriptor handed on. A file that has been opened and not
+ * closed since, but that no process can be seen to have open, is used by UNKNOWN_PROCESS: a process of another user, or
+ * a descriptor on its way between two processes.
  *
- * A file may be removed or replaced, which is said on stderr: whoever has the old one open still uses the sensor, and a
- * new one under the same path is watched in its place. Not thread-safe.
+ * A file may be absent, be removed or be replaced, which is said on stderr: a process that has the old one open still
+ * uses the sensor, and a new one under the same path is watched in its place. Not thread-safe.
  */
 class FileWatch {
 public:
     /**
-     * Begins the uses that there are. Throws std::system_error, which names the path, if a file cannot be watched.
-     * `service` is not owned.
+     * Begins the uses that there are. Throws std::system_error, which names the path, if a file that there is, or the
+     * folder of one, cannot be watched. `service` is not owned.
      */
     FileWatch(const std::vector<SensorFile>& files, IndicatorService& service);
     ~FileWatch();
@@ -51,10 +55,7 @@ public:
     /** A descriptor that can be read when it is time to look; negative if there is nothing to watch. */
     int GetFd() const;
 
-    /** Milliseconds until it is time anyway; negative if it is not. */
-    int GetTimeout() const;
-
-    /** Tells the service what has changed. Waits for nothing. */
+    /** To be called when the descriptor can be read: tells the service what has changed. Waits for nothing. */
     void Look();
 
 private:
@@ -63,29 +64,49 @@ private:
     struct Inode {
         int watch;
         dev_t device;
-        ino_t number; // 0 once the file is no more: another one may get its number.
+        ino_t number;          // 0 once the file is no more: another one may get its number.
+        bool isOpen = false;   // The last notice was of an opening.
+        bool isSeen = false;   // At the last look a process had it open,
+        bool isUnseen = false; // or none, though it was open.
     };
 
     struct Watched {
         SensorFile file;
         std::optional<Inode> current; // Under the path, if there is a file.
         std::vector<Inode> former;    // Not any more, but some process may have it open.
+        bool hasBeenThere = false;
     };
 
     void ReadNotices();
 
+    /** Calls `visit` with each file and each of its inodes. */
+    template <typename Visit>
+    void ForEachInode(const Visit& visit);
+
     /** Takes what is under the path now for current, if it is not yet. 0, or the error. */
     int Follow(Watched& watched) const;
+
+    /** Follows all files, and says what has become of them. */
+    void FollowAll();
 
     /** The uses that there are. Forgets the former files that nobody has open. */
     std::set<Use> FindUses();
 
     void Tell(const std::set<Use>& uses);
 
+    /** Has the descriptor be readable after `time`, and before if `hearsNotices` and there is a notice. */
+    void Await(std::chrono::nanoseconds time, bool hearsNotices);
+
+    void CloseAll();
+
     IndicatorService& service_;
     std::vector<Watched> watched_;
-    int fd_ = -1;
-    std::set<Use> uses_; // As the service knows them.
+    int notices_ = -1;
+    int timer_ = -1;
+    int fd_ = -1; // Readable when one of these two is that is listened to.
+    bool isResting_ = false;
+    bool isInDoubt_ = false; // A file is open, but by no process that was seen: look again.
+    std::set<Use> uses_;     // As the service knows them.
 };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples

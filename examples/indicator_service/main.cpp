@@ -78,11 +78,11 @@ void Serve(IndicatorService& service, FileWatch& files, int ended)
     SensorInput input(STDIN_FILENO, service);
     std::array<pollfd, 3> wait{{{ended, POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}, {files.GetFd(), POLLIN, 0}}};
     while (wait[0].revents == 0) {
-        const int count = poll(wait.data(), wait.size(), files.GetTimeout());
+        const int count = poll(wait.data(), wait.size(), -1);
         if (count > 0 && wait[1].revents != 0 && !input.Read()) {
             wait[1] = {-1, 0, 0}; // Read to its end: not waited for any more.
         }
-        if (count == 0 || (count > 0 && wait[2].revents != 0)) {
+        if (count > 0 && wait[2].revents != 0) {
             files.Look();
         }
     }

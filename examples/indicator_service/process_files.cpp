@@ -7,10 +7,18 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <climits>
 #include <fstream>
+#include <iterator>
 #include <memory>
+#include <regex>
+#include <sstream>
 
 #include "parse.h"
+#include "print.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
@@ -42,13 +50,60 @@ void ForEachNumber(const std::string& path, const std::function<void(int folder,
     }
 }
 
-// A process chooses its name itself: it must not reach a terminal as more than a word.
-std::string Shown(std::string name)
+std::string ReadFile(const std::string& path)
 {
-    for (char& letter : name) {
-        letter = letter > ' ' && letter <= '~' ? letter : '?';
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/** A field of /proc/PID/status, up to its first blank; empty if there is none. */
+std::string FindField(const std::string& status, const std::string& name)
+{
+    const size_t field = status.find("\n" + name + ":\t");
+    const size_t begin = field == std::string::npos ? status.size() : field + name.size() + 3;
+    return status.substr(begin, status.find_first_of("\t\n", begin) - begin);
+}
+
+bool HasTerminal(pid_t process)
+{
+    // After the name, which is in brackets and may hold any byte: state, parent, group, session, terminal.
+    const std::string stat = ReadFile(FolderOf(process) + "/stat");
+    std::istringstream fields(stat.substr(std::min(stat.size(), stat.rfind(')') + 1)));
+    std::string skipped;
+    int terminal = 0;
+    fields >> skipped >> skipped >> skipped >> skipped >> terminal;
+    return terminal != 0;
+}
+
+std::string FindProgram(pid_t process)
+{
+    std::array<char, PATH_MAX> path{};
+    const ssize_t size = readlink((FolderOf(process) + "/exe").c_str(), path.data(), path.size());
+    std::string program(path.data(), size > 0 ? static_cast<size_t>(size) : 0);
+    const std::string deleted = " (deleted)";
+    if (program.size() > deleted.size() &&
+        program.compare(program.size() - deleted.size(), deleted.size(), deleted) == 0) {
+        program.resize(program.size() - deleted.size());
     }
-    return name;
+    return program.substr(program.rfind('/') + 1);
+}
+
+/** With each `\xNN` replaced by its byte. */
+std::string Unescape(const std::string& text)
+{
+    std::string plain;
+    for (size_t i = 0; i < text.size(); ++i) {
+        unsigned char byte = 0;
+        const char* const digits = text.data() + i + 2;
+        if (text.compare(i, 2, "\\x") == 0 && i + 4 <= text.size() &&
+            std::from_chars(digits, digits + 2, byte, 16).ptr == digits + 2) {
+            plain += static_cast<char>(byte);
+            i += 3;
+        } else {
+            plain += text[i];
+        }
+    }
+    return plain;
 }
 
 } // namespace
@@ -71,21 +126,24 @@ void ForEachOpenFile(pid_t process, const std::function<void(dev_t device, ino_t
 
 std::optional<ProcessOwner> FindOwner(pid_t process)
 {
-    const std::string nameField = "Name:\t";
-    const std::string uidField = "Uid:\t";
-    ProcessOwner owner;
-    std::ifstream status(FolderOf(process) + "/status");
-    for (std::string line; std::getline(status, line);) {
-        if (line.compare(0, nameField.size(), nameField) == 0 && line.size() > nameField.size()) {
-            owner.name = Shown(line.substr(nameField.size()));
-        } else if (line.compare(0, uidField.size(), uidField) == 0) {
-            // The real one is the first of four.
-            const size_t end = line.find('\t', uidField.size());
-            const auto uid = ParseNumber<uint32_t>(line.substr(uidField.size(), end - uidField.size()));
-            owner.uid = static_cast<int32_t>(uid);
-        }
+    const std::string uid = FindField(ReadFile(FolderOf(process) + "/status"), "Uid"); // The real one comes first.
+    if (uid.empty()) {
+        return std::nullopt;
     }
-    return access(FolderOf(process).c_str(), F_OK) == 0 ? std::make_optional(owner) : std::nullopt;
+    std::string name = HasTerminal(process) ? "" : FindDesktopApplication(ReadFile(FolderOf(process) + "/cgroup"));
+    name = Printable(name.empty() ? FindProgram(process) : name);
+    return ProcessOwner{name.empty() ? UNKNOWN_PROCESS : name, static_cast<int32_t>(ParseNumber<uint32_t>(uid))};
+}
+
+std::string FindDesktopApplication(const std::string& cgroups)
+{
+    static const std::regex group(
+        R"(/app-(?:[^-/\n]+-)?([^-/@\n]+)(?:-[^-/\n]+\.scope|(?:@[^/\n]*)?\.service)(?=/|\n|$))");
+    std::string application;
+    for (std::sregex_iterator match(cgroups.begin(), cgroups.end(), group), end; match != end; ++match) {
+        application = Unescape((*match)[1]);
+    }
+    return application;
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples

@@ -11,11 +11,14 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
-/** Who a process is, as far as this user may know. */
+/** An application: a desktop's if it was started by one, else the process's program. */
 struct ProcessOwner {
-    std::string name = "unknown"; // Its characters can be shown.
-    int32_t uid = -1;             // The real user's.
+    std::string name; // Printable.
+    int32_t uid = -1; // The real user's.
 };
+
+/** The name where no process is known, or none that this user may look into. */
+inline constexpr const char* UNKNOWN_PROCESS = "unknown process";
 
 /** Calls `visit` for each running process. */
 void ForEachProcess(const std::function<void(pid_t process)>& visit);
@@ -23,8 +26,18 @@ void ForEachProcess(const std::function<void(pid_t process)>& visit);
 /** Calls `visit` for each file that a process has open; none of a process that this user may not look into. */
 void ForEachOpenFile(pid_t process, const std::function<void(dev_t device, ino_t inode)>& visit);
 
-/** Nothing if the process has ended. */
+/**
+ * Who a process is now: it may have been another program before. A process with a controlling terminal was not started
+ * by the desktop, but typed into one of its windows: it goes by its program. Nothing if the process has ended.
+ */
 std::optional<ProcessOwner> FindOwner(pid_t process);
+
+/**
+ * The application of a process by its /proc/PID/cgroup: desktops start each application in a control group named
+ * `app[-LAUNCHER]-APPLICATION-RANDOM.scope` or `app[-LAUNCHER]-APPLICATION[@RANDOM].service`, in which bytes may be
+ * written as `\xNN`. Empty if there is no such group.
+ */
+std::string FindDesktopApplication(const std::string& cgroups);
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
 
