@@ -144,8 +144,8 @@ ctl()
     local -a arguments
     local code=0 pattern
     read -ra arguments <<<"$1"
-    printf '   $ indicator_ctl %s\n' "$1"
-    "$programs/indicator_ctl" "${arguments[@]}" </dev/null >"$folder/ctl" 2>&1 3>&- || code=$?
+    printf '   $ indicator_ctl --raw %s\n' "$1"
+    "$programs/indicator_ctl" --raw "${arguments[@]}" </dev/null >"$folder/ctl" 2>&1 3>&- || code=$?
     echo "exit code $code" >>"$folder/ctl"
     for pattern in "${@:3}" "^exit code $2\$"; do
         expect ctl "$pattern"
@@ -272,7 +272,7 @@ variant emulator "an emulator"
 step "A service, a caller that registers with the service itself, and an app that does so through the client."
 run service indicator_service
 expect service '^ready$'
-run caller indicator_ctl watch
+run caller indicator_ctl watch --raw
 expect caller '^event listener registered$'
 run_logged app indicator_monitor
 expect_in_order app "$gate" "$gate" '^listening$'
@@ -331,7 +331,7 @@ expect service '^ready$'
 
 step "Two callers register a listener of each kind (requests 8 and 1)."
 for watcher in first second; do
-    run $watcher indicator_ctl watch
+    run $watcher indicator_ctl watch --raw
     expect $watcher '^switch listener registered$'
     expect $watcher '^event listener registered$'
 done
