@@ -50,7 +50,7 @@ SensorFile ParseSensorFile(const std::string& text)
     return {ParseSensor(text.substr(0, sign)), text.substr(sign + 1)};
 }
 
-FileWatch::FileWatch(const std::vector<SensorFile>& files, IndicatorService& service) : service_(service)
+FileWatch::FileWatch(const std::vector<SensorFile>& files, Testing::InMemoryService& service) : service_(service)
 {
     if (files.empty()) {
         return;

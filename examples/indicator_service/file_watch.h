@@ -12,7 +12,7 @@
 #include <tuple>
 #include <vector>
 
-#include "indicator_service.h"
+#include "in_memory_service.h"
 #include "privacy_sensor_type.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
@@ -47,7 +47,7 @@ public:
      * Begins the uses that there are. Throws std::system_error, which names the path, if a file that there is, or the
      * folder of one, cannot be watched. `service` is not owned.
      */
-    FileWatch(const std::vector<SensorFile>& files, IndicatorService& service);
+    FileWatch(const std::vector<SensorFile>& files, Testing::InMemoryService& service);
     ~FileWatch();
     FileWatch(const FileWatch&) = delete;
     FileWatch& operator=(const FileWatch&) = delete;
@@ -99,7 +99,7 @@ private:
 
     void CloseAll();
 
-    IndicatorService& service_;
+    Testing::InMemoryService& service_;
     std::vector<Watched> watched_;
     int notices_ = -1;
     int timer_ = -1;

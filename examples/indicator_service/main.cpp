@@ -13,7 +13,7 @@
 #include "arguments.h"
 #include "end_signals.h"
 #include "file_watch.h"
-#include "indicator_service.h"
+#include "in_memory_service.h"
 #include "print.h"
 #include "sensor_input.h"
 #include "system_ability.h"
@@ -57,7 +57,7 @@ public:
     }
 };
 
-bool Publish(ISystemAbilityManager& manager, const sptr<IndicatorService>& service)
+bool Publish(ISystemAbilityManager& manager, const sptr<Testing::InMemoryService>& service)
 {
     const int32_t error = manager.AddSystemAbility(PRIVACY_INDICATOR_SA_ID, service);
     if (error == 0) {
@@ -73,7 +73,7 @@ bool Publish(ISystemAbilityManager& manager, const sptr<IndicatorService>& servi
 }
 
 // Takes sensor use from standard input and the files until `ended` can be read.
-void Serve(IndicatorService& service, FileWatch& files, int ended)
+void Serve(Testing::InMemoryService& service, FileWatch& files, int ended)
 {
     SensorInput input(STDIN_FILENO, service);
     std::array<pollfd, 3> wait{{{ended, POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}, {files.GetFd(), POLLIN, 0}}};
@@ -105,7 +105,7 @@ int Run(const std::vector<SensorFile>& sensorFiles)
     const sigset_t endSignals = BlockEndSignals();
     const int ended = signalfd(-1, &endSignals, SFD_CLOEXEC);
     const sptr<ISystemAbilityManager> manager = FindManager();
-    const sptr<IndicatorService> service(new IndicatorService());
+    const sptr<Testing::InMemoryService> service(new Testing::InMemoryService({PrintLine, Complain}));
     FileWatch files(sensorFiles, *service);
     if (ended < 0 || manager == nullptr || !Publish(*manager, service)) {
         return EXIT_NO_SERVICE;

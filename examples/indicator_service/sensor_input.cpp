@@ -17,7 +17,7 @@ namespace {
 
 constexpr size_t MAX_LINE = 1000;
 
-void Tell(IndicatorService& service, const std::string& line)
+void Tell(Testing::InMemoryService& service, const std::string& line)
 {
     if (line.size() > MAX_LINE) {
         throw ParseError("longer than " + std::to_string(MAX_LINE) + " bytes");
@@ -33,9 +33,10 @@ void Tell(IndicatorService& service, const std::string& line)
     if (words.size() != 4 || (words[0] != "start" && words[0] != "stop")) {
         throw ParseError("neither \"start SENSOR BUNDLE UID\" nor \"stop SENSOR BUNDLE UID\"");
     }
-    const SensorUse use{ParseSensor(words[1]), words[2], ParseNumber<int32_t>(words[3])};
-    if (use.bundleName.size() > UseHistory::MAX_BUNDLE_NAME) {
-        throw ParseError("the bundle name is longer than " + std::to_string(UseHistory::MAX_BUNDLE_NAME) + " bytes");
+    const Testing::SensorUse use{ParseSensor(words[1]), words[2], ParseNumber<int32_t>(words[3])};
+    if (use.bundleName.size() > Testing::UseHistory::MAX_BUNDLE_NAME) {
+        throw ParseError(
+            "the bundle name is longer than " + std::to_string(Testing::UseHistory::MAX_BUNDLE_NAME) + " bytes");
     }
     if (use.uid < 0) {
         throw ParseError("the uid is negative");
@@ -50,7 +51,7 @@ void Tell(IndicatorService& service, const std::string& line)
 
 } // namespace
 
-SensorInput::SensorInput(int fd, IndicatorService& service) : fd_(fd), service_(service) {}
+SensorInput::SensorInput(int fd, Testing::InMemoryService& service) : fd_(fd), service_(service) {}
 
 bool SensorInput::Read()
 {

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "indicator_service.h"
+#include "in_memory_service.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
@@ -15,7 +15,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 class SensorInput {
 public:
     /** Neither the descriptor nor the service is owned. */
-    SensorInput(int fd, IndicatorService& service);
+    SensorInput(int fd, Testing::InMemoryService& service);
 
     /** Reads once, and waits if there is nothing. False at the end of the input. */
     bool Read();
@@ -25,7 +25,7 @@ private:
     void TakeLine();
 
     const int fd_;
-    IndicatorService& service_;
+    Testing::InMemoryService& service_;
     std::string line_; // As far as it has been read; no longer than what can be taken, and one more.
     int lineNumber_ = 1;
 };

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "indicator_service.h"
+#include "in_memory_service.h"
 
 #include "ipc_skeleton.h"
-#include "print.h"
+#include "message_parcel.h"
+#include "privacy_event_values.h"
 
-namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing {
 
 using Indicator::IndicatorData;
 using Indicator::IndicatorState;
@@ -30,20 +31,12 @@ bool IsUser(int32_t userId)
     return userId >= 0 || userId == UseHistory::ALL_USERS;
 }
 
-// Prints who registered a listener, if `result` says that it was. Returns it.
-int32_t ReportRegistered(const std::string& listener, int32_t result)
-{
-    if (result == PrivacyIndicatorServiceIntf::SUCCESS) {
-        PrintLine(listener + " listener of process " + std::to_string(IPCSkeleton::GetCallingPid()));
-    }
-    return result;
-}
-
 } // namespace
 
-IndicatorService::IndicatorService()
-    : switchListeners_(new ListenerRegistry<IndicatorSwitchListenerIntf>()),
-      eventListeners_(new ListenerRegistry<PrivacyEventListenerIntf>())
+InMemoryService::InMemoryService(Reports reports)
+    : reports_(std::move(reports)),
+      switchListeners_(new ListenerRegistry<IndicatorSwitchListenerIntf>(reports_.problem)),
+      eventListeners_(new ListenerRegistry<PrivacyEventListenerIntf>(reports_.problem))
 {
     for (size_t i = 0; i < sensors_.size(); ++i) {
         sensors_[i].indicator.privacySensorType = static_cast<PrivacySensorType>(i);
@@ -51,12 +44,12 @@ IndicatorService::IndicatorService()
     }
 }
 
-IndicatorService::~IndicatorService()
+InMemoryService::~InMemoryService()
 {
     Close();
 }
 
-bool IndicatorService::BeginUse(const SensorUse& use)
+bool InMemoryService::BeginUse(const SensorUse& use)
 {
     std::lock_guard<std::mutex> lock(mutex_);
     if (!history_.Begin(use)) {
@@ -70,7 +63,7 @@ bool IndicatorService::BeginUse(const SensorUse& use)
     return true;
 }
 
-bool IndicatorService::EndUse(const SensorUse& use)
+bool InMemoryService::EndUse(const SensorUse& use)
 {
     std::lock_guard<std::mutex> lock(mutex_);
     if (!history_.End(use)) {
@@ -84,13 +77,56 @@ bool IndicatorService::EndUse(const SensorUse& use)
     return true;
 }
 
-void IndicatorService::Close()
+void InMemoryService::Close()
 {
     switchListeners_->Close();
     eventListeners_->Close();
 }
 
-int32_t IndicatorService::RegisterPrivacyEventListener(
+void InMemoryService::AwaitDelivery()
+{
+    switchListeners_->AwaitCalls();
+    eventListeners_->AwaitCalls();
+}
+
+void InMemoryService::SetRefusal(int32_t code)
+{
+    refusal_ = code;
+}
+
+std::vector<InMemoryService::Registration> InMemoryService::GetRegistrations()
+{
+    std::vector<Registration> registrations;
+    for (const auto& [listener, topics] : switchListeners_->GetTopics()) {
+        registrations.push_back({listener, "", topics.at(SWITCH)});
+    }
+    for (const auto& [listener, topics] : eventListeners_->GetTopics()) {
+        for (const auto& [dataType, count] : topics) {
+            registrations.push_back({listener, dataType, count});
+        }
+    }
+    return registrations;
+}
+
+int32_t InMemoryService::OnRemoteRequest(
+    uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option)
+{
+    if (refusal_ != SUCCESS) {
+        reply.WriteInt32(refusal_);
+        return SUCCESS;
+    }
+    return PrivacyIndicatorServiceIntfStub::OnRemoteRequest(code, data, reply, option);
+}
+
+int32_t InMemoryService::ReportRegistered(const std::string& kind, int32_t result) const
+{
+    if (result == SUCCESS && reports_.event) {
+        reports_.event(kind + " listener of process " + std::to_string(IPCSkeleton::GetCallingPid()));
+    }
+    return result;
+}
+
+int32_t InMemoryService::RegisterPrivacyEventListener(
     const std::string& dataType, const sptr<PrivacyEventListenerIntf>& privacyEventListener)
 {
     if (dataType.empty() || dataType.size() > MAX_DATA_TYPE || privacyEventListener == nullptr) {
@@ -99,12 +135,12 @@ int32_t IndicatorService::RegisterPrivacyEventListener(
     return ReportRegistered("event", eventListeners_->Add(privacyEventListener, dataType));
 }
 
-int32_t IndicatorService::UnregisterPrivacyEventListener(const sptr<PrivacyEventListenerIntf>& privacyEventListener)
+int32_t InMemoryService::UnregisterPrivacyEventListener(const sptr<PrivacyEventListenerIntf>& privacyEventListener)
 {
     return privacyEventListener != nullptr ? eventListeners_->Remove(privacyEventListener->AsObject()) : INVALID_VALUE;
 }
 
-int32_t IndicatorService::GetPrivacyEventDetails(int32_t userId, std::vector<PrivacyEventDetail>& privacyEventDetails)
+int32_t InMemoryService::GetPrivacyEventDetails(int32_t userId, std::vector<PrivacyEventDetail>& privacyEventDetails)
 {
     if (!IsUser(userId)) {
         return INVALID_VALUE;
@@ -114,7 +150,7 @@ int32_t IndicatorService::GetPrivacyEventDetails(int32_t userId, std::vector<Pri
     return SUCCESS;
 }
 
-int32_t IndicatorService::GetPrivacyEventDetailsByPrivacySensorType(
+int32_t InMemoryService::GetPrivacyEventDetailsByPrivacySensorType(
     int32_t userId, int32_t privacySensorType, std::vector<PrivacyEventDetail>& privacyEventDetails)
 {
     if (!IsUser(userId) || !IsSensor(privacySensorType)) {
@@ -125,7 +161,7 @@ int32_t IndicatorService::GetPrivacyEventDetailsByPrivacySensorType(
     return SUCCESS;
 }
 
-int32_t IndicatorService::GetActiveIndicators(std::vector<IndicatorData>& indicators)
+int32_t InMemoryService::GetActiveIndicators(std::vector<IndicatorData>& indicators)
 {
     std::lock_guard<std::mutex> lock(mutex_);
     for (const auto& sensor : sensors_) {
@@ -136,7 +172,7 @@ int32_t IndicatorService::GetActiveIndicators(std::vector<IndicatorData>& indica
     return SUCCESS;
 }
 
-int32_t IndicatorService::TurnOnIndicator(int32_t privacySensorType,
+int32_t InMemoryService::TurnOnIndicator(int32_t privacySensorType,
     const Indicator::IndicatorPosition& indicatorPosition, const Indicator::IndicatorSize& indicatorSize,
     int32_t animationType)
 {
@@ -156,7 +192,7 @@ int32_t IndicatorService::TurnOnIndicator(int32_t privacySensorType,
     return SUCCESS;
 }
 
-int32_t IndicatorService::TurnOffIndicator(int32_t privacySensorType, int32_t animationType)
+int32_t InMemoryService::TurnOffIndicator(int32_t privacySensorType, int32_t animationType)
 {
     if (!IsSensor(privacySensorType)) {
         return INVALID_VALUE;
@@ -171,17 +207,17 @@ int32_t IndicatorService::TurnOffIndicator(int32_t privacySensorType, int32_t an
     return SUCCESS;
 }
 
-int32_t IndicatorService::RegisterPrivacyIndicatorSwitchListener(const sptr<IndicatorSwitchListenerIntf>& listener)
+int32_t InMemoryService::RegisterPrivacyIndicatorSwitchListener(const sptr<IndicatorSwitchListenerIntf>& listener)
 {
     return listener != nullptr ? ReportRegistered("switch", switchListeners_->Add(listener, SWITCH)) : INVALID_VALUE;
 }
 
-int32_t IndicatorService::UnregisterPrivacyIndicatorSwitchListener(const sptr<IndicatorSwitchListenerIntf>& listener)
+int32_t InMemoryService::UnregisterPrivacyIndicatorSwitchListener(const sptr<IndicatorSwitchListenerIntf>& listener)
 {
     return listener != nullptr ? switchListeners_->Remove(listener->AsObject()) : INVALID_VALUE;
 }
 
-int32_t IndicatorService::GetPermissionUsageDurationSummary(
+int32_t InMemoryService::GetPermissionUsageDurationSummary(
     const Record::PermissionUsageDurationQuery& permissionUsageDurationQuery,
     std::vector<Record::PermissionUsageDuration>& permissionUsageDurations)
 {
@@ -195,38 +231,41 @@ int32_t IndicatorService::GetPermissionUsageDurationSummary(
     return SUCCESS;
 }
 
-int32_t IndicatorService::NotifyPowerEvent(int32_t event)
+int32_t InMemoryService::NotifyPowerEvent(int32_t event)
 {
     if (event != 0 && event != 1) {
         return INVALID_VALUE;
     }
-    PrintLine("power event " + std::to_string(event) + " from uid " + std::to_string(IPCSkeleton::GetCallingUid()));
+    if (reports_.event) {
+        reports_.event(
+            "power event " + std::to_string(event) + " from uid " + std::to_string(IPCSkeleton::GetCallingUid()));
+    }
     return SUCCESS;
 }
 
-IndicatorService::Sensor& IndicatorService::Of(PrivacySensorType sensor)
+InMemoryService::Sensor& InMemoryService::Of(PrivacySensorType sensor)
 {
     return sensors_.at(static_cast<size_t>(sensor));
 }
 
-void IndicatorService::Switch(IndicatorData& indicator, IndicatorState state)
+void InMemoryService::Switch(IndicatorData& indicator, IndicatorState state)
 {
     indicator.state = state;
     switchListeners_->Push(
         SWITCH, [indicator](IndicatorSwitchListenerIntf& listener) { listener.OnSwitchChanged(indicator); });
 }
 
-void IndicatorService::PushUse(const SensorUse& use, AccessState state)
+void InMemoryService::PushUse(const SensorUse& use, AccessState state)
 {
     PrivacyEventRemindInfo info;
     info.bundleName = use.bundleName;
     info.uid = use.uid;
     info.privacySensorType = static_cast<int32_t>(use.sensor);
     info.privacyAccessState = state;
-    eventListeners_->Push(
-        SENSOR_STATE_CHANGE, [infos = std::vector<PrivacyEventRemindInfo>{info}](PrivacyEventListenerIntf& listener) {
-            listener.OnPrivacyEventChanged(SENSOR_STATE_CHANGE, infos);
+    eventListeners_->Push(Privacy::SENSOR_STATE_CHANGE,
+        [infos = std::vector<PrivacyEventRemindInfo>{info}](PrivacyEventListenerIntf& listener) {
+            listener.OnPrivacyEventChanged(Privacy::SENSOR_STATE_CHANGE, infos);
         });
 }
 
-} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef INDICATOR_SERVICE_H
-#define INDICATOR_SERVICE_H
+#ifndef IN_MEMORY_SERVICE_H
+#define IN_MEMORY_SERVICE_H
 
 #include <array>
+#include <atomic>
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -12,26 +14,30 @@
 #include "privacy_indicator_service_intf_stub.h"
 #include "use_history.h"
 
-namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing {
 
 /**
  * The privacy indicator service, in memory. Any thread may call anything; no call waits for a listener.
  *
  * A sensor's indicator is on while an application uses the sensor, and from TurnOnIndicator on. It goes off when
- * neither holds any more, and with TurnOffIndicator, whoever uses the sensor: the sensor's next use shows it again. A
- * change is told to the switch listeners, and each begin and end of a use to the privacy event listeners of
- * SENSOR_STATE_CHANGE, in order. A listener that falls behind by more than PushQueue holds misses the oldest ones. An
- * event that a listener does not take, or answer within 8 s, is not sent again, which only the library's log tells.
+ * neither holds any more, and with TurnOffIndicator, whichever application uses the sensor: the sensor's next use shows
+ * it again. A change is reported to the switch listeners, and each begin and end of a use to the privacy event
+ * listeners of SENSOR_STATE_CHANGE, in order. A listener that is slower by more than PushQueue holds misses the oldest
+ * ones. An event that a listener does not take is not sent again: only the library's log shows it.
  *
  * Times are milliseconds since the epoch. A request with an argument out of range gets INVALID_VALUE.
  */
-class IndicatorService : public PrivacyIndicatorServiceIntfStub {
+class InMemoryService : public PrivacyIndicatorServiceIntfStub {
 public:
-    /** The data type of the privacy events that there are. */
-    static constexpr const char* SENSOR_STATE_CHANGE = "sensorStateChange";
+    /** What the service has to say, as lines of text. Either function may be empty; both are called on any thread. */
+    struct Reports {
+        std::function<void(const std::string&)> event;   // A registration or a power event.
+        std::function<void(const std::string&)> problem; // A listener that is too slow.
+    };
 
-    IndicatorService();
-    ~IndicatorService() override;
+    InMemoryService() : InMemoryService(Reports{}) {}
+    explicit InMemoryService(Reports reports);
+    ~InMemoryService() override;
 
     /** An application begins to use a sensor. False if it does so already, or the history is full of running uses. */
     bool BeginUse(const SensorUse& use);
@@ -39,12 +45,28 @@ public:
     /** An application stops using a sensor. False if it does not use it. */
     bool EndUse(const SensorUse& use);
 
-    /** Lets all listeners go. Waits for the calls that they are in. */
+    /** Returns when every listener has been called with all that happened until now. Not for a listener to call. */
+    void AwaitDelivery();
+
+    /** Has every request refused with this code from now on, so that it changes nothing; with SUCCESS, ends that. */
+    void SetRefusal(int32_t code);
+
+    /** A listener that is registered. */
+    struct Registration {
+        sptr<IRemoteObject> listener;
+        std::string dataType; // Empty for a switch listener.
+        int count = 0;        // How often it was registered.
+    };
+    std::vector<Registration> GetRegistrations();
+
+    /** Drops all listeners. Waits for the calls that they are in. */
     void Close();
 
+    int32_t OnRemoteRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option) override;
+
     /**
-     * A listener may have several data types. NO_ROOM beyond the limits of ListenerRegistry. Either registration prints
-     * the listener's kind and process as a line on standard output.
+     * A listener may have several data types. NO_ROOM beyond the limits of ListenerRegistry. Either registration
+     * reports the listener's kind and process.
      */
     int32_t RegisterPrivacyEventListener(
         const std::string& dataType, const sptr<Privacy::PrivacyEventListenerIntf>& privacyEventListener) override;
@@ -73,7 +95,7 @@ public:
     int32_t GetPermissionUsageDurationSummary(const Record::PermissionUsageDurationQuery& permissionUsageDurationQuery,
         std::vector<Record::PermissionUsageDuration>& permissionUsageDurations) override;
 
-    /** Prints the event, 0 or 1, as a line on standard output. */
+    /** Reports the event, 0 or 1. */
     int32_t NotifyPowerEvent(int32_t event) override;
 
 private:
@@ -87,6 +109,10 @@ private:
     void Switch(Indicator::IndicatorData& indicator, Indicator::IndicatorState state);
     void PushUse(const SensorUse& use, AccessState state);
 
+    int32_t ReportRegistered(const std::string& kind, int32_t result) const;
+
+    const Reports reports_;
+    std::atomic<int32_t> refusal_{SUCCESS};
     const sptr<ListenerRegistry<Indicator::IndicatorSwitchListenerIntf>> switchListeners_;
     const sptr<ListenerRegistry<Privacy::PrivacyEventListenerIntf>> eventListeners_;
 
@@ -95,6 +121,6 @@ private:
     std::array<Sensor, 3> sensors_; // By the sensor's number.
 };
 
-} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing
 
-#endif // INDICATOR_SERVICE_H
+#endif // IN_MEMORY_SERVICE_H

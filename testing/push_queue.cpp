@@ -3,15 +3,13 @@
 
 #include <utility>
 
-#include "print.h"
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing {
 
-namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
-
-PushQueue::PushQueue(std::string name) : name_(std::move(name)) {}
+PushQueue::PushQueue(std::string name, Report report) : name_(std::move(name)), report_(std::move(report)) {}
 
 void PushQueue::Push(Call call)
 {
-    Call oldest; // Let go of behind the lock.
+    Call oldest; // Destroyed after the lock is released.
     std::lock_guard<std::mutex> lock(mutex_);
     if (closed_) {
         return;
@@ -27,11 +25,18 @@ void PushQueue::Push(Call call)
 
 void PushQueue::Close()
 {
-    std::deque<Call> unmade; // Let go of behind the lock.
+    std::deque<Call> unmade; // Destroyed after the lock is released.
     std::lock_guard<std::mutex> lock(mutex_);
     closed_ = true;
     unmade.swap(calls_);
     changed_.notify_one();
+    idle_.notify_all();
+}
+
+void PushQueue::AwaitCalls()
+{
+    std::unique_lock<std::mutex> lock(mutex_);
+    idle_.wait(lock, [this] { return calls_.empty() && !isCalling_; });
 }
 
 void PushQueue::Run()
@@ -39,13 +44,16 @@ void PushQueue::Run()
     for (;;) {
         uint64_t dropped = 0;
         const Call call = Pop(dropped);
-        if (dropped > 0) {
-            Complain(name_ + " was too slow: its " + std::to_string(dropped) + " oldest events were dropped");
+        if (dropped > 0 && report_) {
+            report_(name_ + " was too slow: its " + std::to_string(dropped) + " oldest events were dropped");
         }
         if (call == nullptr) {
             return;
         }
         call();
+        std::lock_guard<std::mutex> lock(mutex_);
+        isCalling_ = false;
+        idle_.notify_all();
     }
 }
 
@@ -57,9 +65,10 @@ PushQueue::Call PushQueue::Pop(uint64_t& dropped)
     if (!closed_) {
         call = std::move(calls_.front());
         calls_.pop_front();
+        isCalling_ = true;
     }
     dropped = std::exchange(dropped_, 0);
     return call;
 }
 
-} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing

@@ -10,12 +10,12 @@
 #include <mutex>
 #include <string>
 
-namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing {
 
 /**
- * The calls that one listener is to get, in order. Whoever pushes never waits: when MAX_CALLS wait already, the oldest
- * one is dropped, since the newest tells more of how things stand. What was dropped is counted, and said on stderr once
- * the call that held up the others is over. Any thread may call anything.
+ * The calls that one listener is to get, in order. Push never waits: when MAX_CALLS wait already, the oldest one is
+ * dropped, since the newest says more about the present state. What was dropped is counted, and reported once the call
+ * that held up the others is over. Any thread may call anything.
  */
 class PushQueue {
 public:
@@ -23,13 +23,19 @@ public:
 
     using Call = std::function<void()>;
 
-    /** `name` is the listener's on stderr. */
-    explicit PushQueue(std::string name);
+    /** Has one line of text written somewhere. Called on any thread. */
+    using Report = std::function<void(const std::string& line)>;
+
+    /** `name` is the listener's in what is reported. */
+    PushQueue(std::string name, Report report);
 
     void Push(Call call);
 
     /** Drops what waits; Run returns after the call that it is in. */
     void Close();
+
+    /** Returns when all that was pushed until now has been called or dropped. */
+    void AwaitCalls();
 
     /** Makes the calls, without a lock, until the queue is closed: on a thread that may wait for the listener. */
     void Run();
@@ -39,13 +45,16 @@ private:
     Call Pop(uint64_t& dropped);
 
     const std::string name_;
+    const Report report_;
     std::mutex mutex_;
     std::condition_variable changed_;
+    std::condition_variable idle_;
     std::deque<Call> calls_;
+    bool isCalling_ = false;
     uint64_t dropped_ = 0;
     bool closed_ = false;
 };
 
-} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing
 
 #endif // PUSH_QUEUE_H

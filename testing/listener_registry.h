@@ -9,17 +9,17 @@
 #include <map>
 #include <memory>
 #include <mutex>
-#include <set>
 #include <string>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "ipc_skeleton.h"
 #include "iremote_object.h"
 #include "privacy_indicator_service_intf.h"
 #include "push_queue.h"
 
-namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing {
 
 /**
  * The listeners of one interface, and what each of them wants to hear: its topics. Every listener has a queue and a
@@ -38,6 +38,8 @@ public:
 
     using Event = std::function<void(Listener&)>;
 
+    explicit ListenerRegistry(PushQueue::Report report) : report_(std::move(report)) {}
+
     /** Calls nobody. INVALID_VALUE if the listener's process is gone; NO_ROOM beyond the limits, or for no thread. */
     int32_t Add(const sptr<Listener>& listener, const std::string& topic)
     {
@@ -50,15 +52,16 @@ public:
             if (topics.size() == MAX_TOPICS && topics.count(topic) == 0) {
                 return NO_ROOM;
             }
-            topics.insert(topic);
+            ++topics[topic];
             return SUCCESS;
         }
         if (closed_ || entries_.size() + endedThreads_.size() >= MAX_LISTENERS) {
             return NO_ROOM;
         }
-        const auto queue = std::make_shared<PushQueue>("listener " + std::to_string(++lastNumber_) + " of process " +
-                                                       std::to_string(IPCSkeleton::GetCallingPid()));
-        Entry entry{listener, {topic}, queue, {}};
+        const auto queue = std::make_shared<PushQueue>(
+            "listener " + std::to_string(++lastNumber_) + " of process " + std::to_string(IPCSkeleton::GetCallingPid()),
+            report_);
+        Entry entry{listener, {{topic, 1}}, queue, {}};
         try {
             entry.thread = std::async(std::launch::async, [queue] { queue->Run(); });
         } catch (const std::system_error&) {
@@ -76,7 +79,7 @@ public:
     /** Does not wait for a call that the listener is in. INVALID_VALUE if it is not there. */
     int32_t Remove(const sptr<IRemoteObject>& object)
     {
-        Entry removed; // Let go of behind the lock.
+        Entry removed; // Destroyed after the lock is released.
         std::lock_guard<std::mutex> lock(mutex_);
         const auto known = entries_.find(object);
         if (known == entries_.end()) {
@@ -100,6 +103,32 @@ public:
                 entry.queue->Push([shared, listener = entry.listener] { (*shared)(*listener); });
             }
         }
+    }
+
+    /** Returns when all that was pushed until now has been called or dropped. */
+    void AwaitCalls()
+    {
+        std::vector<std::shared_ptr<PushQueue>> queues;
+        {
+            std::lock_guard<std::mutex> lock(mutex_);
+            for (const auto& [object, entry] : entries_) {
+                queues.push_back(entry.queue);
+            }
+        }
+        for (const auto& queue : queues) {
+            queue->AwaitCalls();
+        }
+    }
+
+    /** The listeners, each with what it wants to hear and how often it was added for that. */
+    std::map<sptr<IRemoteObject>, std::map<std::string, int>> GetTopics()
+    {
+        std::map<sptr<IRemoteObject>, std::map<std::string, int>> topics;
+        std::lock_guard<std::mutex> lock(mutex_);
+        for (const auto& [object, entry] : entries_) {
+            topics[object] = entry.topics;
+        }
+        return topics;
     }
 
     /** Removes all listeners, takes no more, and waits for the calls under way: 8 s at most, as IPC does. */
@@ -130,7 +159,7 @@ public:
 private:
     struct Entry {
         sptr<Listener> listener;
-        std::set<std::string> topics;
+        std::map<std::string, int> topics; // How often each was added.
         std::shared_ptr<PushQueue> queue;
         std::future<void> thread; // Runs the queue. The last to go waits for it.
     };
@@ -142,6 +171,7 @@ private:
         });
     }
 
+    const PushQueue::Report report_;
     std::mutex mutex_;
     std::map<sptr<IRemoteObject>, Entry> entries_;
     std::list<std::future<void>> endedThreads_; // Their queues are closed.
@@ -149,6 +179,6 @@ private:
     bool closed_ = false;
 };
 
-} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing
 
 #endif // LISTENER_REGISTRY_H

@@ -9,9 +9,7 @@
 #include <set>
 #include <tuple>
 
-#include "parse.h"
-
-namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing {
 
 using Privacy::PrivacyEventDetail;
 using Record::PermissionUsageDuration;
@@ -24,6 +22,12 @@ int64_t Now()
 {
     using namespace std::chrono;
     return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
+}
+
+const char* GroupOf(int32_t sensor)
+{
+    static constexpr const char* GROUPS[] = {"camera", "microphone", "location"};
+    return GROUPS[sensor];
 }
 
 bool IsUnderWay(const PrivacyEventDetail& use)
@@ -101,7 +105,7 @@ void UseHistory::AppendUsage(
     const std::set<std::string> groups(query.GetPermissionGroups().begin(), query.GetPermissionGroups().end());
     std::map<std::tuple<std::string, int32_t, std::string>, PermissionUsageDuration> entries;
     for (const auto& use : uses_) {
-        const std::string group = NameOf(static_cast<PrivacySensorType>(use.privacySensorType));
+        const std::string group = GroupOf(use.privacySensorType);
         const int64_t useEnd = IsUnderWay(use) ? std::max(now, use.startTimestamp) : use.realEndTimestamp;
         if (!Admits(names, use.bundleName) || !Admits(groups, group) || useEnd < rangeBegin ||
             use.startTimestamp > rangeEnd) {
@@ -131,4 +135,4 @@ std::deque<PrivacyEventDetail>::iterator UseHistory::FindUnderWay(const SensorUs
     });
 }
 
-} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing

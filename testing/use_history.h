@@ -14,7 +14,7 @@
 #include "privacy_event_detail.h"
 #include "privacy_sensor_type.h"
 
-namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing {
 
 /** An application with a sensor. */
 struct SensorUse {
@@ -70,6 +70,6 @@ private:
     std::deque<Privacy::PrivacyEventDetail> uses_; // In the order of their begin.
 };
 
-} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing
 
 #endif // USE_HISTORY_H

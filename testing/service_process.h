@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef SERVICE_PROCESS_H
+#define SERVICE_PROCESS_H
+
+#include <chrono>
+
+#include "iremote_object.h"
+#include "refbase.h"
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing {
+
+/**
+ * Lets a service run in this process as if it ran in one of its own: callers reach it through a remote object that can
+ * die. Nothing else needs to run. There may be one at a time. Not for several threads at once, nor for a listener,
+ * since Start and Kill wait until the listeners have returned.
+ */
+class ServiceProcess {
+public:
+    /** Starts with `service`. */
+    explicit ServiceProcess(const sptr<IRemoteObject>& service);
+
+    /** Kills the process, if it runs. */
+    ~ServiceProcess();
+
+    ServiceProcess(const ServiceProcess&) = delete;
+    ServiceProcess& operator=(const ServiceProcess&) = delete;
+
+    /** Starts the process anew, with `service`, after Kill. On return the clients have registered their listeners. */
+    void Start(const sptr<IRemoteObject>& service);
+
+    /**
+     * Kills the process: every request fails, those that are delayed included. On return the clients have dropped their
+     * proxies and called their listeners.
+     */
+    void Kill();
+
+    /** Has every request wait before the service gets it, until the next start. */
+    void SetDelay(std::chrono::milliseconds delay);
+
+    /** Has every request fail with a platform's code, and not reach the service, until the next start; 0 for none. */
+    void SetError(int error);
+
+private:
+    class Remote;
+
+    sptr<Remote> remote_; // Null while the process is dead.
+};
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing
+
+#endif // SERVICE_PROCESS_H
