@@ -220,7 +220,7 @@ private:
     {
         const size_t size = Below(20);
         return TakeStep(
-            Below(14), [&] { return ReadBool(); },
+            Below(14), [&] { return ReadBool(size % 2 == 0); },
             [&] { return Read<int32_t>(&Parcel::ReadInt32, &Parcel::ReadInt32); },
             [&] { return Read<uint32_t>(&Parcel::ReadUint32, &Parcel::ReadUint32); },
             [&] { return Read<int64_t>(&Parcel::ReadInt64, &Parcel::ReadInt64); },
@@ -234,10 +234,12 @@ private:
             [&] { return ReadObject(); });
     }
 
-    bool ReadBool()
+    bool ReadBool(bool byReference)
     {
         const auto item = slow_.Number(4);
-        return parcel_.ReadBool() == (item && *item != I32(0));
+        bool value = false;
+        const bool isRead = byReference ? parcel_.ReadBool(value) : (value = parcel_.ReadBool(), item.has_value());
+        return isRead == item.has_value() && value == (item && *item != I32(0));
     }
 
     bool ReadBuffer(size_t size)

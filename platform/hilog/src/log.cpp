@@ -63,7 +63,7 @@ public:
     }
 
 private:
-    char data_[CAPACITY] = ""; // There is always a NUL at size_.
+    char data_[CAPACITY] = {}; // There is always a NUL at size_.
     size_t size_ = 0;
 };
 
