@@ -15,6 +15,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     reader.Take();
     const Bytes dataType = reader.Read("s") ? reader.Take() : Str("");
     const int32_t count = reader.Read("i") ? Reader::Value(reader.Take()) : 0;
+    if (count > 999 && count < 102400) {
+        return 0; // As 999, but slow.
+    }
     const bool isCountGood = trial.isForStub && count >= 1 && count <= 102400;
     Bytes records;
     int failingNew = trial.failingNew;

@@ -98,7 +98,7 @@ public:
     std::optional<Bytes> Buffer(size_t size)
     {
         const size_t start = cursor;
-        const auto buffer = HasObject(cursor, size) ? std::nullopt : Number(size);
+        auto buffer = HasObject(cursor, size) ? std::nullopt : Number(size);
         cursor = buffer ? cursor : start;
         return buffer;
     }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // A parcel, step by step beside a second one that is slow and plain.
-// Covers: platform/utils/src/parcel.cpp platform/ipc/src/message_parcel.cpp
+// Covers: platform/utils/src/parcel.cpp
 #include <iterator>
 #include <memory>
 
@@ -178,6 +178,8 @@ private:
         const sptr<Indicator::IndicatorSize> size = new Indicator::IndicatorSize();
         size->width = 3.0F;
         size->height = 0.5F;
+        Parcel plain; // It has no table of objects.
+        Require(plain.WriteStrongParcelable(size) && plain.ReadInt32() == 1, "a plain parcel is written and read");
         // Each of its parts fits or does not.
         const bool isWritten = slow_.Write(I32(1)) && slow_.WriteParts(I32(0x40400000) + I32(0x3f000000));
         return (isStrong ? parcel_.WriteStrongParcelable(size) : parcel_.WriteParcelable(size)) == isWritten;
@@ -220,7 +222,7 @@ private:
     {
         const size_t size = Below(20);
         return TakeStep(
-            Below(14), [&] { return ReadBool(size % 2 == 0); },
+            Below(15), [&] { return ReadBool(size % 2 == 0); },
             [&] { return Read<int32_t>(&Parcel::ReadInt32, &Parcel::ReadInt32); },
             [&] { return Read<uint32_t>(&Parcel::ReadUint32, &Parcel::ReadUint32); },
             [&] { return Read<int64_t>(&Parcel::ReadInt64, &Parcel::ReadInt64); },
@@ -231,7 +233,7 @@ private:
             [&] { return ReadText<std::u16string>(&Parcel::ReadString16, &Parcel::ReadString16); },
             [&] { return ReadBuffer(size); }, [&] { return ReadRecord(); },
             [&] { return slow_.Skip(size + 1) == parcel_.Skip(size + 1); }, [&] { return Rewind(); },
-            [&] { return ReadObject(); });
+            [&] { return ReadObject(); }, [&] { return ReadToken(); });
     }
 
     bool ReadBool(bool byReference)
@@ -269,6 +271,14 @@ private:
     {
         const bool isThere = std::count(slow_.objects.begin(), slow_.objects.end(), slow_.cursor) > 0;
         return parcel_.ReadRemoteObject() == (isThere && slow_.Skip(24) ? object_.GetRefPtr() : nullptr);
+    }
+
+    bool ReadToken()
+    {
+        slow_.Number(4);
+        slow_.Number(4);
+        const std::u16string token = parcel_.ReadInterfaceToken();
+        return Memory(token.data(), token.size()) == slow_.Text(sizeof(char16_t)).value_or("");
     }
 
     Input input_;

@@ -28,14 +28,14 @@ std::u16string Wide(const std::string& text)
         wide += point >= 0x10000 ? std::u16string(1, static_cast<char16_t>(0xDC00 + point % 1024)) : u"";
         at += size;
     }
-    return wide.c_str(); // Up to the first NUL.
+    return wide.substr(0, wide.find(u'\0'));
 }
 
 std::string Narrow(const std::u16string& text)
 {
     std::string narrow;
     unsigned high = 0; // The unit before, if it may begin a pair.
-    for (const char16_t unit : std::u16string(text.c_str())) {
+    for (const char16_t unit : text.substr(0, text.find(u'\0'))) {
         const bool isHigh = unit >= 0xD800 && unit < 0xDC00;
         const bool isLow = unit >= 0xDC00 && unit < 0xE000;
         if (!isHigh && (!isLow || high != 0)) {
