@@ -24,8 +24,9 @@ struct TestedParcel : MessageParcel {
 struct SlowParcel : Reader {
     bool Write(const Bytes& item)
     {
-        const bool fits = !isReceived && bytes.size() + Padded(item).size() <= capacity;
-        bytes += fits ? Padded(item) : "";
+        const Bytes padded = Padded(item);
+        const bool fits = !isReceived && bytes.size() + padded.size() <= capacity;
+        bytes += fits ? padded : "";
         return fits;
     }
 
@@ -105,6 +106,12 @@ private:
         return Bytes(reinterpret_cast<const char*>(values), count * sizeof(T));
     }
 
+    template <typename Text>
+    static Bytes Item(const Text& text)
+    {
+        return I32(static_cast<int64_t>(text.size())) + Memory(text.c_str(), text.size() + 1);
+    }
+
     template <typename T>
     bool Write(bool (Parcel::*write)(T))
     {
@@ -132,8 +139,8 @@ private:
             [&] { return Write(&Parcel::WriteInt32); }, [&] { return Write(&Parcel::WriteUint32); },
             [&] { return Write(&Parcel::WriteInt64); }, [&] { return Write(&Parcel::WriteUint64); },
             [&] { return Write(&Parcel::WriteFloat); }, [&] { return Write(&Parcel::WriteDouble); },
-            [&] { return parcel_.WriteString(text) == slow_.WriteParts(Str(text)); },
-            [&] { return parcel_.WriteString16(wide) == slow_.WriteParts(Str16(wide)); },
+            [&] { return parcel_.WriteString(text) == slow_.WriteParts(Item(text)); },
+            [&] { return parcel_.WriteString16(wide) == slow_.WriteParts(Item(wide)); },
             [&] { return parcel_.WriteBuffer(text.data(), text.size()) == (!text.empty() && slow_.Write(text)); },
             [&] { return WriteRecord(isFirst); }, [&] { return RaiseCapacity(); }, [&] { return WriteObject(); },
             [&] { return WriteToken(wide); }, [&] { return !isFirst || Receive(); });
@@ -159,7 +166,7 @@ private:
     bool WriteToken(const std::u16string& token)
     {
         return parcel_.WriteInterfaceToken(token) ==
-               (slow_.Write(I32(0x100) + I32(0)) && slow_.WriteParts(Str16(token)));
+               (slow_.Write(I32(0x100) + I32(0)) && slow_.WriteParts(Item(token)));
     }
 
     bool Receive()
