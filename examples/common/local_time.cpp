@@ -25,9 +25,8 @@ std::string Format(int64_t time, const char* format)
     const time_t seconds = (time - MillisecondsOf(time)) / SECOND;
     tm local{};
     std::array<char, 64> text{};
-    if (localtime_r(&seconds, &local) == nullptr || std::strftime(text.data(), text.size(), format, &local) == 0) {
-        return std::to_string(time);
-    }
+    localtime_r(&seconds, &local);
+    std::strftime(text.data(), text.size(), format, &local);
     return text.data();
 }
 

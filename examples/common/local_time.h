@@ -13,7 +13,7 @@ int64_t Now();
 /** @{ A time in milliseconds since the epoch, as the local time. Any thread may call these. */
 std::string TimeOfDay(int64_t time);      ///< "15:04:05"
 std::string ExactTimeOfDay(int64_t time); ///< "15:04:05.678"
-std::string DateAndTime(int64_t time);    ///< "2026-01-02 15:04:05"; the number itself if no year is that long.
+std::string DateAndTime(int64_t time);    ///< "2026-01-02 15:04:05"
 std::string TimeWithOffset(int64_t time); ///< "2026-01-02T15:04:05.678+0100"
 /** @} */
 

@@ -16,10 +16,10 @@ using Intf = Indicator::IndicatorSwitchListenerIntf;
 constexpr std::chrono::seconds PATIENCE{3};
 constexpr std::chrono::milliseconds AFTERMATH{300}; // In which a call that should not come would come.
 
-std::string Decode(uint32_t code, MessageParcel& data, const MessageOption& option)
+std::string Decode(MessageParcel& data, const MessageOption& option)
 {
-    if (code != Intf::ON_SWITCH_CHANGED || data.ReadInterfaceToken() != Intf::GetDescriptor()) {
-        return "a call with code " + std::to_string(code) + " or another token";
+    if (data.ReadInterfaceToken() != Intf::GetDescriptor()) {
+        return "a call with another token";
     }
     const sptr<Indicator::IndicatorData> record(
         data.ReadInt32() != 0 ? Indicator::IndicatorData::Unmarshalling(data) : nullptr);
@@ -35,10 +35,12 @@ std::string Decode(uint32_t code, MessageParcel& data, const MessageOption& opti
 
 RecordingListener::RecordingListener() : IPCObjectStub(Intf::GetDescriptor()) {}
 
-int RecordingListener::OnRemoteRequest(
-    uint32_t code, MessageParcel& data, MessageParcel& /* reply */, MessageOption& option)
+int RecordingListener::OnRemoteRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option)
 {
-    const std::string call = Decode(code, data, option);
+    if (code != Intf::ON_SWITCH_CHANGED) {
+        return IPCObjectStub::OnRemoteRequest(code, data, reply, option);
+    }
+    const std::string call = Decode(data, option);
     std::lock_guard<std::mutex> lock(mutex_);
     calls_.push_back(call);
     called_.notify_one();

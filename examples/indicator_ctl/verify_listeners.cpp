@@ -116,6 +116,7 @@ public:
     void CheckFrozenListener()
     {
         const ListenerProcess frozen(1);
+        SwitchOnAndOff(); // It has been called, and then does not read any more.
         frozen.Freeze();
         Clock::duration longest{};
         int changes = 0;

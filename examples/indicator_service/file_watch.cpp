@@ -64,14 +64,13 @@ FileWatch::FileWatch(const std::vector<SensorFile>& files, Testing::InMemoryServ
     }
     for (const auto& file : files) {
         watched_.push_back({file, std::nullopt, {}, false});
-        int error = fd_ < 0 || timer_ < 0 || notices_ < 0 ? errno : Follow(watched_.back());
-        if (error == ENOENT) {
+        // The folder tells when a file comes, or comes back.
+        const bool isFollowed = fd_ >= 0 && timer_ >= 0 && notices_ >= 0 &&
+                                inotify_add_watch(notices_, FolderOf(file.path).c_str(), FOLDER_NOTICES) >= 0;
+        int error = isFollowed ? Follow(watched_.back()) : errno;
+        if (isFollowed && error == ENOENT) {
             Complain(file.path + " is not there yet: it is waited for");
             error = 0;
-        }
-        // The folder tells when a file comes, or comes back.
-        if (error == 0 && inotify_add_watch(notices_, FolderOf(file.path).c_str(), FOLDER_NOTICES) < 0) {
-            error = errno;
         }
         if (error != 0) {
             CloseAll();

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <nlohmann/json.hpp>
+
+#include <csignal>
+#include <regex>
+
+#include "pseudo_terminal.h"
+#include "tools_test.h"
+
+namespace {
+
+constexpr const char* TAKE_SCREEN = "\033[?1049h\033[?25l";
+constexpr const char* GIVE_SCREEN = "\033[?25h\033[?1049l";
+
+class MonitorTest : public ToolsTest {
+protected:
+    std::vector<std::string> Settings() const
+    {
+        return {"OHOS_BUS_ADDRESS=" + busAddress_, "TERM=xterm", "PS1=$ "};
+    }
+};
+
+TEST_F(MonitorTest, ABoardShowsHowThingsAreWhatHappensAndWhatIsUnknown)
+{
+    StartService();
+    Use("start camera com.example.chat 20010043");
+    PseudoTerminal monitor({MONITOR}, Settings());
+    std::string board = monitor.AwaitBoard("camera      on     com.example.chat (20010043)");
+    EXPECT_NE(board.find("\nmicrophone  off\nlocation    off\n"), std::string::npos) << board;
+
+    // A name that would change the terminal's colours.
+    Use("start microphone evil\033[41m\x9b"
+        "41m 7");
+    monitor.AwaitBoard("microphone  on     evil\\x1b[41m\\x9b41m (7)");
+    board = monitor.AwaitBoard("microphone  evil\\x1b[41m\\x9b41m (7) on\n");
+    EXPECT_EQ(monitor.Bytes().find("\033[41m"), std::string::npos);
+    Use("stop camera com.example.chat 20010043");
+    monitor.AwaitBoard("camera      off\n");
+
+    service_->Kill();
+    board = monitor.AwaitBoard("The state is unknown: the service is not there.");
+    EXPECT_NE(board.find("\ncamera      unknown\nmicrophone  unknown\nlocation    unknown\n"), std::string::npos);
+    StartService();
+    monitor.AwaitBoard("camera      off\nmicrophone  off\nlocation    off\n");
+    daemon_->Kill();
+    monitor.AwaitBoard("The state is unknown: the service is not there.");
+    service_->Signal(SIGKILL); // It may have ended with the bus.
+    service_->AwaitEnd();
+}
+
+TEST_F(MonitorTest, ABoardFitsTheTerminalAndLeavesItAsItWas)
+{
+    StartService();
+    PseudoTerminal monitor({MONITOR}, Settings());
+    const tcflag_t modes = monitor.LocalModes();
+    monitor.AwaitBoard("location    off\n");
+    EXPECT_EQ(monitor.LocalModes() & static_cast<tcflag_t>(ICANON | ECHO), 0U);
+    EXPECT_NE(monitor.Bytes().find("\033[1m"), std::string::npos);
+    monitor.Resize(9, 5);
+    EXPECT_EQ(monitor.AwaitBoard("SENSOR  \n").find("microphone"), std::string::npos);
+    monitor.Signal(SIGTERM);
+    EXPECT_EQ(monitor.AwaitEnd(), 0);
+    const std::string end = monitor.Bytes().substr(monitor.Bytes().size() - std::string(GIVE_SCREEN).size());
+    EXPECT_EQ(end, GIVE_SCREEN);
+    EXPECT_EQ(monitor.LocalModes(), modes);
+
+    auto settings = Settings();
+    settings.emplace_back("NO_COLOR=1");
+    PseudoTerminal plain({MONITOR}, settings);
+    plain.AwaitBoard("location    off\n");
+    EXPECT_FALSE(std::regex_search(plain.Bytes(), std::regex("\033\\[[0-9;]*m")));
+    plain.Type("q");
+    EXPECT_EQ(plain.AwaitEnd(), 0);
+}
+
+TEST_F(MonitorTest, ABoardKeepsOffATerminalThatItIsNotInFrontOf)
+{
+    StartService();
+    PseudoTerminal shell({"bash", "--norc", "--noprofile", "-i"}, Settings());
+    shell.AwaitBytes("$ ");
+    shell.Type(MONITOR + " & echo began=$((40 + 2))\n");
+    shell.AwaitBytes("began=42");
+    // The service says when the monitor has registered.
+    EXPECT_EQ(service_->ReadLine().find("switch listener of process "), 0U);
+    EXPECT_EQ(service_->ReadLine().find("event listener of process "), 0U);
+    Use("start camera com.example.chat 5");
+    shell.Type("jobs; echo alive=$((40 + 3))\n");
+    shell.AwaitBytes("Running");
+    shell.AwaitBytes("alive=43");
+    EXPECT_EQ(shell.Bytes().find(TAKE_SCREEN), std::string::npos);
+
+    shell.Type("fg\n");
+    shell.AwaitBytes(TAKE_SCREEN);
+    shell.AwaitBoard("camera      on     com.example.chat (5)");
+    shell.Type("\x1a");
+    shell.AwaitBytes(GIVE_SCREEN);
+    shell.AwaitBytes("Stopped");
+    shell.Type("fg\n");
+    shell.AwaitBytes(TAKE_SCREEN);
+    shell.Type("q");
+    shell.AwaitBytes(GIVE_SCREEN);
+    shell.Type("echo code=$?; exit\n");
+    shell.AwaitBytes("code=0");
+    EXPECT_EQ(shell.AwaitEnd(), 0);
+}
+
+TEST_F(MonitorTest, JsonIsAnObjectALine)
+{
+    StartService();
+    Use("start camera com.example.chat 5");
+    Helper monitor({MONITOR, "--json"}, busAddress_);
+    const auto next = [&monitor] { return nlohmann::json::parse(monitor.ReadLine()); };
+    EXPECT_EQ(next()["event"], "service");
+    auto state = next();
+    EXPECT_EQ(state["event"], "state");
+    EXPECT_EQ(state["indicators"][0]["sensor"], "camera");
+    EXPECT_EQ(state["uses"][0]["bundleName"], "com.example.chat");
+    Use("start camera \"\xff 5");
+    const auto use = next();
+    EXPECT_EQ(use["event"], "use");
+    EXPECT_EQ(use["uses"][0]["bundleName"], "\"\xef\xbf\xbd");
+}
+
+TEST_F(MonitorTest, ABrokenPipeEndsItAndTheEmulatorsVariantIsNamed)
+{
+    StartService();
+    Helper monitor({"bash", "-c", MONITOR + " | head -n 1; echo ${PIPESTATUS[0]}"}, busAddress_);
+    EXPECT_EQ(monitor.ReadLine(), "listening");
+    Use("start camera com.example.chat 5"); // Of its two lines, the first may still meet a reader.
+    Use("start camera com.example.maps 5");
+    EXPECT_EQ(monitor.ReadLine(), "141");
+    EXPECT_EQ(monitor.AwaitEnd(), 0);
+
+    Helper other({"sh", "-c", "exec env LD_LIBRARY_PATH=" LIBRARIES_DIR "/emulator " + MONITOR + " 2>&1"}, busAddress_);
+    EXPECT_NE(other.ReadLine().find("emulator's variant"), std::string::npos);
+    EXPECT_EQ(other.ReadLine(), "listening");
+}
+
+} // namespace
