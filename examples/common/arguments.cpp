@@ -58,9 +58,7 @@ const std::string& Arguments::Word(size_t index, const std::string& meaning) con
 
 const std::vector<std::string>& Arguments::Values(const std::string& option) const
 {
-    static const std::vector<std::string> none;
-    const auto known = values_.find(option);
-    return known != values_.end() ? known->second : none;
+    return values_.at(option);
 }
 
 bool Arguments::Has(const std::string& flag) const

@@ -28,7 +28,7 @@ public:
     /** Throws ParseError if there is no such word. `meaning` says what is missing. */
     const std::string& Word(size_t index, const std::string& meaning) const;
 
-    /** All values of an option, in their order; none of an option that is not known. */
+    /** All values of an option that is known, in their order. */
     const std::vector<std::string>& Values(const std::string& option) const;
 
     /** Whether a flag was given. */

@@ -152,17 +152,15 @@ const std::vector<Command>& Commands()
         {"off", "SENSOR [ANIMATION]", "take it off the screen", "", 2, {}, ParseOff},
         {"active", "", "print the indicators that are on", "", 0, {}, ParseActive},
         {"events", "[SENSOR]", "print who used which sensor, and when",
-            "  --user=ID    of this user's applications only (events)\n", 1, {"--user"}, ParseEvents},
+            "  --user=ID       of this user's applications only (events)\n", 1, {"--user"}, ParseEvents},
         {"usage", "", "print how long applications used the sensors",
-            "  --app=NAME   of this application only; may be given repeatedly (usage)\n"
-            "  --group=SENSOR\n"
-            "               of this sensor only; may be given repeatedly (usage)\n"
-            "  --from=MS    from this time on (usage)\n"
-            "  --to=MS      up to this time (usage)\n",
+            "  --app=NAME      of this application only; may be given repeatedly (usage)\n"
+            "  --group=SENSOR  of this sensor only; may be given repeatedly (usage)\n"
+            "  --from=MS       from this time on (usage)\n"
+            "  --to=MS         up to this time (usage)\n",
             0, {"--app", "--group", "--from", "--to"}, ParseUsage},
         {"power", "EVENT", "report the power event 0 or 1", "", 1, {}, ParsePower},
-        {"watch", "", "print what listeners are called with until SIGINT or SIGTERM, whenever the service is there", "",
-            0, {}, ParseWatch},
+        {"watch", "", "print what listeners are called with, until SIGINT or SIGTERM", "", 0, {}, ParseWatch},
         {"verify", "", "check that the service keeps to the contract, and print each check", "", 0, {}, ParseVerify},
         {HOLD_LISTENERS, "COUNT", "", "", 1, {}, ParseHoldListeners}, // Without a summary it is not in the help.
     };

@@ -5,12 +5,14 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
 namespace {
 
+constexpr size_t SUMMARY_COLUMN = 42; // Beyond the longest command with its arguments.
+
 constexpr const char* COMMON_OPTIONS =
     R"(  --json       print a JSON object for each record, a line each, instead of a table
-  --raw        print the records' own text, a line each, instead of a table
-  --wait       wait for a service that is not there yet
-  -h, --help   print this and exit
-  --version    print the version and exit
+  --raw           print the records' own text, a line each, instead of a table
+  --wait          wait for a service that is not there yet
+  -h, --help      print this and exit
+  --version       print the version and exit
 )";
 
 constexpr const char* END = R"(
@@ -37,8 +39,8 @@ Commands:
 )";
     for (const auto& command : Commands()) {
         if (!command.summary.empty()) {
-            text += "  " + command.name + (command.arguments.empty() ? "" : " " + command.arguments) + "\n";
-            text += "               " + command.summary + "\n";
+            const std::string words = "  " + command.name + " " + command.arguments;
+            text += words + std::string(SUMMARY_COLUMN - words.size(), ' ') + command.summary + "\n";
         }
     }
     text += "\nOptions:\n";

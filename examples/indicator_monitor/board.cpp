@@ -90,7 +90,7 @@ void Board::OnState(int64_t /* time */, const ServiceState& state)
         return; // It has gone meanwhile.
     }
     if (state.result != 0) {
-        unknownBecause_ = "the service does not tell it (" + ResultText(state.result) + ")";
+        unknownBecause_ = "the service did not answer (" + ResultText(state.result) + ")";
         return;
     }
     unknownBecause_.clear();

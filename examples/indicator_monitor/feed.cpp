@@ -97,7 +97,6 @@ void Feed::OnAddSystemAbility(int32_t /* systemAbilityId */, const std::string& 
 {
     Push([time = Now()](View& view) { view.OnService(time, true); });
     std::lock_guard<std::mutex> lock(mutex_);
-    isThere_ = true;
     isAskWanted_ = asksState_;
     changed_.notify_one();
 }
@@ -105,8 +104,6 @@ void Feed::OnAddSystemAbility(int32_t /* systemAbilityId */, const std::string& 
 void Feed::OnRemoveSystemAbility(int32_t /* systemAbilityId */, const std::string& /* deviceId */)
 {
     Push([time = Now()](View& view) { view.OnService(time, false); });
-    std::lock_guard<std::mutex> lock(mutex_);
-    isThere_ = false;
 }
 
 void Feed::Push(Call call)
@@ -148,7 +145,7 @@ void Feed::Run()
 bool Feed::AwaitTurn(bool hasFailed)
 {
     std::unique_lock<std::mutex> lock(mutex_);
-    const auto isTurn = [this] { return isStopped_ || (isThere_ && isAskWanted_); };
+    const auto isTurn = [this] { return isStopped_ || isAskWanted_; };
     if (!hasFailed) {
         changed_.wait(lock, isTurn);
     } else {
@@ -163,10 +160,13 @@ bool Feed::AskState()
     auto& client = PrivacyIndicatorClient::GetInstance();
     Push([](View& view) { view.OnAsking(); });
     ServiceState state;
-    state.result = client.GetActiveIndicators(state.indicators);
-    if (state.result == 0) {
-        state.result = client.GetPrivacyEventDetails(user_, state.uses);
-    }
+    // By the proxy, not the client's own requests: they return 0 without a service, too.
+    client.WithSystemAbilityProxy([this, &state](const sptr<PrivacyIndicatorServiceIntf>& service) {
+        state.result = service != nullptr ? service->GetActiveIndicators(state.indicators) : ERR_DEAD_OBJECT;
+        if (state.result == 0) {
+            state.result = service->GetPrivacyEventDetails(user_, state.uses);
+        }
+    });
     state.uses.erase(std::remove_if(state.uses.begin(), state.uses.end(), HasEnded), state.uses.end());
     Push([time = Now(), state](View& view) { view.OnState(time, state); });
     return state.result == 0;

@@ -66,10 +66,9 @@ private:
     const bool asksState_;
     const int fd_;
 
-    std::mutex mutex_; // For the next five.
+    std::mutex mutex_; // For the next four.
     std::condition_variable changed_;
     std::deque<Call> calls_;
-    bool isThere_ = false;
     bool isAskWanted_ = false;
     bool isStopped_ = false;
 

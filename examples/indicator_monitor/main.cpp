@@ -125,8 +125,11 @@ void ShowBoard(Feed& feed, Board& board, int signals)
             terminal.Leave();
             std::raise(SIGSTOP); // Until the shell lets it go on.
             break;
+        case SIGCONT:
+            terminal.Leave(); // The shell may have had the screen meanwhile: it is taken anew.
+            break;
         default:
-            break; // The size, or who has the terminal, may have changed.
+            break; // Another size, or none.
         }
     }
 }

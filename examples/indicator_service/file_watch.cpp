@@ -116,12 +116,12 @@ void FileWatch::CloseAll()
     }
 }
 
-void FileWatch::Await(std::chrono::nanoseconds time, bool hearsNotices)
+void FileWatch::Await(std::chrono::nanoseconds time, bool takesNotices)
 {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
     const itimerspec due{{}, {seconds.count(), (time - seconds).count()}};
     timerfd_settime(timer_, 0, &due, nullptr);
-    epoll_event event{hearsNotices ? EPOLLIN : 0U, {}};
+    epoll_event event{takesNotices ? EPOLLIN : 0U, {}};
     epoll_ctl(fd_, EPOLL_CTL_MOD, notices_, &event);
 }
 
@@ -133,12 +133,12 @@ void FileWatch::ReadNotices()
         inotify_event notice{};
         for (size_t at = 0; at < static_cast<size_t>(size); at += sizeof(notice) + notice.len) {
             std::memcpy(&notice, &bytes[at], sizeof(notice));
-            ForEachInode([&notice](const Watched& /* watched */, Inode& inode) {
-                if ((notice.mask & IN_Q_OVERFLOW) != 0) {
+            ForEachInode([watch = notice.wd, mask = notice.mask](const Watched& /* watched */, Inode& inode) {
+                if ((mask & IN_Q_OVERFLOW) != 0) {
                     inode.isOpen = false; // Notices are lost.
-                } else if (inode.watch == notice.wd) {
-                    inode.number = (notice.mask & IN_IGNORED) != 0 ? 0 : inode.number;
-                    inode.isOpen = (notice.mask & IN_OPEN) != 0 || (inode.isOpen && (notice.mask & IN_CLOSE) == 0);
+                } else if (inode.watch == watch) {
+                    inode.number = (mask & IN_IGNORED) != 0 ? 0 : inode.number;
+                    inode.isOpen = (mask & IN_OPEN) != 0 || (inode.isOpen && (mask & IN_CLOSE) == 0);
                 }
             });
         }

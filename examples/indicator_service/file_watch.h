@@ -94,8 +94,8 @@ private:
 
     void Tell(const std::set<Use>& uses);
 
-    /** Has the descriptor be readable after `time`, and before if `hearsNotices` and there is a notice. */
-    void Await(std::chrono::nanoseconds time, bool hearsNotices);
+    /** Has the descriptor be readable after `time`, and before if `takesNotices` and there is a notice. */
+    void Await(std::chrono::nanoseconds time, bool takesNotices);
 
     void CloseAll();
 
