@@ -19,7 +19,7 @@ constexpr int32_t EVERY_USER = -1;
 constexpr int32_t CONNECTION_REFUSED = 111; // Of the transport.
 
 // The action that has the service's result from `request`; says on stderr what it is, if it is not 0.
-Action Requesting(Format format, std::function<int32_t(const Target&)> request)
+Action Requesting(Format format, const std::function<int32_t(const Target&)>& request)
 {
     return [=](const Target& target) {
         const int32_t result = request(target);

@@ -14,7 +14,6 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
-#include <regex>
 #include <sstream>
 
 #include "parse.h"
@@ -106,6 +105,26 @@ std::string Unescape(const std::string& text)
     return plain;
 }
 
+/** The application that a control group is named after; empty if it is named otherwise. */
+std::string ApplicationOfGroup(const std::string& group)
+{
+    const std::string prefix = "app-";
+    const size_t dot = group.rfind('.');
+    if (dot == std::string::npos || group.compare(0, prefix.size(), prefix) != 0) {
+        return "";
+    }
+    const std::string kind = group.substr(dot);
+    std::string name = group.substr(prefix.size(), dot - prefix.size());
+    if (kind == ".scope") {
+        name.resize(std::min(name.size(), name.rfind('-'))); // Before RANDOM.
+    } else if (kind == ".service") {
+        name.resize(std::min(name.size(), name.find('@')));
+    } else {
+        return "";
+    }
+    return Unescape(name.substr(name.rfind('-') + 1)); // After LAUNCHER.
+}
+
 } // namespace
 
 void ForEachProcess(const std::function<void(pid_t process)>& visit)
@@ -137,11 +156,12 @@ std::optional<ProcessOwner> FindOwner(pid_t process)
 
 std::string FindDesktopApplication(const std::string& cgroups)
 {
-    static const std::regex group(
-        R"(/app-(?:[^-/\n]+-)?([^-/@\n]+)(?:-[^-/\n]+\.scope|(?:@[^/\n]*)?\.service)(?=/|\n|$))");
     std::string application;
-    for (std::sregex_iterator match(cgroups.begin(), cgroups.end(), group), end; match != end; ++match) {
-        application = Unescape((*match)[1]);
+    size_t end = 0;
+    for (size_t begin = 0; begin < cgroups.size(); begin = end + 1) {
+        end = std::min(cgroups.size(), cgroups.find_first_of("/\n", begin));
+        const std::string found = ApplicationOfGroup(cgroups.substr(begin, end - begin));
+        application = found.empty() ? application : found; // The innermost group comes last.
     }
     return application;
 }

@@ -3,11 +3,11 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 
 #include "process_files.h"
 #include "tools_test.h"
@@ -66,13 +66,12 @@ protected:
     /** The next use that the monitor prints. */
     std::string NextUse()
     {
-        static const std::regex use("^[0-9:.]*  use        (.*)");
-        std::smatch match;
+        const std::string mark = "  use        ";
         std::string line;
         do {
             line = monitor_->ReadLine();
-        } while (!std::regex_match(line, match, use) && !HasFailure());
-        return match[1];
+        } while (line.find(mark) == std::string::npos && !HasFailure());
+        return line.substr(std::min(line.size(), line.find(mark) + mark.size()));
     }
 
     const std::string camera_ = folder_ + "/camera";

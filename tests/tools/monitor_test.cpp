@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
 #include <csignal>
-#include <regex>
 
 #include "pseudo_terminal.h"
 #include "tools_test.h"
@@ -68,7 +68,7 @@ TEST_F(MonitorTest, ABoardFitsTheTerminalAndLeavesItAsItWas)
     settings.emplace_back("NO_COLOR=1");
     PseudoTerminal plain({MONITOR}, settings);
     plain.AwaitBoard("location    off\n");
-    EXPECT_FALSE(std::regex_search(plain.Bytes(), std::regex("\033\\[[0-9;]*m")));
+    EXPECT_THAT(plain.Bytes(), testing::Not(testing::ContainsRegex("\033\\[[0-9;]*m")));
     plain.Type("q");
     EXPECT_EQ(plain.AwaitEnd(), 0);
 }

@@ -12,12 +12,24 @@
 #include <array>
 #include <csignal>
 #include <iterator>
-#include <regex>
 #include <utility>
 
 namespace {
 
 constexpr int PATIENCE = 20000; // Milliseconds.
+
+std::string WithoutSequences(const std::string& text)
+{
+    std::string plain;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\033') {
+            i = std::min(text.size(), text.find_first_of("ABCDHJKhlm", i)); // Its last letter.
+        } else if (text[i] != '\r') {
+            plain += text[i];
+        }
+    }
+    return plain;
+}
 
 } // namespace
 
@@ -64,13 +76,12 @@ void PseudoTerminal::Signal(int signal) const
 
 std::string PseudoTerminal::AwaitBoard(const std::string& text)
 {
-    static const std::regex sequence("\033\\[[?0-9;]*[A-Za-z]|\r");
     do {
         // From the last "home" whose frame has come to its end.
         const size_t end = bytes_.rfind("\033[J");
         const size_t begin = end == std::string::npos ? end : bytes_.rfind("\033[H", end);
         if (begin != std::string::npos) {
-            const std::string board = std::regex_replace(bytes_.substr(begin, end - begin), sequence, "");
+            std::string board = WithoutSequences(bytes_.substr(begin, end - begin));
             if (board.find(text) != std::string::npos) {
                 return board;
             }

@@ -14,10 +14,11 @@ inline const std::string SERVICE = EXAMPLES_DIR "/indicator_service";
 
 /** A test of the tools, with a bus, and a service that it tells what applications do. */
 class ToolsTest : public BusTest {
-protected:
+public:
     ToolsTest();
     ~ToolsTest() override;
 
+protected:
     /** Starts the service and waits until it can be found. */
     void StartService(const std::string& options = "");
 
