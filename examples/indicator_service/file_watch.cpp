@@ -64,7 +64,7 @@ FileWatch::FileWatch(const std::vector<SensorFile>& files, Testing::InMemoryServ
     }
     for (const auto& file : files) {
         watched_.push_back({file, std::nullopt, {}, false});
-        // The folder tells when a file comes, or comes back.
+        // The folder's notices say when a file comes, or comes back.
         const bool isFollowed = fd_ >= 0 && timer_ >= 0 && notices_ >= 0 &&
                                 inotify_add_watch(notices_, FolderOf(file.path).c_str(), FOLDER_NOTICES) >= 0;
         int error = isFollowed ? Follow(watched_.back()) : errno;
@@ -102,7 +102,7 @@ void FileWatch::Look()
     const auto begin = Clock::now();
     ReadNotices();
     FollowAll();
-    Tell(FindUses());
+    Report(FindUses());
     isResting_ = true;
     Await(std::max<Clock::duration>(REST, (Clock::now() - begin) * REST_FACTOR), false);
 }
@@ -243,12 +243,12 @@ std::set<FileWatch::Use> FileWatch::FindUses()
     return uses;
 }
 
-void FileWatch::Tell(const std::set<Use>& uses)
+void FileWatch::Report(const std::set<Use>& uses)
 {
     // Begins come first: where one process hands the sensor on to another, its indicator stays on.
     for (const auto& use : uses) {
         const auto& [sensor, name, uid] = use;
-        // Refused if it was told otherwise already, or there is no room: it is tried again at the next look.
+        // Refused if another source has reported it already, or there is no room: it is tried again at the next look.
         if (uses_.count(use) == 0 && service_.BeginUse({sensor, name, uid})) {
             uses_.insert(use);
         }

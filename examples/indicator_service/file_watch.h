@@ -27,7 +27,7 @@ struct SensorFile {
 SensorFile ParseSensorFile(const std::string& text);
 
 /**
- * Sensor use as the use of files, told to a service: a sensor is in use while a process has its file open. The
+ * Sensor use as the use of files, reported to a service: a sensor is in use while a process has its file open. The
  * application is the process's, as FindOwner says, with its user; how often a process opens a file, or how many
  * processes of one application and user do, makes no difference.
  *
@@ -55,7 +55,7 @@ public:
     /** A descriptor that can be read when it is time to look; negative if there is nothing to watch. */
     int GetFd() const;
 
-    /** To be called when the descriptor can be read: tells the service what has changed. Waits for nothing. */
+    /** To be called when the descriptor can be read: reports to the service what has changed. Waits for nothing. */
     void Look();
 
 private:
@@ -92,7 +92,7 @@ private:
     /** The uses that there are. Forgets the former files that nobody has open. */
     std::set<Use> FindUses();
 
-    void Tell(const std::set<Use>& uses);
+    void Report(const std::set<Use>& uses);
 
     /** Has the descriptor be readable after `time`, and before if `takesNotices` and there is a notice. */
     void Await(std::chrono::nanoseconds time, bool takesNotices);

@@ -27,8 +27,8 @@ void ForEachProcess(const std::function<void(pid_t process)>& visit);
 void ForEachOpenFile(pid_t process, const std::function<void(dev_t device, ino_t inode)>& visit);
 
 /**
- * Who a process is now: it may have been another program before. A process with a controlling terminal was not started
- * by the desktop, but typed into one of its windows: it goes by its program. Nothing if the process has ended.
+ * Whose process it is now: it may have been another program before. A process with a controlling terminal was not
+ * started by the desktop, but typed into one of its windows: it goes by its program. Nothing if the process has ended.
  */
 std::optional<ProcessOwner> FindOwner(pid_t process);
 

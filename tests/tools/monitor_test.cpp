@@ -80,9 +80,7 @@ TEST_F(MonitorTest, ABoardKeepsOffATerminalThatItIsNotInFrontOf)
     shell.AwaitBytes("$ ");
     shell.Type(MONITOR + " & echo began=$((40 + 2))\n");
     shell.AwaitBytes("began=42");
-    // The service says when the monitor has registered.
-    EXPECT_EQ(service_->ReadLine().find("switch listener of process "), 0U);
-    EXPECT_EQ(service_->ReadLine().find("event listener of process "), 0U);
+    AwaitMonitor();
     Use("start camera com.example.chat 5");
     shell.Type("jobs; echo alive=$((40 + 3))\n");
     shell.AwaitBytes("Running");

@@ -38,6 +38,21 @@ void ToolsTest::Use(const std::string& line) const
     EXPECT_EQ(write(uses_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
 }
 
+std::string ToolsTest::ServiceLine()
+{
+    std::string line;
+    do { // A client may register more than once, in either order.
+        line = service_->ReadLine();
+    } while (line.find(" listener of process ") != std::string::npos);
+    return line;
+}
+
+void ToolsTest::AwaitMonitor()
+{
+    while (service_->ReadLine().find("event listener of process ") != 0 && !HasFailure()) {
+    }
+}
+
 std::string ToolsTest::Run(const std::string& command) const
 {
     setenv("OHOS_BUS_ADDRESS", busAddress_.c_str(), 1);

@@ -12,7 +12,7 @@ inline const std::string CTL = EXAMPLES_DIR "/indicator_ctl";
 inline const std::string MONITOR = EXAMPLES_DIR "/indicator_monitor";
 inline const std::string SERVICE = EXAMPLES_DIR "/indicator_service";
 
-/** A test of the tools, with a bus, and a service that it tells what applications do. */
+/** A test of the tools, with a bus of its own, and a service that learns from it what applications do. */
 class ToolsTest : public BusTest {
 public:
     ToolsTest();
@@ -24,6 +24,12 @@ protected:
 
     /** Has the service read a line. */
     void Use(const std::string& line) const;
+
+    /** The service's next line, but for those about listeners. */
+    std::string ServiceLine();
+
+    /** Waits until the service has registered a monitor. */
+    void AwaitMonitor();
 
     /** What a shell's command prints on either stream, and "= " and its exit code at the end. */
     std::string Run(const std::string& command) const;
