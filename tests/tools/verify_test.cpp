@@ -14,6 +14,11 @@ struct Fault {
     std::vector<std::string> rows;
 };
 
+void PrintTo(const Fault& fault, std::ostream* stream)
+{
+    *stream << fault.name;
+}
+
 class FaultTest : public ToolsTest, public testing::WithParamInterface<Fault> {};
 
 TEST_P(FaultTest, IsNamed)
