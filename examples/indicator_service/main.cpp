@@ -131,6 +131,7 @@ int main(int argc, char** argv)
     if (PrintHelp(line, USAGE)) {
         return EXIT_ENDED;
     }
+    LogQuietly();
     try {
         return Run(ParseFiles(line));
     } catch (const ParseError& error) {
