@@ -79,8 +79,8 @@ bool InMemoryService::EndUse(const SensorUse& use)
 
 void InMemoryService::Close()
 {
-    switchListeners_->Close();
-    eventListeners_->Close();
+    const auto ofSwitch = switchListeners_->Close();
+    const auto ofEvents = eventListeners_->Close();
 }
 
 void InMemoryService::AwaitDelivery()

@@ -59,7 +59,7 @@ public:
     };
     std::vector<Registration> GetRegistrations();
 
-    /** Drops all listeners. Waits for the calls that they are in. */
+    /** Removes all listeners. Waits for the calls that they are in. */
     void Close();
 
     int32_t OnRemoteRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option) override;

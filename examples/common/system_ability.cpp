@@ -60,7 +60,7 @@ sptr<ISystemAbilityManager> FindManager()
 #endif
     sptr<ISystemAbilityManager> manager = SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
     if (manager == nullptr) {
-        Complain("no system ability manager: nothing answers at OHOS_BUS_ADDRESS=" + std::string(address));
+        Complain("no system ability manager: OHOS_BUS_ADDRESS is no socket's address: " + std::string(address));
     }
     return manager;
 }

@@ -1,114 +1,137 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <csignal>
+
 #include "bus_test.h"
+#include "peer.h"
 
 namespace {
 
+using namespace Peer;
 using DeathTest = BusTest;
+
+void ExpectEvents(Helper& helper, const std::string& object, int count)
+{
+    for (int i = 0; i < count; ++i) {
+        ASSERT_EQ(helper.Event(), object + " " + std::to_string(i));
+    }
+}
 
 TEST_F(DeathTest, EveryRecipientHearsOfItAsOftenAsItWasAdded)
 {
-    Helper& service = Start({"serve 100", "make x"});
-    Helper& caller = Start({"find s 100", "mourn s", "mourn s", "mourn s", "unmourn s"});
-    EXPECT_EQ(caller.Ask("call s give x"), "0 other");
-    caller.Do({"mourn x", "unmourn x"});
-    EXPECT_EQ(caller.Ask("unmourn x"), "refused");
-    caller.Do({"mourn x"});
-    EXPECT_EQ(caller.Ask("dead s"), "no");
+    Helper& service = Start([] { Serve(100), Make("x"); });
+    Helper& caller = Start([] { Find("s", 100), Mourn("s"), Mourn("s"), Mourn("s"), Unmourn("s"); });
+    caller.Expect("0 other", [] { return Call("s", GIVE, "x"); });
+    caller.Expect("1", [] { return Mourn("x"); });
+    caller.Expect("1", [] { return Unmourn("x"); });
+    caller.Expect("0", [] { return Unmourn("x"); });
+    caller.Expect("1", [] { return Mourn("x"); });
+    caller.Expect("0", [] { return IsDead("s"); });
     service.Kill();
     EXPECT_EQ(caller.Events(3), (std::vector<std::string>{"dead s", "dead s", "dead x"}));
-    EXPECT_EQ(caller.Ask("mourn s"), "refused");
-    EXPECT_EQ(caller.Ask("unmourn s"), "refused");
-    EXPECT_EQ(caller.Ask("call s echo hello"), "32");
-    EXPECT_EQ(caller.Ask("send s 1"), "0 then 32");
-    EXPECT_EQ(caller.Ask("find s 100"), "null");
+    caller.Expect("0", [] { return Mourn("s"); });
+    caller.Expect("0", [] { return Unmourn("s"); });
+    caller.Expect("32", [] { return Call("s", ECHO); });
+    caller.Expect("0 then 32", [] { return Send("s", 1); });
+    caller.Expect("null", [] { return Find("s", 100); });
 }
 
 TEST_F(DeathTest, LastEventsComeBeforeTheNewsOfADeathAndOfASuccessor)
 {
-    Helper& service = Start({"serve 100"});
+    Helper& service = Start([] { Serve(100); });
     Helper& successor = Start();
-    Helper& caller = Start({"find s 100", "watch 100", "mourn s", "make x"});
-    Helper& other = Start({"find s 100", "make y"});
+    Helper& caller = Start([] { Find("s", 100), Watch(100), Mourn("s"), Make("x"), Call("s", TAKE, "x"); });
+    Helper& other = Start([] { Find("s", 100), Make("y"), Call("s", TAKE, "y"); });
     caller.Hears({"up 100"});
-    EXPECT_EQ(caller.Ask("call s take x"), "0 remote");
-    EXPECT_EQ(other.Ask("call s take y"), "0 remote");
-    const auto dieUnheard = [](Helper& sender, const std::string& events, Helper& receiver, const std::string& name) {
-        receiver.Do({"hold"});
-        EXPECT_EQ(sender.Ask(events), "50 then 0");
-        sender.Kill();
-        receiver.AskUntil("yes", "dead " + name);
-    };
-    const auto hearAll = [](Helper& receiver, const std::string& object) {
-        receiver.Do({"release"});
-        for (int i = 0; i < 50; ++i) {
-            ASSERT_EQ(receiver.Event(), object + " " + std::to_string(i));
-        }
-    };
-    service.Do({"mourn y"});
-    dieUnheard(other, "send s 50", service, "y");
-    hearAll(service, "me");
+    service.Ask([] { Mourn("y"), Hold(); });
+    other.Expect("50 then 0", [] { return Send("s", 50); });
+    other.Kill();
+    service.Await("1", [] { return IsDead("y"); });
+    service.Ask(Release);
+    ExpectEvents(service, "me", 50);
     service.Hears({"dead y"});
-    dieUnheard(service, "send x 50", caller, "s");
-    EXPECT_EQ(caller.Ask("call s echo hello"), "32"); // Calls do not wait for that.
-    successor.AskUntil("0", "serve 100");
-    hearAll(caller, "x");
+
+    caller.Ask(Hold);
+    service.Expect("50 then 0", [] { return Send("x", 50); });
+    service.Kill();
+    caller.Await("1", [] { return IsDead("s"); });
+    caller.Expect("32", [] { return Call("s", ECHO); }); // Calls do not wait for that.
+    successor.Await("0", [] { return Serve(100); });
+    caller.Ask(Release);
+    ExpectEvents(caller, "x", 50);
     caller.Hears({"dead s", "down 100", "up 100"});
 }
 
-TEST_F(DeathTest, TheNewsOfADeathDoesNotWaitForeverForAReaderOfLastEvents)
+TEST_F(DeathTest, LastEventsOfAServiceThatEndsCleanlyComeBeforeTheNewsOfItsEnd)
 {
-    Helper& service = Start({"serve 100"});
-    Helper& caller = Start({"find s 100", "mourn s", "watch 100", "make x"});
+    Helper& service = Start([] { Serve(100); });
+    Helper& caller = Start([] { Find("s", 100), Watch(100), Make("x"), Call("s", TAKE, "x"); });
     caller.Hears({"up 100"});
-    EXPECT_EQ(caller.Ask("call s take x"), "0 remote");
-    caller.Do({"hold"});
-    EXPECT_EQ(service.Ask("send x 2"), "2 then 0");
+    for (int i = 0; i < 5; ++i) { // The process lives on, and its connections with it.
+        caller.Ask(Hold);
+        service.Expect("50 then 0", [] { return Send("x", 50); });
+        service.Ask([] { Unserve(100), Serve(100); });
+        caller.Ask(Release);
+        ExpectEvents(caller, "x", 50);
+        caller.Hears({"down 100", "up 100"});
+    }
+    service.Expect("1 then 0", [] { return Send("x", 1); });
+    caller.Hears({"x 0"});
+    caller.Await("0", [] { return Find("s", 100); });
+    caller.Expect("0 hello", [] { return Call("s", ECHO, "hello"); });
+    service.Expect("0 hello", [] { return Call("x", ECHO, "hello"); });
+}
+
+TEST_F(DeathTest, TheNewsOfAnEndDoesNotWaitForeverForAReaderOfLastEvents)
+{
+    Helper& service = Start([] { Serve(100); });
+    Helper& caller = Start([] { Find("s", 100), Watch(100), Mourn("s"), Make("x"), Call("s", TAKE, "x"), Hold(); });
+    caller.Hears({"up 100"});
+    service.Expect("2 then 0", [] { return Send("x", 2); });
     service.Kill();
     caller.Hears({"dead s", "down 100"});
-    caller.Do({"release"});
+    caller.Ask(Release);
     caller.Hears({"x 0"}); // It was under way. The other one is dropped.
-    caller.Do({"drop x"});
-    caller.AskUntil("1", "alive");
-    EXPECT_EQ(caller.Ask("send me 1"), "1 then 0");
-    caller.Hears({"me 0"});
+    caller.Ask([] { Drop("x"); });
+    caller.Await("0", Alive);
+
+    Helper& next = Start([] { Serve(100); });
+    caller.Hears({"up 100"});
+    caller.Ask([] { Find("s", 100), Make("x"), Call("s", TAKE, "x"), Hold(); });
+    next.Expect("2 then 0", [] { return Send("x", 2); });
+    next.Expect("0", [] { return Unserve(100); });
+    caller.Hears({"down 100"});
+    caller.Ask(Release);
+    caller.Hears({"x 0"});
+    next.Expect("1 then 0", [] { return Send("x", 1); }); // On a new connection.
+    caller.Hears({"x 0"});
 }
 
-TEST_F(DeathTest, DeathsWhoseLastWordsTakeTooLongAreAllTold)
+TEST_F(DeathTest, DeathsWhoseLastWordsTakeTooLongAreAllAnnounced)
 {
-    Helper& service = Start({"serve 100", "hold"});
-    Helper* dying[] = {&Start({"find s 100", "make a"}), &Start({"find s 100", "make b"})};
-    EXPECT_EQ(dying[0]->Ask("call s take a"), "0 remote");
-    EXPECT_EQ(dying[1]->Ask("call s take b"), "0 remote");
-    service.Do({"mourn a", "mourn b"});
-    for (Helper* caller : dying) {
-        caller->Do({"background call s wait long"});
+    Helper& service = Start([] { Serve(100), Hold(); });
+    Helper& first = Start([] { Find("s", 100), Make("a"), Call("s", TAKE, "a"); });
+    Helper& second = Start([] { Find("s", 100), Make("b"), Call("s", TAKE, "b"); });
+    service.Ask([] { Mourn("a"), Mourn("b"); });
+    for (Helper* caller : {&first, &second}) {
+        caller->Begin([] { return Call("s", WAIT); });
         service.Hears({"waiting"}); // Is being served, and stays so.
     }
-    for (Helper* caller : dying) {
-        caller->Kill();
-    }
+    first.Kill();
+    second.Kill();
     EXPECT_EQ(service.Events(2), (std::vector<std::string>{"dead a", "dead b"}));
-    service.Do({"release"});
+    service.Ask(Release);
 }
 
-TEST_F(DeathTest, WithoutTheBusEverybodyIsDeadForGood)
+TEST_F(DeathTest, ARefusedConnectionProvesADeath)
 {
-    Helper& service = Start({"serve 100", "watch 100"});
-    Helper& caller = Start({"find s 100", "mourn s", "watch 100"});
-    EXPECT_EQ(caller.Ask("call s echo hello"), "0 hello");
-    caller.Hears({"up 100"});
-    service.Hears({"up 100"});
-    service.Do({"hold"});
-    caller.Do({"background call s wait long"});
-    service.Hears({"waiting"});
-    daemon_->Kill();
-    EXPECT_EQ(caller.Events(3), (std::vector<std::string>{"dead s", "done 32", "down 100"}));
-    service.Hears({"down 100"});
-    service.Do({"release"});
-    for (Helper* helper : {&service, &caller}) {
-        EXPECT_EQ(helper->Ask("find s 100"), "no manager");
-    }
-    EXPECT_EQ(caller.Ask("call s echo hello"), "32");
+    Helper& service = Start([] { Serve(100); });
+    Helper& caller = Start([] { Find("s", 100), Mourn("s"); });
+    daemon_->Signal(SIGSTOP); // So that it brings no news.
+    service.Kill();
+    caller.Expect("32", [] { return Call("s", ECHO); });
+    caller.Expect("1", [] { return IsDead("s"); });
+    caller.Hears({"dead s"});
+    daemon_->Signal(SIGCONT);
 }
 
 } // namespace

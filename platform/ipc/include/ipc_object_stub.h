@@ -26,12 +26,16 @@ public:
     bool AddDeathRecipient(const sptr<DeathRecipient>& recipient) override;
     bool RemoveDeathRecipient(const sptr<DeathRecipient>& recipient) override;
 
+    /** False. */
+    bool IsProxyObject() const override;
+
     /** Writes nothing. */
     int Dump(int fd, const std::vector<std::u16string>& args) override;
 
     /**
-     * Serves a request; the caller's identity is in IPCSkeleton meanwhile. The result goes to the caller, the reply
-     * only if it is 0. By default ERR_UNKNOWN_CODE. What it throws on a platform thread ends the process.
+     * Serves a request; the caller's identity is in IPCSkeleton meanwhile. By default IPC_STUB_UNKNOW_TRANS_ERR. A
+     * caller in another process gets the result with an empty reply only: beside anything else in the reply it is 0.
+     * What this throws on a platform thread ends the process.
      */
     virtual int OnRemoteRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option);
 

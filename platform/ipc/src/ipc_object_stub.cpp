@@ -33,6 +33,11 @@ bool IPCObjectStub::RemoveDeathRecipient(const sptr<DeathRecipient>& /* recipien
     return false;
 }
 
+bool IPCObjectStub::IsProxyObject() const
+{
+    return false;
+}
+
 int IPCObjectStub::Dump(int /* fd */, const std::vector<std::u16string>& /* args */)
 {
     return ERR_NONE;
@@ -41,7 +46,7 @@ int IPCObjectStub::Dump(int /* fd */, const std::vector<std::u16string>& /* args
 int IPCObjectStub::OnRemoteRequest(
     uint32_t /* code */, MessageParcel& /* data */, MessageParcel& /* reply */, MessageOption& /* option */)
 {
-    return ERR_UNKNOWN_CODE;
+    return IPC_STUB_UNKNOW_TRANS_ERR;
 }
 
 } // namespace OHOS

@@ -12,7 +12,7 @@ IRemoteObject::IRemoteObject(std::u16string descriptor) : descriptor_(std::move(
 
 bool IRemoteObject::IsProxyObject() const
 {
-    return false;
+    return true;
 }
 
 bool IRemoteObject::IsObjectDead() const

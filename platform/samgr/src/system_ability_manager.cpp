@@ -2,55 +2,59 @@
 #include "system_ability_manager.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <memory>
+#include <optional>
 #include <utility>
 
-#include "bus.h"
-#include "exports.h"
+#include "message_parcel.h"
 #include "notices.h"
-#include "peer.h"
+#include "peers.h"
 #include "process.h"
+#include "services.h"
+#include "system_ability_id.h"
 
 namespace OHOS {
 
 using Transport::Bus;
-using Transport::Exports;
+using Transport::MutexLock;
+using Transport::Services;
 
 namespace {
 
-constexpr int32_t LAST_SYSTEM_ABILITY_ID = 0x00ffffff;
-constexpr const char* NAME_PREFIX = "ohos.sa.SA";
-
-// The owner of every service where there is no bus.
-constexpr const char* THIS_PROCESS = "this";
-
-bool IsValid(int32_t systemAbilityId)
-{
-    return systemAbilityId >= 0 && systemAbilityId <= LAST_SYSTEM_ABILITY_ID;
-}
+constexpr int32_t ERR_NULL_ABILITY = 3; // As the manager of a device calls it.
+const char* const NAME_PREFIX = "ohos.sa.SA";
 
 std::string NameOf(int32_t systemAbilityId)
 {
     return NAME_PREFIX + std::to_string(systemAbilityId);
 }
 
-// -1 for a name that is no service's.
-int32_t NumberOf(const std::string& name)
+bool HasBus()
 {
-    const std::string prefix = NAME_PREFIX;
-    if (name.compare(0, prefix.size(), prefix) != 0) {
-        return -1;
+    return Bus::GetAddress() == Bus::Address::GIVEN;
+}
+
+sptr<IRemoteObject> AsRemote(const sptr<RefBase>& object)
+{
+    return dynamic_cast<IRemoteObject*>(object.GetRefPtr());
+}
+
+// Has this process own a name.
+int32_t Request(const std::string& name)
+{
+    const auto result = Bus::Get().Ask<std::optional<bool>>([name] { return Bus::Get().RequestName(name); });
+    if (!result.has_value()) {
+        Bus::Get().Post([name] { Bus::Get().ReleaseName(name); }); // Should it be granted after all.
+        return ERR_DEAD_OBJECT;
     }
-    const long number = std::strtol(name.c_str() + prefix.size(), nullptr, 10);
-    const bool isExact = number >= 0 && number <= LAST_SYSTEM_ABILITY_ID && name == prefix + std::to_string(number);
-    return isExact ? static_cast<int32_t>(number) : -1;
+    return *result ? ERR_NONE : ERR_PERMISSION_DENIED;
 }
 
 // Gives the object's last reference, if it is one, to the notice thread: a destructor there holds up nobody.
-void LetGo(sptr<IRemoteObject> object)
+void Drop(sptr<RefBase> object)
 {
     if (object != nullptr) {
-        Transport::Notices::Post([released = std::move(object)] {});
+        Transport::Notices::Post([dropped = std::move(object)] {});
     }
 }
 
@@ -64,35 +68,34 @@ SystemAbilityManager& SystemAbilityManager::Get()
 
 SystemAbilityManager::SystemAbilityManager()
 {
-    Bus::Get().SetObservers(
-        [this](const std::string& name, const std::string& from, const std::string& to) {
-            const int32_t systemAbilityId = NumberOf(name);
-            if (systemAbilityId >= 0) {
-                ChangeOwner(systemAbilityId, from, to);
-            }
-        },
-        [this] { LoseAll(); });
+    Transport::Peers::Get(); // Which hears of everything first.
+    Bus::Get().Observe(*this);
 }
 
 bool SystemAbilityManager::IsUsable()
 {
-    return Transport::Process::IsUsable() && (!Bus::IsConfigured() || Bus::Get().Connect());
+    if (HasBus() && Transport::Process::IsUsable()) {
+        Bus::Get().Start();
+    }
+    return Transport::Process::IsUsable() && Bus::GetAddress() != Bus::Address::MALFORMED;
 }
 
 sptr<IRemoteObject> SystemAbilityManager::GetSystemAbility(int32_t systemAbilityId)
 {
-    if (!IsValid(systemAbilityId) || !IsUsable()) {
+    if (!IsSystemAbilityId(systemAbilityId) || !IsUsable()) {
         return nullptr;
     }
-    sptr<IRemoteObject> object = Exports::Get().FindService(systemAbilityId);
-    if (object == nullptr && Bus::IsConfigured()) {
-        const auto owner = Bus::Get().OwnerOf(NameOf(systemAbilityId));
-        // Who has yet to hear of the former one's end would hear from the next one before.
-        if (owner != nullptr && IsEndTold(systemAbilityId)) {
-            object = owner->ProxyOf(static_cast<uint64_t>(systemAbilityId), false);
-        }
+    const auto id = static_cast<uint64_t>(systemAbilityId);
+    const sptr<RefBase> own = Services::Get().Find(id);
+    if (!HasBus() || (own != nullptr && Bus::Get().IsUp())) {
+        return AsRemote(own);
     }
-    return object;
+    const auto owner = Bus::Get().Ask<std::shared_ptr<Transport::Peer>>([name = NameOf(systemAbilityId)] {
+        const std::string uniqueName = Bus::Get().OwnerOf(name);
+        return uniqueName.empty() ? nullptr : Transport::Peers::Get().Meet(uniqueName);
+    });
+    // Nobody hears from the next one before the former one's end.
+    return owner != nullptr && !HasRemovals(systemAbilityId) ? AsRemote(owner->ProxyOf(id, false)) : nullptr;
 }
 
 sptr<IRemoteObject> SystemAbilityManager::CheckSystemAbility(int32_t systemAbilityId)
@@ -103,22 +106,27 @@ sptr<IRemoteObject> SystemAbilityManager::CheckSystemAbility(int32_t systemAbili
 int32_t SystemAbilityManager::AddSystemAbility(
     int32_t systemAbilityId, const sptr<IRemoteObject>& ability, const SAExtraProp& /* extraProp */)
 {
-    if (!IsValid(systemAbilityId) || ability == nullptr) {
+    if (ability == nullptr) {
+        return ERR_NULL_ABILITY;
+    }
+    if (!IsSystemAbilityId(systemAbilityId)) {
         return ERR_INVALID_VALUE;
     }
     if (!IsUsable()) {
         return ERR_DEAD_OBJECT;
     }
-    std::lock_guard<std::mutex> lock(changeMutex_);
+    const MutexLock changing(changeMutex_);
     // There to be called before anyone can know of it.
-    sptr<IRemoteObject> former = Exports::Get().AddService(systemAbilityId, ability);
-    int error = ERR_NONE;
-    if (!Bus::IsConfigured()) {
-        ChangeOwner(systemAbilityId, "", THIS_PROCESS);
-    } else if (former == nullptr) { // Else the name is this process's already.
-        error = Bus::Get().RequestName(NameOf(systemAbilityId));
+    const auto id = static_cast<uint64_t>(systemAbilityId);
+    sptr<RefBase> former = Services::Get().Set(id, ability);
+    int32_t error = ERR_NONE;
+    if (former == nullptr && HasBus()) {
+        error = Request(NameOf(systemAbilityId));
+    } else if (former == nullptr) {
+        const MutexLock lock(mutex_);
+        AnnounceAddition(systemAbilityId);
     }
-    LetGo(error != ERR_NONE ? Exports::Get().RemoveService(systemAbilityId) : std::move(former));
+    Drop(error != ERR_NONE ? Services::Get().Set(id, nullptr) : std::move(former));
     return error;
 }
 
@@ -127,45 +135,52 @@ int32_t SystemAbilityManager::RemoveSystemAbility(int32_t systemAbilityId)
     if (!IsUsable()) {
         return ERR_DEAD_OBJECT;
     }
-    std::lock_guard<std::mutex> lock(changeMutex_);
-    if (Exports::Get().FindService(systemAbilityId) == nullptr) {
+    const MutexLock changing(changeMutex_);
+    const auto id = static_cast<uint64_t>(systemAbilityId);
+    if (Services::Get().Find(id) == nullptr) {
         return ERR_INVALID_VALUE;
     }
-    const int error = Bus::IsConfigured() ? Bus::Get().ReleaseName(NameOf(systemAbilityId)) : ERR_NONE;
-    LetGo(Exports::Get().RemoveService(systemAbilityId));
-    if (!Bus::IsConfigured()) {
-        ChangeOwner(systemAbilityId, THIS_PROCESS, "");
+    const bool isReleased = !HasBus() || Bus::Get().Ask<bool>([name = NameOf(systemAbilityId)] {
+        Bus::Get().ReleaseName(name);
+        return true;
+    });
+    Drop(Services::Get().Set(id, nullptr));
+    if (!HasBus()) {
+        const MutexLock lock(mutex_);
+        AnnounceRemoval(systemAbilityId, {});
     }
-    return error;
+    return isReleased ? ERR_NONE : ERR_DEAD_OBJECT;
 }
 
 int32_t SystemAbilityManager::SubscribeSystemAbility(
     int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener)
 {
-    if (!IsValid(systemAbilityId) || listener == nullptr) {
+    if (!IsSystemAbilityId(systemAbilityId) || listener == nullptr) {
         return ERR_INVALID_VALUE;
     }
     if (!IsUsable()) {
         return ERR_DEAD_OBJECT;
     }
-    std::lock_guard<std::mutex> lock(mutex_);
-    const auto [known, isNew] = availabilities_.try_emplace(systemAbilityId);
-    Availability& availability = known->second;
-    if (FindListener(availability, listener) != availability.subscriptions.end()) {
-        return ERR_NONE;
+    {
+        const MutexLock lock(mutex_);
+        const auto [known, isNew] = availabilities_.try_emplace(systemAbilityId);
+        Availability& availability = known->second;
+        if (FindListener(availability, listener) != availability.subscriptions.end()) {
+            return ERR_NONE;
+        }
+        availability.subscriptions.push_back({listener, ++lastSubscription_});
+        if (availability.isUp) {
+            Announce(
+                systemAbilityId, availability.subscriptions.back(), ISystemAbilityStatusChange::ON_ADD_SYSTEM_ABILITY);
+        } else if (isNew && !HasBus() && Services::Get().Find(static_cast<uint64_t>(systemAbilityId)) != nullptr) {
+            AnnounceAddition(systemAbilityId);
+        }
     }
-    availability.subscriptions.push_back({listener, ++lastSubscription_});
-    if (!availability.told.empty()) {
-        Tell(systemAbilityId, availability.subscriptions.back(), ISystemAbilityStatusChange::ON_ADD_SYSTEM_ABILITY);
-    } else if (isNew && Bus::IsConfigured()) {
-        Bus::Get().Post([this, systemAbilityId] {
-            Bus::Get().AskOwner(NameOf(systemAbilityId),
-                [this, systemAbilityId](const std::string& owner) { ChangeOwner(systemAbilityId, "", owner); });
-        });
-    } else if (isNew && Exports::Get().FindService(systemAbilityId) != nullptr) {
-        availability.owner = THIS_PROCESS;
-        TellChanges(systemAbilityId, availability);
-    }
+    Bus::Get().Post([this, systemAbilityId] {
+        if (Bus::Get().IsUp()) { // Else once it is.
+            Watch(systemAbilityId);
+        }
+    });
     return ERR_NONE;
 }
 
@@ -175,19 +190,81 @@ int32_t SystemAbilityManager::UnSubscribeSystemAbility(
     if (!Transport::Process::IsUsable()) {
         return ERR_DEAD_OBJECT;
     }
-    sptr<ISystemAbilityStatusChange> removed; // Let go of behind the lock.
-    std::lock_guard<std::mutex> lock(mutex_);
+    sptr<ISystemAbilityStatusChange> removed; // Destroyed after the lock.
+    const MutexLock lock(mutex_);
     const auto known = availabilities_.find(systemAbilityId);
-    if (known == availabilities_.end()) {
-        return ERR_INVALID_VALUE;
+    if (known != availabilities_.end()) {
+        const auto found = FindListener(known->second, listener);
+        if (found != known->second.subscriptions.end()) {
+            removed = std::move(found->listener);
+            known->second.subscriptions.erase(found);
+        }
     }
-    const auto found = FindListener(known->second, listener);
-    if (found == known->second.subscriptions.end()) {
-        return ERR_INVALID_VALUE;
-    }
-    removed = std::move(found->listener);
-    known->second.subscriptions.erase(found);
     return ERR_NONE;
+}
+
+sptr<IRemoteObject> SystemAbilityManager::AsObject()
+{
+    return nullptr;
+}
+
+bool SystemAbilityManager::OnJoined()
+{
+    for (const auto& [number, service] : Services::Get().GetAll()) {
+        if (!Bus::Get().RequestName(NameOf(static_cast<int32_t>(number)))) { // Another process is the service by now.
+            Drop(Services::Get().Set(number, nullptr));
+        }
+    }
+    std::vector<int32_t> ids;
+    {
+        const MutexLock lock(mutex_);
+        for (const auto& [id, availability] : availabilities_) {
+            ids.push_back(id);
+        }
+    }
+    for (const int32_t id : ids) {
+        Watch(id);
+    }
+    return true;
+}
+
+void SystemAbilityManager::OnLost()
+{
+    const MutexLock lock(mutex_);
+    for (auto& [id, availability] : availabilities_) {
+        availability.isWatched = false;
+        AnnounceRemoval(id, {});
+    }
+}
+
+void SystemAbilityManager::OnOwnerChange(const std::string& name, const std::string& from, const std::string& to)
+{
+    if (name.rfind(NAME_PREFIX, 0) != 0) {
+        return;
+    }
+    const int32_t id = std::stoi(name.substr(std::string(NAME_PREFIX).size()));
+    const auto rest = from.empty() ? Transport::Inbound::Rest() : Transport::Peers::Get().TakeLeave(from);
+    const MutexLock lock(mutex_);
+    if (!from.empty()) {
+        AnnounceRemoval(id, rest);
+    }
+    if (!to.empty()) {
+        AnnounceAddition(id);
+    }
+}
+
+void SystemAbilityManager::Watch(int32_t systemAbilityId)
+{
+    {
+        const MutexLock lock(mutex_);
+        if (std::exchange(availabilities_.at(systemAbilityId).isWatched, true)) {
+            return;
+        }
+    }
+    if (!Bus::Get().Watch(NameOf(systemAbilityId)).empty()) {
+        const MutexLock lock(mutex_);
+        AnnounceAddition(systemAbilityId);
+    }
 }
 
 std::vector<SystemAbilityManager::Subscription>::iterator SystemAbilityManager::FindListener(
@@ -197,70 +274,37 @@ std::vector<SystemAbilityManager::Subscription>::iterator SystemAbilityManager::
         [&listener](const Subscription& subscription) { return subscription.listener == listener; });
 }
 
-sptr<IRemoteObject> SystemAbilityManager::AsObject()
+void SystemAbilityManager::AnnounceAddition(int32_t systemAbilityId)
 {
-    return nullptr;
-}
-
-void SystemAbilityManager::ChangeOwner(int32_t systemAbilityId, const std::string& from, const std::string& to)
-{
-    const bool mayHaveDied = !from.empty() && Bus::IsConfigured();
-    {
-        std::lock_guard<std::mutex> lock(mutex_);
-        const auto known = availabilities_.find(systemAbilityId);
-        if (known == availabilities_.end()) {
-            return;
-        }
-        known->second.owner = to;
-        known->second.leaving += mayHaveDied ? 1 : 0;
-        TellChanges(systemAbilityId, known->second);
-    }
-    if (!mayHaveDied) {
+    const auto known = availabilities_.find(systemAbilityId);
+    if (known == availabilities_.end() || std::exchange(known->second.isUp, true)) {
         return;
     }
-    // No event of a service that died may come behind the news of its removal.
-    Bus::Get().AfterLastWords(from, [this, systemAbilityId] {
-        std::lock_guard<std::mutex> lock(mutex_);
-        Availability& availability = availabilities_.at(systemAbilityId);
-        --availability.leaving;
-        TellChanges(systemAbilityId, availability);
+    for (const Subscription& subscription : known->second.subscriptions) {
+        Announce(systemAbilityId, subscription, ISystemAbilityStatusChange::ON_ADD_SYSTEM_ABILITY);
+    }
+}
+
+void SystemAbilityManager::AnnounceRemoval(int32_t systemAbilityId, const Transport::Inbound::Rest& rest)
+{
+    const auto known = availabilities_.find(systemAbilityId);
+    if (known == availabilities_.end() || !std::exchange(known->second.isUp, false)) {
+        return;
+    }
+    Availability& availability = known->second;
+    ++availability.removals;
+    // What the service has sent comes before the news of its end.
+    Transport::Notices::Post([rest] { Transport::Inbound::Get().Await(rest); });
+    for (const Subscription& subscription : availability.subscriptions) {
+        Announce(systemAbilityId, subscription, ISystemAbilityStatusChange::ON_REMOVE_SYSTEM_ABILITY);
+    }
+    Transport::Notices::Post([this, &availability] {
+        const MutexLock lock(mutex_);
+        --availability.removals;
     });
 }
 
-void SystemAbilityManager::LoseAll()
-{
-    std::lock_guard<std::mutex> lock(mutex_);
-    for (auto& [systemAbilityId, availability] : availabilities_) {
-        availability.owner.clear();
-        TellChanges(systemAbilityId, availability);
-    }
-}
-
-void SystemAbilityManager::TellChanges(int32_t systemAbilityId, Availability& availability)
-{
-    if (availability.leaving > 0 || availability.told == availability.owner) {
-        return;
-    }
-    const auto tellAll = [&](uint32_t code) {
-        for (const Subscription& subscription : availability.subscriptions) {
-            Tell(systemAbilityId, subscription, code);
-        }
-    };
-    if (!availability.told.empty()) {
-        tellAll(ISystemAbilityStatusChange::ON_REMOVE_SYSTEM_ABILITY);
-        ++availability.untold;
-        Transport::Notices::Post([this, &availability] { // Availabilities stay where they are, for good.
-            std::lock_guard<std::mutex> lock(mutex_);
-            --availability.untold;
-        });
-    }
-    if (!availability.owner.empty()) {
-        tellAll(ISystemAbilityStatusChange::ON_ADD_SYSTEM_ABILITY);
-    }
-    availability.told = availability.owner;
-}
-
-void SystemAbilityManager::Tell(int32_t systemAbilityId, const Subscription& subscription, uint32_t code)
+void SystemAbilityManager::Announce(int32_t systemAbilityId, const Subscription& subscription, uint32_t code)
 {
     Transport::Notices::Post([this, systemAbilityId, subscription, code] {
         const sptr<IRemoteObject> object = subscription.listener->AsObject();
@@ -277,19 +321,19 @@ void SystemAbilityManager::Tell(int32_t systemAbilityId, const Subscription& sub
     });
 }
 
-bool SystemAbilityManager::IsEndTold(int32_t systemAbilityId)
-{
-    std::lock_guard<std::mutex> lock(mutex_);
-    const auto known = availabilities_.find(systemAbilityId);
-    return known == availabilities_.end() || (known->second.leaving == 0 && known->second.untold == 0);
-}
-
 bool SystemAbilityManager::IsSubscribed(int32_t systemAbilityId, const Subscription& subscription)
 {
-    std::lock_guard<std::mutex> lock(mutex_);
+    const MutexLock lock(mutex_);
     Availability& availability = availabilities_.at(systemAbilityId);
     const auto found = FindListener(availability, subscription.listener);
     return found != availability.subscriptions.end() && found->number == subscription.number;
+}
+
+bool SystemAbilityManager::HasRemovals(int32_t systemAbilityId)
+{
+    const MutexLock lock(mutex_);
+    const auto known = availabilities_.find(systemAbilityId);
+    return known != availabilities_.end() && known->second.removals > 0;
 }
 
 } // namespace OHOS

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bus.h"
 #include "iservice_registry.h"
-#include "process.h"
 #include "system_ability_manager.h"
 
 namespace OHOS {

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "notices.h"
+
+#include <deque>
+#include <utility>
+
+#include "mutex.h"
+#include "never_destroyed.h"
+#include "process.h"
+
+namespace OHOS::Transport {
+
+namespace {
+
+struct Queue {
+    Mutex mutex;
+    Condition filled;
+    std::deque<std::function<void()>> notices GUARDED_BY(mutex);
+    bool isRunning GUARDED_BY(mutex) = false;
+};
+
+Queue& GetQueue()
+{
+    static NeverDestroyed<Queue> queue;
+    return *queue;
+}
+
+void Run()
+{
+    Queue& queue = GetQueue();
+    for (;;) {
+        MutexLock lock(queue.mutex);
+        while (queue.notices.empty()) {
+            queue.filled.Wait(lock);
+        }
+        const Process::Activity activity;
+        if (!activity) {
+            return; // At exit no notice runs; what they hold is left to the process's end.
+        }
+        const auto notice = std::move(queue.notices.front());
+        queue.notices.pop_front();
+        lock.Unlock();
+        notice();
+        Process::WatchExit();
+    }
+}
+
+} // namespace
+
+bool Notices::Start()
+{
+    Queue& queue = GetQueue();
+    const MutexLock lock(queue.mutex);
+    queue.isRunning = queue.isRunning || Process::StartThread(Run);
+    return queue.isRunning;
+}
+
+void Notices::Post(std::function<void()> notice) noexcept
+{
+    Start(); // Without a thread the notice waits for the next one.
+    Queue& queue = GetQueue();
+    const MutexLock lock(queue.mutex);
+    queue.notices.push_back(std::move(notice));
+    queue.filled.NotifyAll();
+}
+
+} // namespace OHOS::Transport
