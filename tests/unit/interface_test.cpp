@@ -50,27 +50,6 @@ TEST(RecordTest, BeginsWithTheseValues)
         Read<IndicatorSize>(I32(0x7F800000) + I32(0xFFC00000))->ToString(), "IndicatorSize{width=inf, height=-nan}");
 }
 
-TEST(RecordTest, SettersSetWhatGettersReturn)
-{
-    const auto read = Read<PermissionUsageDuration>(DURATION.bytes);
-    PermissionUsageDuration duration;
-    duration.SetBundleName(read->GetBundleName());
-    duration.SetUid(read->GetUid());
-    duration.SetPermissionGroup(read->GetPermissionGroup());
-    duration.SetUsageDuration(read->GetUsageDuration());
-    duration.SetLastBeginTimestamp(read->GetLastBeginTimestamp());
-    duration.SetLastEndTimestamp(read->GetLastEndTimestamp());
-    EXPECT_EQ(duration.ToString(), DURATION.text);
-
-    const auto readQuery = Read<UsageQuery>(QUERY.bytes);
-    UsageQuery query;
-    query.SetBundleNames(readQuery->GetBundleNames());
-    query.SetPermissionGroups(readQuery->GetPermissionGroups());
-    query.SetBeginTimestamp(readQuery->GetBeginTimestamp());
-    query.SetEndTimestamp(readQuery->GetEndTimestamp());
-    EXPECT_EQ(query.ToString(), QUERY.text);
-}
-
 TEST(RecordTest, ExtraInfoIsCopiedButNotSent)
 {
     PrivacyEventDetail detail = *Read<PrivacyEventDetail>(DETAIL.bytes);

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <atomic>
 #include <cstdlib>
 #include <future>
-#include <thread>
 
 #include "fake_service.h"
 #include "indicator_switch_listener.h"
@@ -20,7 +18,7 @@ namespace {
 
 sptr<FakeService> g_service;    // Where a variant's gate has its own; null if it finds none.
 std::function<void()> g_atGate; // Runs before each operation.
-std::atomic<uid_t> g_user = 0;  // Whose request is being served.
+uid_t g_user = 0;               // Whose request is being served.
 
 } // namespace
 
@@ -420,43 +418,6 @@ TEST_F(ClientTest, ARequestNeedsNoMemoryOfItsOwn)
         EXPECT_EQ(client.GetActiveIndicators(indicators), 0);
         EXPECT_EQ(service->Take(), Lines{"Active"});
     });
-}
-
-TEST_F(ClientTest, NoticesRaceWithRegistration)
-{
-    constexpr int ROUNDS = 200;
-    std::atomic<int> switches = 0;
-    first->hear = [&switches](const auto&) { ++switches; };
-    client.RegisterPrivacyIndicatorSwitchListener(first);
-    std::vector<std::future<void>> running;
-    const auto repeat = [&running](const std::function<void()>& step) {
-        running.push_back(std::async(std::launch::async, [step] {
-            for (int i = 0; i < ROUNDS; ++i) {
-                step();
-            }
-        }));
-    };
-    for (int i = 0; i < 2; ++i) {
-        repeat([this] {
-            notices->OnRemoveSystemAbility(66090, "");
-            notices->OnAddSystemAbility(66090, "");
-        });
-        repeat([this, visitor = std::make_shared<Listener>()] {
-            const auto mayBeCalled = std::make_shared<std::atomic<bool>>(true);
-            visitor->hear = [mayBeCalled](const auto& what) {
-                std::this_thread::yield(); // To the one that takes it out, if that does not wait.
-                EXPECT_TRUE(*mayBeCalled) << what;
-            };
-            EXPECT_EQ(client.RegisterPrivacyIndicatorSwitchListener(visitor), 0);
-            EXPECT_EQ(client.RegisterPrivacyEventListener("sensorStateChange", visitor), 0);
-            EXPECT_EQ(client.UnregisterPrivacyIndicatorSwitchListener(visitor), 0);
-            EXPECT_EQ(client.UnregisterPrivacyEventListener(visitor), 0);
-            *mayBeCalled = false; // Once it is out, no call comes or is under way.
-        });
-    }
-    running.clear(); // Waits for them.
-    EXPECT_EQ(client.UnregisterPrivacyIndicatorSwitchListener(first), 0);
-    EXPECT_EQ(switches, 6 * ROUNDS);
 }
 
 } // namespace
