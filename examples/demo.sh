@@ -124,7 +124,7 @@ run_reporter()
     HILOG_LEVEL=I start reporter power "${as[@]}" "$programs/power_reporter" "$1"
 }
 
-# app LINE: something that an application does, as the service is told.
+# app LINE: something that an application does, as it is reported to the service.
 app()
 {
     printf '   (%s)\n' "$1"
@@ -166,7 +166,7 @@ expect()
     fi
 }
 
-# expect_in_order NAME PATTERN...: each one behind the one before.
+# expect_in_order NAME PATTERN...: each one after the one before.
 expect_in_order()
 {
     local pattern number
@@ -189,7 +189,7 @@ refuse()
     fi
 }
 
-# hear_camera on|off STATE APPLICATION UID: what the caller and both apps are told of the camera's only use.
+# hear_camera on|off STATE APPLICATION UID: what the caller and both apps hear about the camera's only use.
 hear_camera()
 {
     local app
@@ -423,7 +423,7 @@ step "The process is killed, which closes the file: the indicator is off."
 stop user KILL 137
 hear_camera off 2 tail "$(id -u)"
 
-step "The service is killed: every listener is told, and requests fail at once."
+step "The service is killed: every listener is called, and requests fail at once."
 stop service KILL 137
 expect first '^the service is gone$'
 for app in app other; do

@@ -3,6 +3,7 @@
 
 #include "ipc_skeleton.h"
 #include "message_parcel.h"
+#include "notify_power_event.h"
 #include "privacy_event_values.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing {
@@ -233,7 +234,7 @@ int32_t InMemoryService::GetPermissionUsageDurationSummary(
 
 int32_t InMemoryService::NotifyPowerEvent(int32_t event)
 {
-    if (event != 0 && event != 1) {
+    if (static_cast<uint32_t>(event) >= Composer::POWER_EVENT_COUNT) {
         return INVALID_VALUE;
     }
     if (reports_.event) {

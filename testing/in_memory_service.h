@@ -59,7 +59,7 @@ public:
     };
     std::vector<Registration> GetRegistrations();
 
-    /** Drops all listeners. Waits for the calls that they are in. */
+    /** Removes all listeners, and takes no more. Waits for the calls that they are in. */
     void Close();
 
     int32_t OnRemoteRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option) override;
@@ -104,7 +104,7 @@ private:
         bool isTurnedOn = false; // By a caller.
     };
 
-    /** The three below are called with the lock held, so that listeners hear of changes in their order. */
+    /** The three below are called with the lock held, so that changes are reported in their order. */
     Sensor& Of(PrivacySensorType sensor);
     void Switch(Indicator::IndicatorData& indicator, Indicator::IndicatorState state);
     void PushUse(const SensorUse& use, AccessState state);

@@ -23,8 +23,8 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing {
 
 /**
  * The listeners of one interface, and what each of them wants to hear: its topics. Every listener has a queue and a
- * thread that empties it, so that one that does not answer delays nobody else. A listener is its remote object: added
- * again, it is still one listener. It goes when its process does. Any thread may call anything.
+ * thread that empties it, so that one that does not answer delays no other. A listener is its remote object: added
+ * again, it is still one listener. It is removed when its process dies. Any thread may call anything.
  */
 template <typename Listener>
 class ListenerRegistry : public IRemoteObject::DeathRecipient {
@@ -40,7 +40,8 @@ public:
 
     explicit ListenerRegistry(PushQueue::Report report) : report_(std::move(report)) {}
 
-    /** Calls nobody. INVALID_VALUE if the listener's process is gone; NO_ROOM beyond the limits, or for no thread. */
+    /** Does not call the listener. INVALID_VALUE if the listener's process is gone; NO_ROOM beyond the limits, or for
+     * no thread. */
     int32_t Add(const sptr<Listener>& listener, const std::string& topic)
     {
         const sptr<IRemoteObject> object = listener->AsObject();
@@ -67,7 +68,7 @@ public:
         } catch (const std::system_error&) {
             return NO_ROOM;
         }
-        // A listener of this very process goes with it.
+        // A listener of this very process ends with it.
         if (object->IsProxyObject() && !object->AddDeathRecipient(this)) {
             queue->Close();
             return INVALID_VALUE;
@@ -131,7 +132,7 @@ public:
         return topics;
     }
 
-    /** Removes all listeners, takes no more, and waits for the calls under way: 8 s at most, as IPC does. */
+    /** Removes all listeners, takes no more, and waits for the calls under way. */
     void Close()
     {
         std::map<sptr<IRemoteObject>, Entry> entries;
@@ -146,7 +147,7 @@ public:
             object->RemoveDeathRecipient(this);
             entry.queue->Close();
         }
-        // The futures, as they go, wait for their threads.
+        // The futures wait for their threads when they are destroyed.
     }
 
     void OnRemoteDied(const wptr<IRemoteObject>& object) override
@@ -161,7 +162,7 @@ private:
         sptr<Listener> listener;
         std::map<std::string, int> topics; // How often each was added.
         std::shared_ptr<PushQueue> queue;
-        std::future<void> thread; // Runs the queue. The last to go waits for it.
+        std::future<void> thread; // Runs the queue. Its destructor waits for the thread.
     };
 
     void ForgetEndedThreads()

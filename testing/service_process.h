@@ -11,8 +11,8 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing {
 
 /**
  * Lets a service run in this process as if it ran in one of its own: callers reach it through a remote object that can
- * die. Nothing else needs to run. There may be one at a time. Not for several threads at once, nor for a listener,
- * since Start and Kill wait until the listeners have returned.
+ * die. Nothing else needs to run. There may be one at a time. It is not thread-safe, and no listener may call it:
+ * Start and Kill wait until the listeners have returned.
  */
 class ServiceProcess {
 public:

@@ -12,6 +12,7 @@
 #include "permission_usage_duration.h"
 #include "permission_usage_duration_query.h"
 #include "privacy_event_detail.h"
+#include "privacy_event_values.h"
 #include "privacy_sensor_type.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing {
@@ -24,16 +25,16 @@ struct SensorUse {
 };
 
 /** What this service writes into the records' access states. */
-enum AccessState : int32_t { ACCESS_BEGUN = 1, ACCESS_ENDED = 2 };
+enum AccessState : int32_t { ACCESS_BEGUN = 1, ACCESS_ENDED = Privacy::ACCESS_STATE_OFF };
 
 /**
- * Who used which sensor, and when: the latest MAX_USES uses. A use that has not ended is always kept; to make room, the
- * oldest one that has ended goes. All times are milliseconds since the epoch, by the clock that one sets. Not
- * thread-safe.
+ * Which applications used which sensor, and when: the latest MAX_USES uses. A use that has not ended is always kept; to
+ * make room, the oldest one that has ended is dropped. All times are milliseconds since the epoch, by the system's
+ * clock. Not thread-safe.
  */
 class UseHistory {
 public:
-    // Together they keep every answer within what a parcel holds. Who begins a use sees to its name's length.
+    // Together they keep every answer within what a parcel holds. The caller of Begin checks the name's length.
     static constexpr size_t MAX_USES = 1000;
     static constexpr size_t MAX_BUNDLE_NAME = 127;
 

@@ -4,13 +4,12 @@
 #include <utility>
 
 #include "print.h"
+#include "privacy_event_values.h"
 #include "system_ability.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
 namespace {
-
-constexpr const char* DATA_TYPE = "sensorStateChange";
 
 // Says what the service did, if it did.
 int32_t Report(int32_t result, const std::string& done)
@@ -96,7 +95,8 @@ int32_t Watcher::Attach(const sptr<PrivacyIndicatorServiceIntf>& service)
     int32_t result =
         Report(service->RegisterPrivacyIndicatorSwitchListener(switchListener_), "switch listener registered");
     if (result == 0) {
-        result = Report(service->RegisterPrivacyEventListener(DATA_TYPE, eventListener_), "event listener registered");
+        result = Report(service->RegisterPrivacyEventListener(Privacy::SENSOR_STATE_CHANGE, eventListener_),
+            "event listener registered");
     }
     return result;
 }

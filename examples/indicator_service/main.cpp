@@ -31,7 +31,7 @@ The privacy indicator service, system ability 66090 on the bus that OHOS_BUS_ADD
 memory. "ready" on standard output says that callers can find it; who registers a listener and what power events come is
 printed there too.
 
-Standard input tells it who uses which sensor (camera, microphone or location), a line each:
+Standard input says which application uses which sensor (camera, microphone or location), a line each:
     start camera com.example.chat 20010043
     stop camera com.example.chat 20010043
 What it cannot read it names on standard error, with the line's number, and goes on. The end of the input does not end
@@ -135,7 +135,7 @@ int main(int argc, char** argv)
     try {
         return Run(ParseFiles(line));
     } catch (const ParseError& error) {
-        Complain(std::string(error.what()) + " (--help tells more)");
+        Complain(std::string(error.what()) + " (see --help)");
         return EXIT_USAGE;
     } catch (const std::system_error& error) {
         Complain(error.what());

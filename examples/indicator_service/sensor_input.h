@@ -9,8 +9,9 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
 /**
- * Sensor use as lines of text, `start SENSOR BUNDLE UID` and `stop SENSOR BUNDLE UID`, told to a service. A line that
- * means nothing is skipped, and what is wrong with it is said on stderr. Blank lines mean nothing and are not wrong.
+ * Sensor use as lines of text, `start SENSOR BUNDLE UID` and `stop SENSOR BUNDLE UID`, reported to a service. A line
+ * that means nothing is skipped, and what is wrong with it is said on stderr. Blank lines mean nothing and are not
+ * wrong.
  */
 class SensorInput {
 public:

@@ -15,7 +15,7 @@ namespace {
 using namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test;
 using Clock = std::chrono::steady_clock;
 
-// What listeners hear when the service calls them, behind their names and kinds.
+// What listeners hear when the service calls them, after their names and kinds.
 const std::string& INFOS = *new std::string(
     REMIND_INFO.text + " PrivacyEventRemindInfo='', uid=-1, privacySensorType=0, privacyAccessState=0, remindFlag=0}");
 

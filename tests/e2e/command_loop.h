@@ -39,7 +39,7 @@ struct Hold {
 };
 inline Hold& g_hold = *new Hold();
 
-/** A `hold` that comes behind `event`, which is told if it is not empty, is too late for it. */
+/** A `hold` that comes after `event`, which is announced if it is not empty, is too late for it. */
 inline void WaitWhileHeld(const std::string& event = "")
 {
     std::unique_lock<std::mutex> lock(g_hold.mutex);

@@ -18,7 +18,7 @@ using namespace OHOS;
 
 namespace {
 
-// Every request carries a text, and some an object behind it; so do the replies.
+// Every request carries a text, and some an object after it; so do the replies.
 enum Code : uint32_t { ECHO = 1, WHO, EVENT, TAKE, GIVE, CALL_BACK, WAIT, FAIL, UNKNOWN };
 const std::map<std::string, uint32_t> CODES{{"echo", ECHO}, {"who", WHO}, {"take", TAKE}, {"give", GIVE},
     {"callback", CALL_BACK}, {"wait", WAIT}, {"fail", FAIL}, {"unknown", UNKNOWN}};

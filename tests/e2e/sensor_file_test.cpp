@@ -33,7 +33,7 @@ protected:
         EXPECT_EQ(app_->ReadLine(), "listening");
     }
 
-    /** The app's next two lines are these, behind their times: the switch, then the use, which come in either order. */
+    /** The app's next two lines are these, after their times: the switch, then the use, which come in either order. */
     void Hears(const std::string& indicator, const std::string& use)
     {
         constexpr size_t TIME = 14; // And two blanks.

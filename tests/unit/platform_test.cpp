@@ -111,7 +111,7 @@ TEST(StringTest, MalformedTextIsTakenAsItComes)
 // Writes its life down in `story`: F and L for the first and last strong reference, D for the end.
 class Object : public virtual RefBase {
 public:
-    explicit Object(std::string& told) : story(told) {}
+    explicit Object(std::string& written) : story(written) {}
 
     ~Object() override
     {

@@ -77,7 +77,7 @@ private:
     std::map<std::u16string, Constructor> creators_;
 };
 
-/** Registers T's creator as long as it lives: meant as a static member of the proxy T. */
+/** Registers T's creator as long as it lives. It is a static member of the proxy T. */
 template <typename T>
 class BrokerDelegator : public BrokerDelegatorBase {
 public:

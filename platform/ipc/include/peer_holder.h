@@ -6,7 +6,7 @@
 
 namespace OHOS {
 
-/** Holds the remote object behind a proxy. */
+/** Holds the remote object of a proxy. */
 class PeerHolder {
 public:
     virtual ~PeerHolder() = default;

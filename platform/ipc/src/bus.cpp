@@ -404,7 +404,7 @@ void Bus::AskOwner(const std::string& name, const std::function<void(const std::
 
 void Bus::AfterLastWords(const std::string& peer, const std::function<void()>& task)
 {
-    // The daemon's answer comes behind the news of a death, so that a dead peer is known to be one by then.
+    // The daemon's answer comes after the news of a death, so that a dead peer is known to be one by then.
     CallDaemon("NameHasOwner", peer, nullptr, [this, peer, task](sd_bus_message* /* reply */) {
         const auto dying = std::find_if(
             dying_.begin(), dying_.end(), [&peer](const Dying& candidate) { return candidate.peer->Name() == peer; });

@@ -45,7 +45,7 @@ bool IPCObjectProxy::RemoveDeathRecipient(const sptr<DeathRecipient>& recipient)
     if (!Transport::Process::IsUsable()) {
         return false;
     }
-    sptr<DeathRecipient> removed; // Let go of behind the lock.
+    sptr<DeathRecipient> removed; // Destroyed after the lock is released.
     std::lock_guard<std::mutex> lock(mutex_);
     const auto found = std::find(recipients_.begin(), recipients_.end(), recipient);
     if (found == recipients_.end()) {

@@ -76,7 +76,7 @@ public:
     bool Await(int fd, int flags = 0);
 
     /**
-     * Takes that message: its bytes and its objects into `parcel`, behind what is there already. 0; ERR_BAD_MESSAGE as
+     * Takes that message: its bytes and its objects into `parcel`, after what is there already. 0; ERR_BAD_MESSAGE as
      * above; or, the connection being as good as before and the message lost, ERR_NO_MEMORY, or ERR_REFUSED if `from`
      * names an object that it cannot know. `parcel` is as it was then, and what the message hands over is released.
      */

@@ -137,7 +137,7 @@ public:
     bool Serve(Descriptor connection);
 
     /**
-     * Sends what releases it can on the one-way connection, behind the calls made there. False if that is full. Where
+     * Sends what releases it can on the one-way connection, after the calls made there. False if that is full. Where
      * there is none, nothing is left to overtake, and `other` takes what it can.
      */
     using Releases = std::map<uint64_t, uint32_t>;

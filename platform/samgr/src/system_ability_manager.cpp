@@ -175,7 +175,7 @@ int32_t SystemAbilityManager::UnSubscribeSystemAbility(
     if (!Transport::Process::IsUsable()) {
         return ERR_DEAD_OBJECT;
     }
-    sptr<ISystemAbilityStatusChange> removed; // Let go of behind the lock.
+    sptr<ISystemAbilityStatusChange> removed; // Destroyed after the lock is released.
     std::lock_guard<std::mutex> lock(mutex_);
     const auto known = availabilities_.find(systemAbilityId);
     if (known == availabilities_.end()) {
@@ -218,7 +218,7 @@ void SystemAbilityManager::ChangeOwner(int32_t systemAbilityId, const std::strin
     if (!mayHaveDied) {
         return;
     }
-    // No event of a service that died may come behind the news of its removal.
+    // No event of a service that died may come after the news of its removal.
     Bus::Get().AfterLastWords(from, [this, systemAbilityId] {
         std::lock_guard<std::mutex> lock(mutex_);
         Availability& availability = availabilities_.at(systemAbilityId);

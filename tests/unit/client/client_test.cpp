@@ -210,7 +210,7 @@ TEST_F(ClientTest, SwitchListenersShareOneRegistration)
         // A code of the service's keeps no listener out.
         Expect(client.RegisterPrivacyIndicatorSwitchListener(second), -9, {"RegisterSwitch"}, {START_SWITCH});
         EXPECT_EQ(service->listenerObject, stub);
-        second->hear = [this](const auto& text) { // It may register event listeners; see OthersWait.
+        second->hear = [this](const auto& text) { // It may register event listeners.
             EXPECT_EQ(text, DATA.text);
             EXPECT_EQ(client.RegisterPrivacyEventListener("A", second), -9);
         };
