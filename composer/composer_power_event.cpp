@@ -5,9 +5,6 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Composer {
 
-bool ComposerPowerEvent::IsValidEvent(int32_t event)
-{
-    return static_cast<uint32_t>(event) < POWER_EVENT_COUNT;
-}
+bool ComposerPowerEvent::IsValidEvent(int32_t event) { return static_cast<uint32_t>(event) < POWER_EVENT_COUNT; }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Composer

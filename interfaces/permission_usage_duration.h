@@ -21,76 +21,40 @@ public:
     PermissionUsageDuration& operator=(const PermissionUsageDuration&) = default;
 
     /** The application. */
-    const std::string& GetBundleName() const
-    {
-        return bundleName_;
-    }
+    const std::string& GetBundleName() const { return bundleName_; }
 
     /** Sets what GetBundleName returns. */
-    void SetBundleName(const std::string& value)
-    {
-        bundleName_ = value;
-    }
+    void SetBundleName(const std::string& value) { bundleName_ = value; }
 
     /** The user that the application runs as. */
-    int32_t GetUid() const
-    {
-        return uid;
-    }
+    int32_t GetUid() const { return uid; }
 
     /** Sets what GetUid returns. */
-    void SetUid(int32_t value)
-    {
-        uid = value;
-    }
+    void SetUid(int32_t value) { uid = value; }
 
     /** The permission group. */
-    const std::string& GetPermissionGroup() const
-    {
-        return permissionGroup_;
-    }
+    const std::string& GetPermissionGroup() const { return permissionGroup_; }
 
     /** Sets what GetPermissionGroup returns. */
-    void SetPermissionGroup(const std::string& value)
-    {
-        permissionGroup_ = value;
-    }
+    void SetPermissionGroup(const std::string& value) { permissionGroup_ = value; }
 
     /** How long the group was used, in 32 bits. */
-    int32_t GetUsageDuration() const
-    {
-        return usageDuration_;
-    }
+    int32_t GetUsageDuration() const { return usageDuration_; }
 
     /** Sets what GetUsageDuration returns. */
-    void SetUsageDuration(int32_t value)
-    {
-        usageDuration_ = value;
-    }
+    void SetUsageDuration(int32_t value) { usageDuration_ = value; }
 
     /** When the last use began. */
-    int64_t GetLastBeginTimestamp() const
-    {
-        return lastBeginTimestamp_;
-    }
+    int64_t GetLastBeginTimestamp() const { return lastBeginTimestamp_; }
 
     /** Sets what GetLastBeginTimestamp returns. */
-    void SetLastBeginTimestamp(int64_t value)
-    {
-        lastBeginTimestamp_ = value;
-    }
+    void SetLastBeginTimestamp(int64_t value) { lastBeginTimestamp_ = value; }
 
     /** When the last use ended. */
-    int64_t GetLastEndTimestamp() const
-    {
-        return lastEndTimestamp_;
-    }
+    int64_t GetLastEndTimestamp() const { return lastEndTimestamp_; }
 
     /** Sets what GetLastEndTimestamp returns. */
-    void SetLastEndTimestamp(int64_t value)
-    {
-        lastEndTimestamp_ = value;
-    }
+    void SetLastEndTimestamp(int64_t value) { lastEndTimestamp_ = value; }
 
     /** @{ As for every record: see privacy_indicator_export.h. */
     bool Marshalling(Parcel& parcel) const override;

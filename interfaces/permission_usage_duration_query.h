@@ -24,52 +24,28 @@ public:
     PermissionUsageDurationQuery& operator=(const PermissionUsageDurationQuery&) = default;
 
     /** The applications. */
-    const std::vector<std::string>& GetBundleNames() const
-    {
-        return bundleNames;
-    }
+    const std::vector<std::string>& GetBundleNames() const { return bundleNames; }
 
     /** Sets what GetBundleNames returns. */
-    void SetBundleNames(const std::vector<std::string>& value)
-    {
-        bundleNames = value;
-    }
+    void SetBundleNames(const std::vector<std::string>& value) { bundleNames = value; }
 
     /** The permission groups. */
-    const std::vector<std::string>& GetPermissionGroups() const
-    {
-        return permissionGroups;
-    }
+    const std::vector<std::string>& GetPermissionGroups() const { return permissionGroups; }
 
     /** Sets what GetPermissionGroups returns. */
-    void SetPermissionGroups(const std::vector<std::string>& value)
-    {
-        permissionGroups = value;
-    }
+    void SetPermissionGroups(const std::vector<std::string>& value) { permissionGroups = value; }
 
     /** Where the time range begins. */
-    int64_t GetBeginTimestamp() const
-    {
-        return beginTimestamp;
-    }
+    int64_t GetBeginTimestamp() const { return beginTimestamp; }
 
     /** Sets what GetBeginTimestamp returns. */
-    void SetBeginTimestamp(int64_t value)
-    {
-        beginTimestamp = value;
-    }
+    void SetBeginTimestamp(int64_t value) { beginTimestamp = value; }
 
     /** Where the time range ends. */
-    int64_t GetEndTimestamp() const
-    {
-        return endTimestamp;
-    }
+    int64_t GetEndTimestamp() const { return endTimestamp; }
 
     /** Sets what GetEndTimestamp returns. */
-    void SetEndTimestamp(int64_t value)
-    {
-        endTimestamp = value;
-    }
+    void SetEndTimestamp(int64_t value) { endTimestamp = value; }
 
     /**
      * @{ As for every record: see privacy_indicator_export.h. Contract: the count of a list that has too many entries

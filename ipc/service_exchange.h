@@ -16,16 +16,10 @@ class ServiceExchange {
 protected:
     explicit ServiceExchange(int32_t vectorSizeLimit) : vectorSizeLimit_(vectorSizeLimit) {}
 
-    bool IsGood() const
-    {
-        return error_ == PrivacyIndicatorServiceIntf::SUCCESS;
-    }
+    bool IsGood() const { return error_ == PrivacyIndicatorServiceIntf::SUCCESS; }
 
     /** The first failure's code; SUCCESS before it. */
-    int32_t Error() const
-    {
-        return error_;
-    }
+    int32_t Error() const { return error_; }
 
     /** Logs `failure`, which has no placeholders, and keeps `error`, unless something failed before. Returns Error().
      */

@@ -5,15 +5,9 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
-int32_t ServiceRequest::ReadInt32()
-{
-    return IsGood() ? data_.ReadInt32() : 0;
-}
+int32_t ServiceRequest::ReadInt32() { return IsGood() ? data_.ReadInt32() : 0; }
 
-std::string ServiceRequest::ReadString()
-{
-    return IsGood() ? Str16ToStr8(data_.ReadString16()) : std::string();
-}
+std::string ServiceRequest::ReadString() { return IsGood() ? Str16ToStr8(data_.ReadString16()) : std::string(); }
 
 int32_t ServiceRequest::WriteResult(int32_t result)
 {

@@ -23,10 +23,7 @@ auto Fields(Self& record)
 
 } // namespace
 
-bool IndicatorData::Marshalling(Parcel& parcel) const
-{
-    return WriteFields(parcel, Fields(*this));
-}
+bool IndicatorData::Marshalling(Parcel& parcel) const { return WriteFields(parcel, Fields(*this)); }
 
 IndicatorData* IndicatorData::Unmarshalling(Parcel& parcel) noexcept
 {

@@ -22,10 +22,7 @@ auto Fields(Self& record)
 
 } // namespace
 
-bool IndicatorPosition::Marshalling(Parcel& parcel) const
-{
-    return WriteFields(parcel, Fields(*this));
-}
+bool IndicatorPosition::Marshalling(Parcel& parcel) const { return WriteFields(parcel, Fields(*this)); }
 
 IndicatorPosition* IndicatorPosition::Unmarshalling(Parcel& parcel) noexcept
 {

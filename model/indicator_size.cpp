@@ -22,10 +22,7 @@ auto Fields(Self& record)
 
 } // namespace
 
-bool IndicatorSize::Marshalling(Parcel& parcel) const
-{
-    return WriteFields(parcel, Fields(*this));
-}
+bool IndicatorSize::Marshalling(Parcel& parcel) const { return WriteFields(parcel, Fields(*this)); }
 
 IndicatorSize* IndicatorSize::Unmarshalling(Parcel& parcel) noexcept
 {

@@ -23,30 +23,15 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 /** The most entries that a list of strings may have in a parcel. */
 constexpr int32_t MAX_LIST_SIZE = 999;
 
-inline bool WriteField(Parcel& parcel, int32_t value)
-{
-    return parcel.WriteInt32(value);
-}
+inline bool WriteField(Parcel& parcel, int32_t value) { return parcel.WriteInt32(value); }
 
-inline bool WriteField(Parcel& parcel, uint32_t value)
-{
-    return parcel.WriteUint32(value);
-}
+inline bool WriteField(Parcel& parcel, uint32_t value) { return parcel.WriteUint32(value); }
 
-inline bool WriteField(Parcel& parcel, int64_t value)
-{
-    return parcel.WriteInt64(value);
-}
+inline bool WriteField(Parcel& parcel, int64_t value) { return parcel.WriteInt64(value); }
 
-inline bool WriteField(Parcel& parcel, float value)
-{
-    return parcel.WriteFloat(value);
-}
+inline bool WriteField(Parcel& parcel, float value) { return parcel.WriteFloat(value); }
 
-inline bool WriteField(Parcel& parcel, const std::string& value)
-{
-    return parcel.WriteString(value);
-}
+inline bool WriteField(Parcel& parcel, const std::string& value) { return parcel.WriteString(value); }
 
 template <typename Enum, typename = std::enable_if_t<std::is_enum_v<Enum>>>
 bool WriteField(Parcel& parcel, Enum value)
@@ -69,30 +54,15 @@ inline bool WriteField(Parcel& parcel, const std::vector<std::string>& list)
     return true;
 }
 
-inline bool ReadField(Parcel& parcel, int32_t& value)
-{
-    return parcel.ReadInt32(value);
-}
+inline bool ReadField(Parcel& parcel, int32_t& value) { return parcel.ReadInt32(value); }
 
-inline bool ReadField(Parcel& parcel, uint32_t& value)
-{
-    return parcel.ReadUint32(value);
-}
+inline bool ReadField(Parcel& parcel, uint32_t& value) { return parcel.ReadUint32(value); }
 
-inline bool ReadField(Parcel& parcel, int64_t& value)
-{
-    return parcel.ReadInt64(value);
-}
+inline bool ReadField(Parcel& parcel, int64_t& value) { return parcel.ReadInt64(value); }
 
-inline bool ReadField(Parcel& parcel, float& value)
-{
-    return parcel.ReadFloat(value);
-}
+inline bool ReadField(Parcel& parcel, float& value) { return parcel.ReadFloat(value); }
 
-inline bool ReadField(Parcel& parcel, std::string& value)
-{
-    return parcel.ReadString(value);
-}
+inline bool ReadField(Parcel& parcel, std::string& value) { return parcel.ReadString(value); }
 
 /** A value outside the enumeration is kept as it is. */
 template <typename Enum, typename = std::enable_if_t<std::is_enum_v<Enum>>>

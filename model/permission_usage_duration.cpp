@@ -17,10 +17,7 @@ auto PermissionUsageDuration::Fields(Self& record)
         record.lastBeginTimestamp_, record.lastEndTimestamp_);
 }
 
-bool PermissionUsageDuration::Marshalling(Parcel& parcel) const
-{
-    return WriteFields(parcel, Fields(*this));
-}
+bool PermissionUsageDuration::Marshalling(Parcel& parcel) const { return WriteFields(parcel, Fields(*this)); }
 
 PermissionUsageDuration* PermissionUsageDuration::Unmarshalling(Parcel& parcel) noexcept
 {

@@ -16,10 +16,7 @@ auto PermissionUsageDurationQuery::Fields(Self& record)
     return std::tie(record.bundleNames, record.permissionGroups, record.beginTimestamp, record.endTimestamp);
 }
 
-bool PermissionUsageDurationQuery::Marshalling(Parcel& parcel) const
-{
-    return WriteFields(parcel, Fields(*this));
-}
+bool PermissionUsageDurationQuery::Marshalling(Parcel& parcel) const { return WriteFields(parcel, Fields(*this)); }
 
 PermissionUsageDurationQuery* PermissionUsageDurationQuery::Unmarshalling(Parcel& parcel) noexcept
 {

@@ -25,10 +25,7 @@ auto Fields(Self& record)
 
 } // namespace
 
-bool PrivacyEventDetail::Marshalling(Parcel& parcel) const
-{
-    return WriteFields(parcel, Fields(*this));
-}
+bool PrivacyEventDetail::Marshalling(Parcel& parcel) const { return WriteFields(parcel, Fields(*this)); }
 
 PrivacyEventDetail* PrivacyEventDetail::Unmarshalling(Parcel& parcel) noexcept
 {

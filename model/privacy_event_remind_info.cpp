@@ -24,10 +24,7 @@ auto Fields(Self& record)
 
 } // namespace
 
-bool PrivacyEventRemindInfo::Marshalling(Parcel& parcel) const
-{
-    return WriteFields(parcel, Fields(*this));
-}
+bool PrivacyEventRemindInfo::Marshalling(Parcel& parcel) const { return WriteFields(parcel, Fields(*this)); }
 
 PrivacyEventRemindInfo* PrivacyEventRemindInfo::Unmarshalling(Parcel& parcel) noexcept
 {

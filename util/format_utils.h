@@ -52,10 +52,7 @@ std::string Concat(const Parts&... parts)
 }
 
 /** The text between single quotes, not escaped. */
-inline std::string Quoted(const std::string& text)
-{
-    return "'" + text + "'";
-}
+inline std::string Quoted(const std::string& text) { return "'" + text + "'"; }
 
 } // namespace OHOS::Korvane::Quenlar::Util
 
