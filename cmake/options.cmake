@@ -26,6 +26,10 @@ endif()
 string(REPLACE "-O3" "-O2" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    # clang-tidy's own check of it costs a fifth of its time.
+    add_compile_options(-Wreserved-identifier -Wreserved-macro-identifier)
+endif()
 add_link_options(-Wl,--enable-new-dtags)
 
 # What ships is loaded by programs of every kind: a bug that is left should end the process, not become a way in.
