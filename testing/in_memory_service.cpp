@@ -27,10 +27,7 @@ bool IsSensor(int32_t number)
            number <= static_cast<int32_t>(PrivacySensorType::LOCATION);
 }
 
-bool IsUser(int32_t userId)
-{
-    return userId >= 0 || userId == UseHistory::ALL_USERS;
-}
+bool IsUser(int32_t userId) { return userId >= 0 || userId == UseHistory::ALL_USERS; }
 
 } // namespace
 
@@ -45,10 +42,7 @@ InMemoryService::InMemoryService(Reports reports)
     }
 }
 
-InMemoryService::~InMemoryService()
-{
-    Close();
-}
+InMemoryService::~InMemoryService() { Close(); }
 
 bool InMemoryService::BeginUse(const SensorUse& use)
 {
@@ -80,8 +74,8 @@ bool InMemoryService::EndUse(const SensorUse& use)
 
 void InMemoryService::Close()
 {
-    switchListeners_->Close();
-    eventListeners_->Close();
+    const auto ofSwitch = switchListeners_->Close();
+    const auto ofEvents = eventListeners_->Close();
 }
 
 void InMemoryService::AwaitDelivery()
@@ -90,10 +84,7 @@ void InMemoryService::AwaitDelivery()
     eventListeners_->AwaitCalls();
 }
 
-void InMemoryService::SetRefusal(int32_t code)
-{
-    refusal_ = code;
-}
+void InMemoryService::SetRefusal(int32_t code) { refusal_ = code; }
 
 std::vector<InMemoryService::Registration> InMemoryService::GetRegistrations()
 {

@@ -2,6 +2,7 @@
 #ifndef LISTENER_REGISTRY_H
 #define LISTENER_REGISTRY_H
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <future>
@@ -30,6 +31,7 @@ template <typename Listener>
 class ListenerRegistry : public IRemoteObject::DeathRecipient {
 public:
     static constexpr size_t MAX_LISTENERS = 256;
+    static constexpr size_t MAX_OF_PROCESS = 32;
     static constexpr size_t MAX_TOPICS = 16; // Of one listener.
 
     static constexpr int32_t SUCCESS = PrivacyIndicatorServiceIntf::SUCCESS;
@@ -56,13 +58,16 @@ public:
             ++topics[topic];
             return SUCCESS;
         }
-        if (closed_ || entries_.size() + endedThreads_.size() >= MAX_LISTENERS) {
+        const pid_t process = IPCSkeleton::GetCallingPid();
+        const auto ofProcess = std::count_if(
+            entries_.begin(), entries_.end(), [&](const auto& entry) { return entry.second.process == process; });
+        if (closed_ || entries_.size() + endedThreads_.size() >= MAX_LISTENERS ||
+            static_cast<size_t>(ofProcess) >= MAX_OF_PROCESS) {
             return NO_ROOM;
         }
         const auto queue = std::make_shared<PushQueue>(
-            "listener " + std::to_string(++lastNumber_) + " of process " + std::to_string(IPCSkeleton::GetCallingPid()),
-            report_);
-        Entry entry{listener, {{topic, 1}}, queue, {}};
+            "listener " + std::to_string(++lastNumber_) + " of process " + std::to_string(process), report_);
+        Entry entry{listener, process, {{topic, 1}}, queue, {}};
         try {
             entry.thread = std::async(std::launch::async, [queue] { queue->Run(); });
         } catch (const std::system_error&) {
@@ -132,22 +137,25 @@ public:
         return topics;
     }
 
-    /** Removes all listeners, takes no more, and waits for the calls under way. */
-    void Close()
+    /**
+     * Removes all listeners, and takes no more. What is returned waits, when it is destroyed, for the calls under way.
+     */
+    std::list<std::future<void>> Close()
     {
         std::map<sptr<IRemoteObject>, Entry> entries;
-        std::list<std::future<void>> endedThreads;
+        std::list<std::future<void>> threads;
         {
             std::lock_guard<std::mutex> lock(mutex_);
             closed_ = true;
             entries.swap(entries_);
-            endedThreads.swap(endedThreads_);
+            threads.swap(endedThreads_);
         }
-        for (const auto& [object, entry] : entries) {
+        for (auto& [object, entry] : entries) {
             object->RemoveDeathRecipient(this);
             entry.queue->Close();
+            threads.push_back(std::move(entry.thread));
         }
-        // The futures wait for their threads when they are destroyed.
+        return threads;
     }
 
     void OnRemoteDied(const wptr<IRemoteObject>& object) override
@@ -160,6 +168,7 @@ public:
 private:
     struct Entry {
         sptr<Listener> listener;
+        pid_t process;                     // That has registered it.
         std::map<std::string, int> topics; // How often each was added.
         std::shared_ptr<PushQueue> queue;
         std::future<void> thread; // Runs the queue. Its destructor waits for the thread.

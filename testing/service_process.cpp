@@ -17,10 +17,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing {
 
 namespace {
 
-sptr<ISystemAbilityManager> Manager()
-{
-    return SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
-}
+sptr<ISystemAbilityManager> Manager() { return SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager(); }
 
 class Arrival : public SystemAbilityStatusChangeStub {
 public:
@@ -52,10 +49,7 @@ class ServiceProcess::Remote : public IPCObjectStub {
 public:
     explicit Remote(const sptr<IRemoteObject>& service) : service_(service) {}
 
-    bool IsProxyObject() const override
-    {
-        return true;
-    }
+    bool IsProxyObject() const override { return true; }
 
     bool IsObjectDead() const override
     {
@@ -133,15 +127,9 @@ private:
     int error_ = 0;
 };
 
-ServiceProcess::ServiceProcess(const sptr<IRemoteObject>& service)
-{
-    Start(service);
-}
+ServiceProcess::ServiceProcess(const sptr<IRemoteObject>& service) { Start(service); }
 
-ServiceProcess::~ServiceProcess()
-{
-    Kill();
-}
+ServiceProcess::~ServiceProcess() { Kill(); }
 
 void ServiceProcess::Start(const sptr<IRemoteObject>& service)
 {

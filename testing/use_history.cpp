@@ -30,10 +30,7 @@ const char* GroupOf(int32_t sensor)
     return GROUPS[sensor];
 }
 
-bool IsUnderWay(const PrivacyEventDetail& use)
-{
-    return use.realEndTimestamp == 0;
-}
+bool IsUnderWay(const PrivacyEventDetail& use) { return use.realEndTimestamp == 0; }
 
 bool Admits(const std::set<std::string>& names, const std::string& name)
 {

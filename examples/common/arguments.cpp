@@ -43,10 +43,7 @@ Arguments::Arguments(const std::vector<std::string>& line, size_t mostWords,
     }
 }
 
-size_t Arguments::Count() const
-{
-    return words_.size();
-}
+size_t Arguments::Count() const { return words_.size(); }
 
 const std::string& Arguments::Word(size_t index, const std::string& meaning) const
 {
@@ -56,15 +53,9 @@ const std::string& Arguments::Word(size_t index, const std::string& meaning) con
     return words_[index];
 }
 
-const std::vector<std::string>& Arguments::Values(const std::string& option) const
-{
-    return values_.at(option);
-}
+const std::vector<std::string>& Arguments::Values(const std::string& option) const { return values_.at(option); }
 
-bool Arguments::Has(const std::string& flag) const
-{
-    return flags_.count(flag) > 0;
-}
+bool Arguments::Has(const std::string& flag) const { return flags_.count(flag) > 0; }
 
 bool PrintHelp(const std::vector<std::string>& line, const std::string& usage)
 {

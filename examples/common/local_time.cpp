@@ -15,10 +15,7 @@ constexpr int64_t MINUTE = 60 * SECOND;
 constexpr int64_t HOUR = 60 * MINUTE;
 
 // Rounds down, before the epoch too.
-int64_t MillisecondsOf(int64_t time)
-{
-    return (time % SECOND + SECOND) % SECOND;
-}
+int64_t MillisecondsOf(int64_t time) { return (time % SECOND + SECOND) % SECOND; }
 
 std::string Format(int64_t time, const char* format)
 {
@@ -30,10 +27,7 @@ std::string Format(int64_t time, const char* format)
     return text.data();
 }
 
-std::string TwoDigits(int64_t number)
-{
-    return (number < 10 ? "0" : "") + std::to_string(number);
-}
+std::string TwoDigits(int64_t number) { return (number < 10 ? "0" : "") + std::to_string(number); }
 
 std::string Milliseconds(int64_t time)
 {
@@ -50,25 +44,13 @@ int64_t Now()
     return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
 }
 
-std::string TimeOfDay(int64_t time)
-{
-    return Format(time, "%T");
-}
+std::string TimeOfDay(int64_t time) { return Format(time, "%T"); }
 
-std::string ExactTimeOfDay(int64_t time)
-{
-    return TimeOfDay(time) + Milliseconds(time);
-}
+std::string ExactTimeOfDay(int64_t time) { return TimeOfDay(time) + Milliseconds(time); }
 
-std::string DateAndTime(int64_t time)
-{
-    return Format(time, "%F %T");
-}
+std::string DateAndTime(int64_t time) { return Format(time, "%F %T"); }
 
-std::string TimeWithOffset(int64_t time)
-{
-    return Format(time, "%FT%T") + Milliseconds(time) + Format(time, "%z");
-}
+std::string TimeWithOffset(int64_t time) { return Format(time, "%FT%T") + Milliseconds(time) + Format(time, "%z"); }
 
 std::string DurationText(int64_t duration)
 {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "print.h"
 
+#include <poll.h>
 #include <pthread.h>
 #include <unistd.h>
 
@@ -9,6 +10,8 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <mutex>
+#include <utility>
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
@@ -33,10 +36,7 @@ void EndWithoutOutput(int error)
     _exit(EXIT_NOT_WRITTEN);
 }
 
-std::string ShownOn(int fd, const std::string& line)
-{
-    return isatty(fd) == 1 ? Printable(line) : line;
-}
+std::string ShownOn(int fd, const std::string& line) { return isatty(fd) == 1 ? Printable(line) : line; }
 
 } // namespace
 
@@ -47,9 +47,21 @@ void Print(const std::string& text)
     }
 }
 
-void PrintLine(const std::string& line)
+void PrintLine(const std::string& line) { Print(ShownOn(STDOUT_FILENO, line) + "\n"); }
+
+void PrintLineIfRead(const std::string& line)
 {
-    Print(ShownOn(STDOUT_FILENO, line) + "\n");
+    static std::mutex mutex;
+    static unsigned long dropped = 0;
+    const std::lock_guard<std::mutex> lock(mutex);
+    pollfd room{STDOUT_FILENO, POLLOUT, 0}; // For a pipe: of PIPE_BUF bytes, more than any line has.
+    if (poll(&room, 1, 0) <= 0 || (room.revents & POLLOUT) == 0) {
+        ++dropped;
+        return;
+    }
+    const unsigned long count = std::exchange(dropped, 0);
+    const std::string before = count > 0 ? "(" + std::to_string(count) + " lines were not read)\n" : "";
+    PrintLine(before + line);
 }
 
 void Complain(const std::string& message)

@@ -19,6 +19,12 @@ void Print(const std::string& text);
 /** Prints a line, as Print does. A terminal gets it as Printable makes it. */
 void PrintLine(const std::string& line);
 
+/**
+ * The same, but never waits: while standard output is not read, lines are dropped, and the next one that is printed
+ * says how many.
+ */
+void PrintLineIfRead(const std::string& line);
+
 /** Prints "PROGRAM: message" as a line on standard error, Printable where that is a terminal. Any thread may call it.
  */
 void Complain(const std::string& message);

@@ -59,9 +59,6 @@ Json ToJson(const Record::PermissionUsageDuration& duration)
     };
 }
 
-std::string ToLine(const Json& object)
-{
-    return object.dump(-1, ' ', true, Json::error_handler_t::replace);
-}
+std::string ToLine(const Json& object) { return object.dump(-1, ' ', true, Json::error_handler_t::replace); }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples

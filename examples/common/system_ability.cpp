@@ -41,10 +41,7 @@ private:
 
 } // namespace
 
-void LogQuietly(const char* level)
-{
-    setenv("HILOG_LEVEL", level, 0);
-}
+void LogQuietly(const char* level) { setenv("HILOG_LEVEL", level, 0); }
 
 sptr<ISystemAbilityManager> FindManager()
 {
@@ -60,7 +57,7 @@ sptr<ISystemAbilityManager> FindManager()
 #endif
     sptr<ISystemAbilityManager> manager = SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
     if (manager == nullptr) {
-        Complain("no system ability manager: nothing answers at OHOS_BUS_ADDRESS=" + std::string(address));
+        Complain("no system ability manager: OHOS_BUS_ADDRESS is no socket's address: " + std::string(address));
     }
     return manager;
 }

@@ -15,10 +15,7 @@ constexpr int32_t ACCESS_STATE_ON = 1; // What services of this kind report whil
 
 } // namespace
 
-std::string SensorText(int32_t sensor)
-{
-    return SensorText(static_cast<PrivacySensorType>(sensor));
-}
+std::string SensorText(int32_t sensor) { return SensorText(static_cast<PrivacySensorType>(sensor)); }
 
 std::string SensorText(PrivacySensorType sensor)
 {

@@ -117,16 +117,23 @@ Action ParseWatch(const Arguments& /* arguments */, Format format)
         throw ParseError("watch has no --json: indicator_monitor --json prints the same events");
     }
     return Requesting(format, [=](const Target& target) {
-        const sigset_t endSignals = BlockEndSignals();
+        constexpr timespec NEXT_TRY{2, 0};
+        constexpr int WORK = SIGUSR1;
+        sigset_t signals = BlockEndSignals();
+        sigaddset(&signals, WORK);
+        pthread_sigmask(SIG_BLOCK, &signals, nullptr);
         const sptr<Watcher> watcher(new Watcher(
             target.manager, [=](const auto& data) { PrintSwitch(data, format); },
-            [=](const auto& dataType, const auto& infos) { PrintEvent(dataType, infos, format); }));
+            [=](const auto& dataType, const auto& infos) { PrintEvent(dataType, infos, format); },
+            [=] { kill(getpid(), WORK); }));
         const int32_t result = watcher->Start(target.service);
         if (result != 0) {
             return result;
         }
-        int signal = 0;
-        sigwait(&endSignals, &signal);
+        for (int signal = 0; signal != SIGINT && signal != SIGTERM;
+             signal = sigtimedwait(&signals, nullptr, &NEXT_TRY)) {
+            watcher->Attach();
+        }
         return watcher->Stop();
     });
 }

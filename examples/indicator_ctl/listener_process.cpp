@@ -83,10 +83,7 @@ ListenerProcess::~ListenerProcess()
     }
 }
 
-size_t ListenerProcess::GetTaken() const
-{
-    return taken_;
-}
+size_t ListenerProcess::GetTaken() const { return taken_; }
 
 void ListenerProcess::Freeze() const
 {

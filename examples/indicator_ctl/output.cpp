@@ -23,10 +23,7 @@ std::string Pair(float first, const char* between, float second)
 }
 
 // A time of 0 has not come yet.
-std::string EndText(int64_t time)
-{
-    return time == 0 ? "not yet" : DateAndTime(time);
-}
+std::string EndText(int64_t time) { return time == 0 ? "not yet" : DateAndTime(time); }
 
 Table::Cells ToRow(const Indicator::IndicatorData& data)
 {

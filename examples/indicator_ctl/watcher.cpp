@@ -24,15 +24,31 @@ int32_t Report(int32_t result, const std::string& done)
 
 Watcher::Watcher(const sptr<ISystemAbilityManager>& manager,
     Indicator::IndicatorSwitchListenerStubImpl::Callback onSwitch,
-    Privacy::PrivacyEventListenerStubImpl::Callback onEvent)
+    Privacy::PrivacyEventListenerStubImpl::Callback onEvent, std::function<void()> hasWork)
     : manager_(manager), switchListener_(new Indicator::IndicatorSwitchListenerStubImpl(std::move(onSwitch))),
-      eventListener_(new Privacy::PrivacyEventListenerStubImpl(std::move(onEvent)))
+      eventListener_(new Privacy::PrivacyEventListenerStubImpl(std::move(onEvent))), hasWork_(std::move(hasWork))
 {}
 
 int32_t Watcher::Start(const sptr<PrivacyIndicatorServiceIntf>& service)
 {
-    const int32_t result = Attach(service);
+    const int32_t result = Follow(service) ? Register(*service) : int32_t{ERR_DEAD_OBJECT};
     return result != 0 ? result : manager_->SubscribeSystemAbility(PRIVACY_INDICATOR_SA_ID, this);
+}
+
+void Watcher::Attach()
+{
+    sptr<PrivacyIndicatorServiceIntf> service;
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        service = isRegistered_ ? nullptr : service_;
+    }
+    if (service == nullptr) {
+        return;
+    }
+    const int32_t result = Register(*service);
+    if (result != 0 && !service->AsObject()->IsObjectDead()) {
+        Complain("the service took no listener: " + std::to_string(result) + "; trying again");
+    }
 }
 
 int32_t Watcher::Stop()
@@ -47,6 +63,9 @@ int32_t Watcher::Stop()
         return 0;
     }
     service->AsObject()->RemoveDeathRecipient(this);
+    if (!isRegistered_) {
+        return 0;
+    }
     const int32_t ofSwitch =
         Report(service->UnregisterPrivacyIndicatorSwitchListener(switchListener_), "switch listener unregistered");
     const int32_t ofEvent =
@@ -59,7 +78,7 @@ int32_t Watcher::Stop()
 
 void Watcher::OnRemoteDied(const wptr<IRemoteObject>& object)
 {
-    if (Attached() == object.promote()) {
+    if (Followed() == object.promote()) {
         Lose();
     }
 }
@@ -67,41 +86,42 @@ void Watcher::OnRemoteDied(const wptr<IRemoteObject>& object)
 void Watcher::OnAddSystemAbility(int32_t /* systemAbilityId */, const std::string& /* deviceId */)
 {
     const sptr<PrivacyIndicatorServiceIntf> service = FindService(*manager_);
-    if (service == nullptr || service->AsObject() == Attached()) {
+    if (service == nullptr || service->AsObject() == Followed()) {
         return; // Gone again, or the one there was when the watcher began to follow.
     }
     Lose();
     PrintLine("the service is back");
-    const int32_t result = Attach(service);
-    if (result != 0 && result != ERR_DEAD_OBJECT) {
-        Complain("the service refused a listener: " + std::to_string(result));
+    if (Follow(service)) {
+        hasWork_();
     }
 }
 
-void Watcher::OnRemoveSystemAbility(int32_t /* systemAbilityId */, const std::string& /* deviceId */)
-{
-    Lose();
-}
+void Watcher::OnRemoveSystemAbility(int32_t /* systemAbilityId */, const std::string& /* deviceId */) { Lose(); }
 
-int32_t Watcher::Attach(const sptr<PrivacyIndicatorServiceIntf>& service)
+bool Watcher::Follow(const sptr<PrivacyIndicatorServiceIntf>& service)
 {
     {
         std::lock_guard<std::mutex> lock(mutex_);
         service_ = service;
+        isRegistered_ = false;
     }
-    if (!service->AsObject()->AddDeathRecipient(this)) {
-        return ERR_DEAD_OBJECT;
-    }
+    return service->AsObject()->AddDeathRecipient(this);
+}
+
+int32_t Watcher::Register(PrivacyIndicatorServiceIntf& service)
+{
     int32_t result =
-        Report(service->RegisterPrivacyIndicatorSwitchListener(switchListener_), "switch listener registered");
+        Report(service.RegisterPrivacyIndicatorSwitchListener(switchListener_), "switch listener registered");
     if (result == 0) {
-        result = Report(service->RegisterPrivacyEventListener(Privacy::SENSOR_STATE_CHANGE, eventListener_),
+        result = Report(service.RegisterPrivacyEventListener(Privacy::SENSOR_STATE_CHANGE, eventListener_),
             "event listener registered");
     }
+    std::lock_guard<std::mutex> lock(mutex_);
+    isRegistered_ = isRegistered_ || (result == 0 && service_.GetRefPtr() == &service);
     return result;
 }
 
-sptr<IRemoteObject> Watcher::Attached()
+sptr<IRemoteObject> Watcher::Followed()
 {
     std::lock_guard<std::mutex> lock(mutex_);
     return service_ != nullptr ? service_->AsObject() : nullptr;

@@ -52,10 +52,7 @@ Feed::Feed(int32_t user, bool asksState)
     : user_(user), asksState_(asksState), fd_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
 {}
 
-Feed::~Feed()
-{
-    close(fd_);
-}
+Feed::~Feed() { close(fd_); }
 
 void Feed::Start(ISystemAbilityManager& manager)
 {
@@ -74,10 +71,7 @@ bool Feed::Stop(ISystemAbilityManager& manager)
     return thread_.wait_for(END_PATIENCE) == std::future_status::ready;
 }
 
-int Feed::GetFd() const
-{
-    return fd_;
-}
+int Feed::GetFd() const { return fd_; }
 
 void Feed::ShowIn(View& view)
 {

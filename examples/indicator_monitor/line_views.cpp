@@ -12,10 +12,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
 namespace {
 
-Json EventObject(int64_t time, const char* event)
-{
-    return {{"time", TimeWithOffset(time)}, {"event", event}};
-}
+Json EventObject(int64_t time, const char* event) { return {{"time", TimeWithOffset(time)}, {"event", event}}; }
 
 template <typename Record>
 Json ToArray(const std::vector<Record>& records)
@@ -29,10 +26,7 @@ Json ToArray(const std::vector<Record>& records)
 
 } // namespace
 
-void LineView::OnListening()
-{
-    PrintLine("listening");
-}
+void LineView::OnListening() { PrintLine("listening"); }
 
 void LineView::OnSwitch(int64_t time, const Indicator::IndicatorData& data)
 {

@@ -15,10 +15,7 @@ namespace {
 constexpr const char* TAKE_SCREEN = "\033[?1049h\033[?25l"; // The alternate screen, without a cursor.
 constexpr const char* GIVE_SCREEN = "\033[?25h\033[?1049l";
 
-bool IsInForegroundOf(int fd)
-{
-    return tcgetpgrp(fd) == getpgrp();
-}
+bool IsInForegroundOf(int fd) { return tcgetpgrp(fd) == getpgrp(); }
 
 // Not by stdio, so that what could not be written is not kept.
 bool Write(const std::string& text)
@@ -41,10 +38,7 @@ bool IsColored()
 
 } // namespace
 
-Terminal::~Terminal()
-{
-    Leave();
-}
+Terminal::~Terminal() { Leave(); }
 
 bool Terminal::IsThere()
 {

@@ -80,15 +80,9 @@ FileWatch::FileWatch(const std::vector<SensorFile>& files, Testing::InMemoryServ
     Look();
 }
 
-FileWatch::~FileWatch()
-{
-    CloseAll();
-}
+FileWatch::~FileWatch() { CloseAll(); }
 
-int FileWatch::GetFd() const
-{
-    return fd_;
-}
+int FileWatch::GetFd() const { return fd_; }
 
 void FileWatch::Look()
 {

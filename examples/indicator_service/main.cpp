@@ -29,7 +29,7 @@ constexpr const char* USAGE = R"(usage: indicator_service [--watch SENSOR=PATH].
 
 The privacy indicator service, system ability 66090 on the bus that OHOS_BUS_ADDRESS names. It keeps everything in
 memory. "ready" on standard output says that callers can find it; who registers a listener and what power events come is
-printed there too.
+printed there too, as long as somebody reads it. When the bus ends it waits for the next one.
 
 Standard input says which application uses which sensor (camera, microphone or location), a line each:
     start camera com.example.chat 20010043
@@ -45,26 +45,38 @@ Exit codes: 0 ended by a signal, 1 cannot be the service (any more) or watch a f
 
 enum ExitCode { EXIT_ENDED = 0, EXIT_NO_SERVICE = 1, EXIT_USAGE = 2 };
 
-/** Ends the program, as SIGTERM does, once it is not the service any more: when the manager is gone, that is for good.
- */
+/** Ends the program, as SIGTERM does, once another process is the service: the bus ended, and came back. */
 class LossListener : public SystemAbilityStatusChangeStub {
 public:
-    void OnAddSystemAbility(int32_t /* systemAbilityId */, const std::string& /* deviceId */) override {}
+    LossListener(const sptr<ISystemAbilityManager>& manager, const sptr<IRemoteObject>& service)
+        : manager_(manager), service_(service)
+    {}
 
-    void OnRemoveSystemAbility(int32_t /* systemAbilityId */, const std::string& /* deviceId */) override
+    void OnAddSystemAbility(int32_t systemAbilityId, const std::string& /* deviceId */) override
     {
-        kill(getpid(), SIGTERM);
+        const sptr<IRemoteObject> service = manager_->CheckSystemAbility(systemAbilityId);
+        if (service != nullptr && service != service_) {
+            kill(getpid(), SIGTERM);
+        }
     }
+
+    void OnRemoveSystemAbility(int32_t /* systemAbilityId */, const std::string& /* deviceId */) override {}
+
+private:
+    const sptr<ISystemAbilityManager> manager_;
+    const sptr<IRemoteObject> service_;
 };
 
-bool Publish(ISystemAbilityManager& manager, const sptr<Testing::InMemoryService>& service)
+bool Publish(const sptr<ISystemAbilityManager>& manager, const sptr<Testing::InMemoryService>& service)
 {
-    const int32_t error = manager.AddSystemAbility(PRIVACY_INDICATOR_SA_ID, service);
+    const int32_t error = manager->AddSystemAbility(PRIVACY_INDICATOR_SA_ID, service);
     if (error == 0) {
-        return manager.SubscribeSystemAbility(PRIVACY_INDICATOR_SA_ID, new LossListener()) == 0;
+        return manager->SubscribeSystemAbility(PRIVACY_INDICATOR_SA_ID, new LossListener(manager, service)) == 0;
     }
     const std::string number = std::to_string(PRIVACY_INDICATOR_SA_ID);
-    if (manager.CheckSystemAbility(PRIVACY_INDICATOR_SA_ID) != nullptr) {
+    if (error == ERR_DEAD_OBJECT) {
+        Complain("no bus answers at OHOS_BUS_ADDRESS");
+    } else if (manager->CheckSystemAbility(PRIVACY_INDICATOR_SA_ID) != nullptr) {
         Complain("another process is system ability " + number + " already");
     } else {
         Complain("this user may not be system ability " + number + ": error " + std::to_string(error));
@@ -105,19 +117,18 @@ int Run(const std::vector<SensorFile>& sensorFiles)
     const sigset_t endSignals = BlockEndSignals();
     const int ended = signalfd(-1, &endSignals, SFD_CLOEXEC);
     const sptr<ISystemAbilityManager> manager = FindManager();
-    const sptr<Testing::InMemoryService> service(new Testing::InMemoryService({PrintLine, Complain}));
+    const sptr<Testing::InMemoryService> service(new Testing::InMemoryService({PrintLineIfRead, Complain}));
     FileWatch files(sensorFiles, *service);
-    if (ended < 0 || manager == nullptr || !Publish(*manager, service)) {
+    if (ended < 0 || manager == nullptr || !Publish(manager, service)) {
         return EXIT_NO_SERVICE;
     }
-    PrintLine("ready");
+    PrintLineIfRead("ready");
 
     Serve(*service, files, ended);
 
-    const int32_t error = manager->RemoveSystemAbility(PRIVACY_INDICATOR_SA_ID);
-    service->Close();
-    if (error != 0) {
-        Complain("the system ability manager is gone");
+    service->Close(); // First, so that no event comes after the news of the service's end.
+    if (manager->RemoveSystemAbility(PRIVACY_INDICATOR_SA_ID) == ERR_INVALID_VALUE) {
+        Complain("another process is the service now");
         return EXIT_NO_SERVICE;
     }
     return EXIT_ENDED;

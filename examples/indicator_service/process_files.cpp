@@ -24,16 +24,10 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 namespace {
 
 struct CloseFolder {
-    void operator()(DIR* folder) const
-    {
-        closedir(folder);
-    }
+    void operator()(DIR* folder) const { closedir(folder); }
 };
 
-std::string FolderOf(pid_t process)
-{
-    return "/proc/" + std::to_string(process);
-}
+std::string FolderOf(pid_t process) { return "/proc/" + std::to_string(process); }
 
 // Calls `visit` with the folder's descriptor and the name of each entry that is a number.
 void ForEachNumber(const std::string& path, const std::function<void(int folder, const char* name)>& visit)

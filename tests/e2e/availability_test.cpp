@@ -1,99 +1,164 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bus_test.h"
+
+#include "peer_test.h"
 
 namespace {
 
-using AvailabilityTest = BusTest;
+using AvailabilityTest = PeerTest;
 
 TEST_F(AvailabilityTest, EverySubscriberHearsOfEveryChange)
 {
-    Helper& early = Start({"watch 100", "watch 100 too"});
-    Helper& service = Start({"watch 100"});
-    service.Do({"serve 100"});
-    Helper& late = Start({"watch 100"});
+    Helper& early = Start([] { Watch(100), Watch(100, "too"); });
+    Helper& service = Start([] { Watch(100), Serve(100); });
+    Helper& late = Start([] { Watch(100); });
     const auto expect = [&](const std::string& change) {
         early.Hears({change, change + "too"});
         late.Hears({change});
     };
     expect("up 100");
     service.Hears({"up 100"});
-    service.Do({"unserve 100"});
+    late.Signal(SIGSTOP); // And hears of it later, all the same.
+    service.Ask([] { Unserve(100), Serve(100); });
+    late.Signal(SIGCONT);
     expect("down 100");
-    service.Hears({"down 100"});
-    service.Do({"serve 100"});
     expect("up 100");
+    service.Hears({"down 100", "up 100"});
     service.Kill();
     expect("down 100");
-    Start({"serve 100"});
-    expect("up 100");
 }
 
-TEST_F(AvailabilityTest, TheNextServiceIsFoundWhenTheFormerOnesEndIsTold)
+TEST_F(AvailabilityTest, TheNextServiceIsFoundWhenTheFormerOnesEndIsAnnounced)
 {
-    Helper& service = Start({"serve 100"});
-    Helper& watcher = Start({"hold", "watch 100"});
+    Helper& service = Start([] { Serve(100); });
+    Helper& watcher = Start([] { Hold(), Watch(100); });
     watcher.Hears({"up 100"}); // Is told, and not yet heard out.
     service.Kill();
-    Start({"serve 100"});
-    EXPECT_EQ(watcher.Ask("find s 100"), "null");
-    EXPECT_EQ(Start().Ask("find s 100"), "0"); // Who does not watch has nothing to wait for.
-    watcher.Do({"release"});
+    Start([] { Serve(100); });
+    watcher.Expect("null", [] { return Find("s", 100); });
+    Start().Expect("0", [] { return Find("s", 100); }); // Who does not watch has nothing to wait for.
+    watcher.Ask(Release);
     watcher.Hears({"down 100", "up 100"});
-    watcher.Do({"find s 100"});
+    watcher.Expect("0", [] { return Find("s", 100); });
 }
 
 TEST_F(AvailabilityTest, NothingIsToldAfterUnsubscribing)
 {
-    Helper& watcher = Start({"watch 100", "watch 100 once", "watch 200"});
-    Helper& service = Start({"serve 100"});
+    Helper& watcher = Start([] { Watch(100), Watch(100, "once"), Watch(200); });
+    Helper& service = Start([] { Serve(100); });
     watcher.Hears({"up 100", "up 100once"}); // Unsubscribes in there.
-    watcher.Do({"unwatch 100"});
-    EXPECT_EQ(watcher.Ask("unwatch 100"), "22");
-    service.Do({"unserve 100", "serve 100", "serve 200"});
+    watcher.Expect("0", [] { return Unwatch(100); });
+    watcher.Expect("0", [] { return Unwatch(100); });
+    service.Ask([] { Unserve(100), Serve(100), Serve(200); });
     watcher.Hears({"up 200"});
-    watcher.Do({"watch 100"}); // Told at once, though it knows.
+    watcher.Ask([] { Watch(100); }); // Told at once, though it knows.
     watcher.Hears({"up 100"});
-    watcher.Do({"hold"});
-    service.Do({"unserve 200"});
+    watcher.Ask(Hold);
+    service.Ask([] { Unserve(200); });
     watcher.Hears({"down 200"}); // Is being told, and not yet heard out.
-    service.Do({"unserve 100"});
-    EXPECT_EQ(watcher.Ask("find s 300"), "null");
-    EXPECT_EQ(watcher.Ask("find s 300"), "null"); // By now the news of it waits to be told.
-    watcher.Do({"unwatch 100", "watch 100", "release"});
-    service.Do({"serve 200"});
+    service.Ask([] { Unserve(100); });
+    watcher.Expect("null", [] { return Find("s", 300); }); // By now the news of it waits to be told.
+    watcher.Ask([] { Unwatch(100), Watch(100), Release(); });
+    service.Ask([] { Serve(200); });
     watcher.Hears({"up 200"});
 }
 
 TEST_F(AvailabilityTest, AServiceIsOfOneProcessAtATime)
 {
-    Helper& service = Start({"serve 100", "serve 100"});
+    Helper& service = Start([] { Serve(100), Serve(100); });
     Helper& rival = Start();
-    Helper& caller = Start({"find s 100", "make x"});
-    EXPECT_EQ(rival.Ask("serve 100"), "111");
-    EXPECT_EQ(rival.Ask("unserve 100"), "22");
-    rival.Do({"find s 100"});
-    EXPECT_EQ(rival.Ask("call s take me"), "0 remote"); // It is the other's.
-    service.Do({"unserve 100"});
-    EXPECT_EQ(caller.Ask("find s 100"), "null");
-    rival.Do({"serve 100"});
-    caller.Do({"find s 100"});
-    EXPECT_EQ(caller.Ask("call s take x"), "0 remote");
-    EXPECT_EQ(rival.Ask("call x echo hello"), "0 hello");
+    Helper& caller = Start([] { Find("s", 100), Make("x"); });
+    rival.Expect("1", [] { return Serve(100); });
+    rival.Expect("22", [] { return Unserve(100); });
+    rival.Expect("3", [] { return Manager()->AddSystemAbility(100, nullptr); });
+    rival.Expect("0", [] { return Find("s", 100); });
+    rival.Expect("0 remote", [] { return Call("s", TAKE, "me"); }); // It is the other's.
+    service.Ask([] { Unserve(100); });
+    caller.Expect("null", [] { return Find("s", 100); });
+    rival.Expect("0", [] { return Serve(100); });
+    caller.Expect("0", [] { return Find("s", 100); });
+    caller.Expect("0 remote", [] { return Call("s", TAKE, "x"); });
+    rival.Expect("0 hello", [] { return Call("x", ECHO, "hello"); });
 }
 
-TEST_F(AvailabilityTest, WithoutABusAProcessHasItsOwnServicesAndWithADeadOneNone)
+TEST_F(AvailabilityTest, WithoutABusAProcessHasItsOwnServicesAndWithAMalformedAddressNone)
 {
     busAddress_.clear();
-    Helper& lone = Start({"watch 100", "serve 100", "watch 100 too", "find s 100"});
-    lone.Hears({"up 100", "up 100too"});
-    EXPECT_EQ(lone.Ask("call s take me"), "0 same");
-    EXPECT_EQ(lone.Ask("call s who"), "0 " + lone.Ask("who"));
-    EXPECT_EQ(lone.Ask("mourn s"), "refused");
-    lone.Do({"unserve 100"});
-    lone.Hears({"down 100", "down 100too"});
-    EXPECT_EQ(lone.Ask("find s 100"), "null");
-    busAddress_ = "unix:path=/nowhere/bus";
-    EXPECT_EQ(Start().Ask("find s 100"), "no manager");
+    Helper& lone = Start([] { Watch(100), Serve(100), Find("s", 100); });
+    lone.Hears({"up 100"});
+    lone.Expect("0 same", [] { return Call("s", TAKE, "me"); });
+    lone.Expect("0", [] { return Mourn("s"); });
+    lone.Ask([] { Unserve(100); });
+    lone.Hears({"down 100"});
+    lone.Expect("null", [] { return Find("s", 100); });
+    for (const char* address : {"unix:", "unix:path=", "unixexec:path=/bin/true", "tcp:host=localhost,port=1",
+             "unix:path=/nowhere;unix:path=/bus"}) {
+        busAddress_ = address;
+        Start().Expect("no manager", [] { return Find("s", 100); });
+    }
+}
+
+TEST_F(AvailabilityTest, ABusThatComesLateEndsAndComesBackIsJoined)
+{
+    KillDaemon();
+    Helper& service = Start([] { Watch(100), Watch(200); });
+    Helper& caller = Start([] { Watch(100); });
+    caller.Expect("null", [] { return Find("s", 100); });
+    service.Expect("32", [] { return Serve(100); });
+    StartDaemon();
+    Helper& other = Start([] { Serve(200); });
+    service.Hears({"up 200"}); // It has joined.
+    other.Kill();
+    service.Hears({"down 200"});
+    service.Expect("0", [] { return Serve(100); });
+    for (int i = 0; i < 2; ++i) {
+        caller.Hears({"up 100"}); // The second time the service has registered itself.
+        service.Hears({"up 100"});
+        caller.Await("0", [] { return Find("s", 100); });
+        caller.Expect("1", [] { return Mourn("s"); });
+        service.Ask(Hold);
+        caller.Begin([] { return Call("s", WAIT); });
+        service.Hears({"waiting"});
+        KillDaemon();
+        EXPECT_EQ(caller.Events(3), (std::vector<std::string>{"dead s", "done 32", "down 100"}));
+        service.Hears({"down 100"});
+        service.Ask(Release);
+        for (Helper* helper : {&service, &caller}) {
+            helper->Expect("null", [] { return Find("s", 100); });
+        }
+        StartDaemon();
+    }
+}
+
+TEST_F(AvailabilityTest, AServiceThatAnotherHasTakenOverIsNotAddedAgain)
+{
+    Helper& service = Start([] { Serve(100), Watch(100); });
+    service.Hears({"up 100"});
+    service.Signal(SIGSTOP);
+    KillDaemon();
+    StartDaemon();
+    Start([] { Serve(100), Make("x"); });
+    service.Signal(SIGCONT);
+    service.Hears({"down 100", "up 100"});
+    service.Expect("0", [] { return Find("s", 100); });
+    service.Expect("0 other", [] { return Call("s", GIVE, "x"); });
+}
+
+TEST_F(AvailabilityTest, AnUnreachableBusCostsEveryThreadItsWaitOnce)
+{
+    daemon_->Signal(SIGSTOP);
+    const auto begin = std::chrono::steady_clock::now();
+    Helper& app = Start();
+    for (int i = 0; i < 6; ++i) {
+        app.Begin([] { return Find("s", 100); });
+    }
+    EXPECT_EQ(app.Events(6), std::vector<std::string>(6, "done null"));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(15)); // 8 for all.
+    const auto later = std::chrono::steady_clock::now();
+    app.Expect("null", [] { return Find("s", 100); }); // Nobody waits for the next try.
+    EXPECT_LT(std::chrono::steady_clock::now() - later, std::chrono::seconds(4));
+    daemon_->Signal(SIGCONT);
+    Start([] { Serve(100); });
+    app.Await("0", [] { return Find("s", 100); });
 }
 
 } // namespace

@@ -3,64 +3,277 @@
 #define BUS_TEST_H
 
 #include <gtest/gtest.h>
-#include <sys/types.h>
+#include <linux/close_range.h>
+#include <poll.h>
+#include <pwd.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
-#include <cstdio>
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
 #include <deque>
-#include <initializer_list>
+#include <filesystem>
+#include <fstream>
+#include <future>
 #include <list>
 #include <memory>
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
-/** A process that a test gives commands and hears events from (see command_loop.h). It ends with this object. */
+/** Enough for what takes milliseconds, in a sanitizer's build on a busy machine. */
+constexpr int PATIENCE_S = 20;
+
+/** Asks again and again until `isSo`. False if it is not in time. */
+template <typename F>
+bool AwaitThat(F isSo)
+{
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(PATIENCE_S);
+    bool isItSo = isSo();
+    for (; !isItSo && std::chrono::steady_clock::now() < deadline; isItSo = isSo()) {
+        usleep(5000);
+    }
+    return isItSo;
+}
+
+/**
+ * A program, or a process forked from this one, which runs what a test says. Either ends with this object. It is forked
+ * while this process has one thread and does not use the platform, and keeps none of its descriptors.
+ */
 class Helper {
 public:
-    /** `busAddress` becomes its OHOS_BUS_ADDRESS; there is none where it is empty. */
-    Helper(const std::vector<std::string>& command, const std::string& busAddress);
-    Helper(const Helper&) = delete;
-    Helper& operator=(const Helper&) = delete;
-    ~Helper();
-
-    /** Has it run commands, each of which must answer "0". */
-    void Do(std::initializer_list<std::string> commands);
-
-    /** The answer to a command. */
-    std::string Ask(const std::string& command);
-
-    /** Asks until the answer is `answer`. */
-    void AskUntil(const std::string& answer, const std::string& command);
-
-    /** The next event. */
-    std::string Event();
-
-    /** Its next events must be these, in this order. */
-    void Hears(std::initializer_list<std::string> events);
-
-    /** The next `count` events, sorted. */
-    std::vector<std::string> Events(size_t count);
-
-    /** Its next line; empty, and a failed test, if none comes. */
-    std::string ReadLine();
-
-    /** How many of "task" or "fd", its threads or descriptors, it has. */
-    size_t Count(const std::string& what) const;
-
-    void Signal(int signal) const;
-    void Kill();
-
-    /** Ends its input, at which it ends by itself. */
-    void EndInput() const;
-
-    /** Waits for its end. Its exit code, or -1 for a signal. */
-    int AwaitEnd();
-
-    pid_t Pid() const
+    /** Without a command, a fork. It gets `busAddress` as OHOS_BUS_ADDRESS; none where it is empty. */
+    Helper(const std::vector<std::string>& command, const std::string& busAddress)
     {
-        return pid_;
+        int ends[2];
+        const timeval patience{PATIENCE_S, 0};
+        if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0 ||
+            setsockopt(ends[0], SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience)) != 0) {
+            std::abort();
+        }
+        std::vector<char*> arguments(command.size() + 1);
+        std::transform(command.begin(), command.end(), arguments.begin(),
+            [](const std::string& argument) { return const_cast<char*>(argument.c_str()); });
+        std::fflush(nullptr);
+        pid_ = fork();
+        if (pid_ == 0) {
+            prctl(PR_SET_PDEATHSIG, SIGKILL);
+            dup2(ends[1], STDIN_FILENO);
+            dup2(ends[1], STDOUT_FILENO);
+            syscall(SYS_close_range, STDERR_FILENO + 1, ~0U, 0);
+            setenv("HILOG_LEVEL", "OFF", 1);
+            busAddress.empty() ? unsetenv("OHOS_BUS_ADDRESS") : setenv("OHOS_BUS_ADDRESS", busAddress.c_str(), 1);
+            if (command.empty()) {
+                Serve();
+            }
+            execvp(arguments[0], arguments.data());
+            _exit(127);
+        }
+        line_ = ends[0];
+        input_ = fdopen(line_, "r");
+        close(ends[1]);
     }
 
+    Helper(const Helper&) = delete;
+    Helper& operator=(const Helper&) = delete;
+
+    ~Helper()
+    {
+        if (pid_ >= 0) {
+            Kill();
+        }
+        std::fclose(input_);
+    }
+
+    /** Runs a lambda there, on the main thread, whose captures are plain bytes. Its result as text. */
+    template <typename F>
+    std::string Ask(F function)
+    {
+        Send(function, false);
+        std::string line;
+        while (!(line = ReadLine()).empty() && line[0] == '!') {
+            events_.push_back(line);
+        }
+        return line.substr(std::min<size_t>(line.size(), 2));
+    }
+
+    /** The same, which must give `answer`. */
+    template <typename F>
+    void Expect(const std::string& answer, F function)
+    {
+        EXPECT_EQ(Ask(function), answer);
+    }
+
+    /** Again and again, until it gives `answer`. */
+    template <typename F>
+    void Await(const std::string& answer, F function)
+    {
+        std::string last;
+        AwaitThat([&] { return (last = Ask(function)) == answer || std::feof(input_) != 0; });
+        EXPECT_EQ(last, answer);
+    }
+
+    /** Runs it on a thread of its own, which tells "done RESULT" in the end. */
+    template <typename F>
+    void Begin(F function)
+    {
+        Send(function, true);
+    }
+
+    /** In a helper: prints an event, which may come from any thread. */
+    static void Tell(const std::string& event) { Print("! " + event); }
+
+    /** The next event. */
+    std::string Event()
+    {
+        const std::string event = events_.empty() ? ReadLine() : events_.front();
+        events_.erase(events_.begin(), events_.begin() + (events_.empty() ? 0 : 1));
+        return event.substr(std::min<size_t>(event.size(), 2));
+    }
+
+    /** Its next events must be these, in this order. */
+    void Hears(std::initializer_list<std::string> events)
+    {
+        for (const std::string& event : events) {
+            EXPECT_EQ(Event(), event);
+        }
+    }
+
+    /** The next `count` events, sorted. */
+    std::vector<std::string> Events(size_t count)
+    {
+        std::vector<std::string> events(count);
+        std::generate(events.begin(), events.end(), [this] { return Event(); });
+        std::sort(events.begin(), events.end());
+        return events;
+    }
+
+    /** Its next line; empty, and a failed test, if none comes. */
+    std::string ReadLine()
+    {
+        std::string line;
+        int byte = 0;
+        while ((byte = std::fgetc(input_)) != EOF && byte != '\n') {
+            line += static_cast<char>(byte);
+        }
+        EXPECT_NE(byte, EOF) << "process " << pid_ << (std::feof(input_) != 0 ? " has ended" : " keeps silent");
+        return byte != EOF ? line : "";
+    }
+
+    /** How many of "task" or "fd", its threads or descriptors, it has. */
+    long Count(const char* what) const
+    {
+        const std::filesystem::directory_iterator all("/proc/" + std::to_string(pid_) + "/" + what);
+        return std::distance(begin(all), end(all));
+    }
+
+    /** Writes to a program's standard input. */
+    void Input(const std::string& text) const
+    {
+        EXPECT_EQ(send(line_, text.data(), text.size(), MSG_NOSIGNAL), static_cast<ssize_t>(text.size()));
+    }
+
+    /** Ends its input, at which a fork exits. */
+    void EndInput() const { shutdown(line_, SHUT_WR); }
+
+    void Signal(int signal) const
+    {
+        if (pid_ > 0) { // -1 is every process there is.
+            kill(pid_, signal);
+            if (signal == SIGSTOP) { // Some of its threads may run on a while.
+                waitid(P_PID, static_cast<id_t>(pid_), nullptr, WSTOPPED);
+            }
+        }
+    }
+
+    void Kill()
+    {
+        Signal(SIGKILL);
+        EXPECT_EQ(AwaitEnd(), -SIGKILL);
+    }
+
+    /** Waits for its end. Its exit code, or minus the number of the signal. */
+    int AwaitEnd()
+    {
+        siginfo_t info{};
+        const auto hasEnded = [&] {
+            return waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOHANG) != 0 || info.si_pid != 0;
+        };
+        if (!AwaitThat(hasEnded)) {
+            ADD_FAILURE() << "process " << pid_ << " does not end";
+            Signal(SIGKILL);
+            waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED);
+        }
+        pid_ = -1;
+        return info.si_code == CLD_EXITED ? info.si_status : -info.si_status;
+    }
+
+    pid_t Pid() const { return pid_; }
+
 private:
+    /** Functions are where they are here, and the captures are copied. */
+    struct Request {
+        std::string (*run)(const void* captures);
+        bool isBackground;
+        alignas(std::max_align_t) std::array<char, 64> captures;
+    };
+
+    static std::string Text(const std::string& text) { return text; }
+
+    static std::string Text(long number) { return std::to_string(number); }
+
+    // A line is one write, whatever other threads, or the child of a fork, have to say.
+    static void Print(const std::string& text)
+    {
+        const std::string line = text + "\n";
+        if (write(STDOUT_FILENO, line.data(), line.size()) != static_cast<ssize_t>(line.size())) {
+            _exit(1); // Nobody listens any more.
+        }
+    }
+
+    template <typename F>
+    void Send(const F& function, bool isBackground) const
+    {
+        static_assert(std::is_trivially_copyable_v<F> && sizeof(F) <= sizeof(Request::captures));
+        const auto run = [](const void* captures) -> std::string {
+            const F& copied = *static_cast<const F*>(captures);
+            if constexpr (std::is_void_v<std::invoke_result_t<F>>) {
+                copied();
+                return "";
+            } else {
+                return Text(copied());
+            }
+        };
+        Request request{run, isBackground, {}};
+        std::memcpy(request.captures.data(), &function, sizeof(F));
+        Input({reinterpret_cast<const char*>(&request), sizeof(request)});
+    }
+
+    [[noreturn]] static void Serve()
+    {
+        {
+            std::vector<std::future<void>> background; // Waits for all in the end.
+            Request request{};
+            while (recv(STDIN_FILENO, &request, sizeof(request), MSG_WAITALL) == sizeof(request)) {
+                const auto run = [request] { return request.run(request.captures.data()); };
+                if (request.isBackground) {
+                    background.push_back(std::async(std::launch::async, [run] { Tell("done " + run()); }));
+                } else {
+                    Print("= " + run());
+                }
+            }
+        }
+        std::exit(0);
+    }
+
     pid_t pid_ = -1;             // -1 once it has ended.
     int line_ = -1;              // To its standard input and output.
     std::FILE* input_ = nullptr; // What comes on the line, which it closes.
@@ -70,25 +283,64 @@ private:
 /** A test with a bus daemon, and a folder, of its own. The helpers that run to its end must end well. */
 class BusTest : public testing::Test {
 public:
-    /** Services may be had by `serviceUser` alone; by this process's user where it is empty. */
-    explicit BusTest(const std::string& serviceUser = "");
-    ~BusTest() override;
+    /** Services may be had by `serviceUser` alone. */
+    explicit BusTest(const std::string& serviceUser = getpwuid(getuid())->pw_name)
+    {
+        std::string path = "/tmp/ohos_bus_test.XXXXXX";
+        folder_ = mkdtemp(path.data());
+        busAddress_ = "unix:path=" + folder_ + "/bus";
+        std::ifstream file(BUS_CONFIGURATION);
+        std::string text{std::istreambuf_iterator<char>(file), {}};
+        for (const auto& [what, with] : {std::pair("@SERVICE_USER@", serviceUser), {"@SOCKET@", folder_ + "/bus"}}) {
+            text.replace(text.find(what), std::strlen(what), with);
+        }
+        std::ofstream(folder_ + "/bus.conf") << text;
+        StartDaemon();
+    }
+
+    ~BusTest() override
+    {
+        for (const Helper& helper : helpers_) {
+            helper.EndInput();
+        }
+        for (Helper& helper : helpers_) {
+            EXPECT_TRUE(helper.Pid() < 0 || helper.AwaitEnd() == 0) << "A helper did not end well.";
+        }
+        daemon_ = nullptr;
+        std::filesystem::remove_all(folder_);
+    }
 
 protected:
-    /** Starts a helper, and has it do some commands. */
-    Helper& Start(std::initializer_list<std::string> commands = {}, const std::string& program = "peer_process");
+    /** Forks a helper. */
+    Helper& Start() { return helpers_.emplace_back(std::vector<std::string>(), busAddress_); }
 
-    /** The launcher for helpers on a variant of the library. */
-    static std::vector<std::string> OnVariant(const std::string& variant);
+    /** The same, and has it do something. */
+    template <typename F>
+    Helper& Start(F function)
+    {
+        Helper& helper = Start();
+        helper.Ask(function);
+        return helper;
+    }
 
-    /** What starts one of the programs beside these tests. */
-    std::vector<std::string> CommandFor(const std::string& program) const;
+    /** At the same address as ever. */
+    void StartDaemon()
+    {
+        const std::string command =
+            "exec dbus-daemon --nofork --nopidfile --print-address=1 2>/dev/null --config-file=";
+        daemon_ = std::make_unique<Helper>(std::vector<std::string>{"sh", "-c", command + folder_ + "/bus.conf"}, "");
+        daemon_->ReadLine(); // Once it listens.
+    }
 
-    // For the helpers that are yet to be started.
-    std::string busAddress_;
-    std::vector<std::string> launcher_; // Goes before the program.
+    void KillDaemon()
+    {
+        daemon_ = nullptr;
+        std::filesystem::remove(folder_ + "/bus");
+    }
+
+    std::string folder_;     // Goes, with all in it.
+    std::string busAddress_; // For the helpers that are yet to be started.
     std::unique_ptr<Helper> daemon_;
-    std::string folder_; // Goes, with all in it.
 
 private:
     std::list<Helper> helpers_;

@@ -1,217 +1,301 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <csignal>
-#include <filesystem>
-#include <numeric>
-#include <utility>
+#include <sys/resource.h>
 
-#include "bus_test.h"
+#include <ctime>
+#include <new>
+
+#include "peer_test.h"
 
 namespace {
 
-using CallTest = BusTest;
+// The allocation from now on that fails, whichever thread asks for it; 0 for none. Not in a sanitizer's build.
+std::atomic<int> g_failingNew{0};
 
-std::string Identity(const Helper& helper)
+} // namespace
+
+// A program's own definitions come before those of its libraries, for calls between these too. A sanitizer has its own.
+// The compiler takes one that is inlined, and one that is not, for no pair.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+void* operator new(size_t size)
 {
-    return std::to_string(helper.Pid()) + "/" + std::to_string(getuid());
+    void* const memory = g_failingNew > 0 && --g_failingNew == 0 ? nullptr : std::malloc(size);
+    return memory != nullptr ? memory : throw std::bad_alloc();
+}
+
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+
+[[gnu::noinline]] void operator delete(void* memory, size_t /* size */) noexcept { std::free(memory); }
+
+#endif
+
+namespace {
+
+using CallTest = PeerTest;
+using Clock = std::chrono::steady_clock;
+
+std::string Identity(const Helper& helper) { return std::to_string(helper.Pid()) + "/" + std::to_string(getuid()); }
+
+// With 3 this process opens no more descriptors, with 0 it cannot even poll two.
+void LimitDescriptors(rlim_t limit)
+{
+    const rlimit limits{limit, 4096};
+    setrlimit(RLIMIT_NOFILE, &limits);
 }
 
 TEST_F(CallTest, ACallBringsBackTheAnswerOrTheError)
 {
-    Helper& service = Start({"serve 100"});
-    Helper& caller = Start({"find s 100"});
-    EXPECT_EQ(caller.Ask("call s echo hello"), "0 hello");
-    caller.Do({"size s 204800"}); // A parcel at its first capacity.
-    EXPECT_EQ(caller.Ask("size s 1048576"), "90");
+    Helper& service = Start([] { Serve(100); });
+    Helper& caller = Start([] { Find("s", 100); });
+    caller.Expect("0 hello", [] { return Call("s", ECHO, "hello"); });
+    for (const auto& [size, result] :
+        {std::make_pair(204787, "0 x"), {1048560, "90"}}) { // A parcel at first; too much.
+        caller.Expect(result, [size = size] { return Call("s", ECHO, std::string(size, 'x')).substr(0, 3); });
+    }
     const std::string other = Identity(caller);
-    EXPECT_EQ(caller.Ask("call s callback me"), "0 " + other + " 0 " + Identity(service) + " " + other);
-    EXPECT_EQ(caller.Ask("who"), other); // Nobody is calling any more.
-    EXPECT_EQ(service.Ask("who"), Identity(service));
-    EXPECT_EQ(caller.Ask("call s fail 7"), "7");
-    EXPECT_EQ(caller.Ask("call s fail -1"), "-1");
-    EXPECT_EQ(caller.Ask("call s unknown"), "305");
-    service.Do({"unserve 100"});
-    EXPECT_EQ(caller.Ask("call s echo hello"), "111");
+    caller.Expect("0 " + other + " 0 " + Identity(service) + " " + other, [] { return Call("s", CALL_BACK, "me"); });
+    caller.Expect(other, Who); // Nobody is calling any more.
+    caller.Expect("7", [] { return Call("s", FAIL, "7"); });
+    caller.Expect("-1", [] { return Call("s", FAIL, "-1"); });
+    caller.Expect("0 5", [] { return Call("s", FAIL_WITH_REPLY, "5"); }); // Contract: as on a device.
+    caller.Expect("305", [] { return Call("s", 99); });
+    caller.Expect("204", [] { return Call("s", 0x01000000); });
+    service.Expect("0", [] { return Unserve(100); });
+    caller.Expect("111", [] { return Call("s", ECHO); });
 }
 
 TEST_F(CallTest, AnObjectIsOnePointerHoweverItCame)
 {
-    Helper& service = Start({"serve 100", "make y"});
-    Helper& caller = Start({"find s 100", "find me 100", "make x"});
-    for (const auto& [command, answer] : std::initializer_list<std::pair<std::string, std::string>>{
-             {"take x", "0 remote"}, {"take x", "0 same"}, {"give x", "0 same"}, // It comes home.
-             {"give y", "0 other"}, {"give y", "0 same"}, {"take y", "0 same"},
-             {"give me", "0 same"}}) { // The service itself, found and handed over.
-        EXPECT_EQ(caller.Ask("call s " + command), answer) << command;
-    }
-    EXPECT_EQ(service.Ask("call y echo hello"), "0 hello");
+    Helper& service = Start([] { Serve(100), Make("y"); });
+    Helper& caller = Start([] { Find("s", 100), Find("me", 100), Make("x"); });
+    caller.Expect("0 remote", [] { return Call("s", TAKE, "x"); });
+    caller.Expect("0 same", [] { return Call("s", TAKE, "x"); });
+    caller.Expect("0 same", [] { return Call("s", GIVE, "x"); }); // It comes home.
+    caller.Expect("0 other", [] { return Call("s", GIVE, "y"); });
+    caller.Expect("0 same", [] { return Call("s", GIVE, "y"); });
+    caller.Expect("0 same", [] { return Call("s", TAKE, "y"); });
+    caller.Expect("0 same", [] { return Call("s", GIVE, "me"); }); // The service itself, found and handed over.
+    service.Expect("0 hello", [] { return Call("y", ECHO, "hello"); });
 }
 
 TEST_F(CallTest, AnObjectLivesAsLongAsAPeerHoldsIt)
 {
-    Helper& service = Start({"serve 100"});
-    Helper& caller = Start({"find s 100"});
+    Helper& service = Start([] { Serve(100); });
+    Helper& caller = Start([] { Find("s", 100); });
     const auto handOver = [&] {
-        caller.Do({"make x"});
-        EXPECT_EQ(caller.Ask("call s take x"), "0 remote");
-        EXPECT_EQ(caller.Ask("call s take x"), "0 same");
-        caller.Do({"drop x"});
-        EXPECT_EQ(caller.Ask("alive"), "2");
+        caller.Ask([] { Make("x"); });
+        caller.Expect("0 remote", [] { return Call("s", TAKE, "x"); });
+        caller.Expect("0 same", [] { return Call("s", TAKE, "x"); });
+        caller.Ask([] { Drop("x"); });
+        caller.Expect("1", Alive);
     };
     handOver();
-    service.Do({"drop x"}); // Told by the bus.
-    caller.AskUntil("1", "alive");
+    service.Ask([] { Drop("x"); });
+    caller.Await("0", Alive);
     handOver();
-    EXPECT_EQ(service.Ask("send x 1"), "1 then 0"); // Behind which its release is told.
-    service.Do({"drop x"});
+    service.Expect("1 then 0", [] { return Send("x", 1); }); // Before its release.
+    service.Ask([] { Drop("x"); });
     caller.Hears({"x 0"});
-    caller.AskUntil("1", "alive");
+    caller.Await("0", Alive);
     handOver();
     service.Kill();
-    caller.AskUntil("1", "alive");
+    caller.Await("0", Alive);
+}
+
+// What comes home in a reply is held nowhere else, as its last proxy there went while the reply was on its way.
+TEST_F(CallTest, AnObjectComesHomeThoughItIsReleasedMeanwhile)
+{
+    Start([] { Serve(100); });
+    Helper& caller = Start([] { Find("s", 100), Make("x"); });
+    for (int i = 0; i < 300; ++i) {
+        caller.Expect("0 remote", [] { return Call("s", TAKE, "x"); });
+        caller.Begin([] { return Call("s", GIVE, "x"); });
+        caller.Expect("0", [] { return Call("s", DROP, "x"); });
+        const std::string given = caller.Event();
+        ASSERT_TRUE(given == "done 0 same" || given == "done 22") << given;
+    }
 }
 
 TEST_F(CallTest, AnObjectIsHandedOnByItsOwnerOnly)
 {
-    Start({"serve 100", "make x"});
-    Helper& middle = Start({"serve 200", "find s 100"});
-    Helper& caller = Start({"find s 100", "find m 200"});
-    EXPECT_EQ(middle.Ask("call s give x"), "0 other");
-    EXPECT_EQ(caller.Ask("call m take s"), "125");
-    EXPECT_EQ(caller.Ask("call m give x"), "22"); // It could not be written into the reply.
-    EXPECT_EQ(middle.Ask("call x echo hello"), "0 hello");
+    Start([] { Serve(100), Make("x"); });
+    Helper& middle = Start([] { Serve(200), Find("s", 100), Call("s", GIVE, "x"); });
+    Helper& caller = Start([] { Find("s", 100), Find("m", 200); });
+    caller.Expect("125", [] { return Call("m", TAKE, "s"); });
+    caller.Expect("125", [] { return Call("m", GIVE, "x"); });
+    middle.Expect("0 hello", [] { return Call("x", ECHO, "hello"); });
 }
 
-TEST_F(CallTest, ACallReturnsWhenThePeerIsKilledBeforeItConnects)
+TEST_F(CallTest, ACallToAStoppedProcessEndsWithItsWaitOrWithTheProcess)
 {
-    Helper& service = Start({"serve 100"});
-    Helper& caller = Start({"find s 100", "patience 600"});
+    Helper& service = Start([] { Serve(100); });
+    Helper& caller = Start([] { Find("s", 100), SetWait(2); });
     service.Signal(SIGSTOP);
-    caller.Do({"background call s echo hello", "find s 100"});
+    for (const bool isConnected : {false, true}) {
+        const auto begin = Clock::now();
+        caller.Expect("110", [] { return Call("s", ECHO); });
+        EXPECT_GE(Clock::now() - begin, std::chrono::milliseconds(1900)) << isConnected;
+        EXPECT_LT(Clock::now() - begin, std::chrono::milliseconds(3900)) << isConnected; // Not twice its wait.
+        service.Signal(SIGCONT);
+        caller.Expect("0 0 wrong, 0 failed", [] { return "0 " + Hammer("s", 2, 100); }); // The late reply is nobody's.
+        caller.Hears({"begun"});
+        service.Signal(SIGSTOP);
+    }
+    caller.Ask([] { SetWait(600); });
+    caller.Begin([] { return Call("s", ECHO); });
     service.Kill();
     caller.Hears({"done 32"});
 }
 
-TEST_F(CallTest, ManyThreadsShareOneProxyAndHandObjectsOver)
-{
-    Helper& service = Start({"serve 100"});
-    Helper& caller = Start({"find s 100"});
-    EXPECT_EQ(caller.Ask("hammer s 100 2"), "0 wrong, 0 failed"); // All connect at once.
-    EXPECT_EQ(caller.Ask("hammer s 48 20"), "0 wrong, 0 failed");
-    caller.AskUntil("1", "alive");
-    EXPECT_EQ(service.Ask("alive"), "1");
-}
-
 TEST_F(CallTest, CallsBeyondThePeersConnectionsWaitForOne)
 {
-    Helper& service = Start({"serve 100", "hold"});
-    Helper& caller = Start({"find s 100"});
+    Helper& service = Start([] { Serve(100), Hold(); });
+    Helper& caller = Start([] { Find("s", 100), SetWait(600); });
     for (int i = 0; i < 40; ++i) {
-        ASSERT_EQ(caller.Ask("background call s wait long"), "0");
+        caller.Begin([] { return Call("s", WAIT, "long"); });
     }
     EXPECT_EQ(service.Events(31), std::vector<std::string>(31, "waiting"));
-    service.Do({"release"});
+    service.Ask(Release);
     EXPECT_EQ(caller.Events(40), std::vector<std::string>(40, "done 0 long"));
+    caller.Expect("0 wrong, 0 failed", [] { return Hammer("s", 100, 10); }); // With objects, in both directions.
+    caller.Await("1", Alive);
+    service.Await("1", Alive);
 }
 
 TEST_F(CallTest, ASlowReceiverHoldsNobodyUpAndGetsInOrderWhatWasTaken)
 {
-    Helper& service = Start({"serve 100", "make x"});
-    Helper& caller = Start({"find s 100"});
-    EXPECT_EQ(caller.Ask("call s give x"), "0 other");
-    service.Do({"drop x"});
+    Helper& service = Start([] { Serve(100), Make("x"); });
+    Helper& caller = Start([] { Find("s", 100), Call("s", GIVE, "x"); });
+    service.Ask([] { Drop("x"); });
     std::vector<int> taken;
-    for (const char* reader :
-        {"hold", "hold", "hold", "hold", "release", "hold", "release", "release", "hold", "hold"}) {
-        service.Do({reader});
-        const std::string sent = caller.Ask("send s 1000"); // Each is taken, or refused and not sent again.
+    for (const bool isHeld : {true, true, true, false, true, false, true, true}) {
+        service.Ask([isHeld] { isHeld ? Hold() : Release(); });
+        const std::string sent = caller.Ask([] { return Send("s", 1000); }); // Each is taken, or refused for good.
         EXPECT_TRUE(sent == "1000 then 0" || sent.substr(sent.find(' ')) == " then 105") << sent;
         taken.push_back(std::stoi(sent));
     }
-    EXPECT_LT(std::accumulate(taken.begin(), taken.end(), 0), 10000); // Some were too many.
-    EXPECT_EQ(caller.Ask("call s echo hello"), "0 hello");
-    caller.Do({"drop x"}); // Its release has to wait.
-    service.Do({"release"});
+    EXPECT_LT(taken[2], 1000);
+    caller.Expect("0 hello", [] { return Call("s", ECHO, "hello"); });
+    caller.Ask([] { Drop("x"); }); // Its release has to wait.
+    service.Ask(Release);
     for (const int count : taken) {
         for (int i = 0; i < count; ++i) {
             ASSERT_EQ(service.Event(), "me " + std::to_string(i));
         }
     }
-    service.AskUntil("1", "alive");
-    EXPECT_EQ(caller.Ask("send s 1"), "1 then 0");
+    caller.Expect("1 then 0", [] { return Send("s", 1); });
     service.Hears({"me 0"});
+    service.Await("1", Alive);
 }
 
 TEST_F(CallTest, NothingWorksInTheChildOfAForkAndAllGoesOnInTheParent)
 {
-    Helper& service = Start({"serve 100"});
-    Helper& caller = Start({"serve 200", "find s 100", "mourn s"});
-    service.Do({"find c 200"});
-    EXPECT_EQ(service.Ask("call c echo hello"), "0 hello");
-    EXPECT_EQ(caller.Ask("call s echo hello"), "0 hello");
-    service.Do({"fork c"});
-    service.Hears({"child: no manager, 32, 32"});
-    EXPECT_EQ(service.Ask("call c echo hello"), "0 hello");
-    EXPECT_EQ(caller.Ask("call s echo hello"), "0 hello");
+    Helper& service = Start([] { Serve(100); });
+    Helper& caller = Start([] { Serve(200), Find("s", 100), Mourn("s"); });
+    service.Ask([] { Find("c", 200), Call("c", ECHO); });
+    caller.Ask([] { Call("s", ECHO); });
+    service.Ask([] {
+        if (fork() == 0) {
+            Helper::Tell("child: " + Find("c", 200) + ", " + Call("c", ECHO) + ", " + Send("c", 1));
+            pollfd wait{STDIN_FILENO, 0, 0}; // Stays as long as there is somebody to stay for.
+            poll(&wait, 1, -1);
+            _exit(0);
+        }
+    });
+    service.Hears({"child: no manager, 32, 0 then 32"});
+    service.Expect("0", [] { return Call("c", ECHO); });
+    caller.Expect("0", [] { return Call("s", ECHO); });
     service.Kill(); // The child lives on.
     caller.Hears({"dead s"});
-    EXPECT_EQ(caller.Ask("call s echo hello"), "32");
+    caller.Expect("32", [] { return Call("s", ECHO); });
 }
 
 TEST_F(CallTest, WithoutADescriptorAConnectionFailsAndNothingElse)
 {
-    Helper& service = Start({"serve 100"});
-    Start({"serve 200"});
-    Helper& caller = Start({"find s 100", "find other 200"});
-    EXPECT_EQ(caller.Ask("call other echo hello"), "0 hello");
-    caller.Do({"exhaust"});
-    EXPECT_EQ(caller.Ask("call s echo hello"), "24");
-    EXPECT_EQ(caller.Ask("send s 1"), "0 then 24");
-    caller.Do({"find s 100", "restore"});
-    EXPECT_EQ(caller.Ask("call s echo hello"), "0 hello");
-    caller.Do({"exhaust"});
-    EXPECT_EQ(caller.Ask("call s echo hello"), "0 hello"); // There is a connection now.
-    caller.Do({"restore"});
-    service.Do({"exhaust"});
-    Helper& stranger = Start({"find s 100"});
-    EXPECT_EQ(stranger.Ask("call s echo hello"), "111");
-    service.Do({"restore"});
-    EXPECT_EQ(stranger.Ask("call s echo hello"), "0 hello");
+    Helper& service = Start([] { Serve(100); });
+    Start([] { Serve(200); });
+    Helper& caller = Start([] { Find("s", 100), Find("other", 200), Call("other", ECHO), LimitDescriptors(3); });
+    caller.Expect("24", [] { return Call("s", ECHO); });
+    caller.Expect("0 then 24", [] { return Send("s", 1); });
+    caller.Expect("0", [] { return Find("s", 100); }); // The bus needs none.
+    caller.Expect("0 hello", [] { return Call("other", ECHO, "hello"); });
+    caller.Ask([] { LimitDescriptors(4096); });
+    caller.Expect("0 hello", [] { return Call("s", ECHO, "hello"); });
+    Helper& passing = Start([] { Find("s", 100), Make("x"), Call("s", TAKE, "x"); });
+    service.Ask([] { Mourn("x"), LimitDescriptors(0); });
+    passing.Kill();
+    service.Hears({"dead x"}); // News still comes.
+    Helper& late = Start([] { Find("s", 100), SetWait(600); });
+    late.Begin([] { return Call("s", ECHO, "late"); });
+    caller.Expect("0 hello", [] { return Call("s", ECHO, "hello"); });
+    service.Expect("0", [] { // Of half a second, which no thread spins through.
+        const std::clock_t before = std::clock();
+        usleep(500'000);
+        return std::clock() - before > CLOCKS_PER_SEC / 4;
+    });
+    service.Ask([] { LimitDescriptors(4096); });
+    late.Hears({"done 0 late"});
+    service.Expect("0", [] { return Find("s", 100); });
+}
+
+TEST_F(CallTest, AFailedAllocationEndsTheProcessOrLeavesEverythingWorking)
+{
+    Start([] { Serve(100); });
+    for (int nth = 1; nth <= 24; ++nth) {
+        Helper caller({}, busAddress_);
+        caller.Ask([] { Make("x"), close(STDERR_FILENO); });
+        caller.Begin([nth] {
+            g_failingNew = nth;
+            try {
+                Find("s", 100);
+                Call("s", TAKE, "x");
+            } catch (const std::bad_alloc&) { // The caller's own affair.
+            }
+            g_failingNew = 0;
+            Find("s", 100);
+            return Call("s", ECHO, "hello");
+        });
+        caller.EndInput();
+        const int end = caller.AwaitEnd();
+        EXPECT_TRUE(end == -SIGABRT || (end == 0 && caller.Event() == "done 0 hello")) << nth << ": " << end;
+    }
 }
 
 TEST_F(CallTest, StandardErrorStaysFreeWhereItIsClosed)
 {
-    launcher_ = {"sh", "-c", R"(exec env "$0" "$@" 2>&-)", launcher_.at(1)};
-    Helper& service = Start({"serve 100"});
-    EXPECT_EQ(Start({"find s 100"}).Ask("call s callback me").substr(0, 2), "0 ");
+    Helper& service = Start([] { close(STDERR_FILENO), Serve(100); });
+    Start([] { Find("s", 100); }).Expect("0", [] { return Call("s", CALL_BACK, "me").substr(0, 1); });
     EXPECT_FALSE(std::filesystem::exists("/proc/" + std::to_string(service.Pid()) + "/fd/2")); // Logs go there.
 }
 
-TEST_F(CallTest, AReplyThatComesTooLateIsNobodys)
+TEST_F(CallTest, AnExitIsCleanWhoeverHasLoadedTheLibrary)
 {
-    Helper& service = Start({"serve 100", "hold"});
-    Helper& caller = Start({"find s 100", "patience 1"});
-    EXPECT_EQ(caller.Ask("call s wait first"), "110");
-    service.Hears({"waiting"});
-    service.Do({"release"});
-    caller.Do({"patience 8"});
-    EXPECT_EQ(caller.Ask("hammer s 2 100"), "0 wrong, 0 failed");
+    Helper& caller = Start();
+    for (int i = 0; i < 5; ++i) {
+        Helper loader({LOADER, LOADED_MODULE}, busAddress_);
+        caller.Await("0", [] { return Find("s", 100); });
+        caller.Begin([] { // Until the very end.
+            while (Call("s", EVENT) == "0") {
+            }
+            return "";
+        });
+        caller.Await("0", [] { return Call("s", EVENT); });
+        loader.EndInput();
+        EXPECT_EQ(loader.AwaitEnd(), 0);
+        caller.Hears({"done "});
+    }
 }
 
-TEST_F(CallTest, AConnectionThatComesTooLateAndFindsNoDescriptorDoesNoHarm)
+TEST_F(CallTest, ACrashInAHandlerIsForTheProgramsOwnHandler)
 {
-    Helper& service = Start({"serve 100"});
-    Helper& caller = Start({"find s 100", "patience 1", "watch 100"});
-    caller.Hears({"up 100"});
-    service.Signal(SIGSTOP);
-    EXPECT_EQ(caller.Ask("call s echo hello"), "110");
-    caller.Do({"exhaust"});
-    service.Signal(SIGCONT);
-    service.Do({"unserve 100"});
-    caller.Hears({"down 100"});
-    service.Do({"serve 100"});
-    caller.Hears({"up 100"}); // The bus is still there.
-    caller.Do({"restore"});
-    EXPECT_EQ(caller.Ask("call s echo hello"), "0 hello");
+    Helper& caller = Start();
+    for (const int crash : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS}) {
+        Helper service({}, busAddress_);
+        service.Ask([crash] { std::signal(crash, [](int number) { _exit(number); }), Serve(100); });
+        caller.Await("0", [] { return Find("s", 100); });
+        caller.Expect("32", [crash] { return Call("s", CRASH, std::to_string(crash)); });
+        EXPECT_EQ(service.AwaitEnd(), crash);
+    }
 }
 
 } // namespace

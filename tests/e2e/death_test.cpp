@@ -1,114 +1,108 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "bus_test.h"
+#include "peer_test.h"
 
 namespace {
 
-using DeathTest = BusTest;
+/** A service, and a caller that watches it and whose object "x" it has. */
+class DeathTest : public PeerTest {
+protected:
+    DeathTest() { caller_.Hears({"up 100"}); }
+
+    // The events that are numbered from 0 on.
+    static void ExpectEvents(Helper& helper, const std::string& object, int count)
+    {
+        for (int i = 0; i < count; ++i) {
+            ASSERT_EQ(helper.Event(), object + " " + std::to_string(i));
+        }
+    }
+
+    Helper& service_ = Start([] { Serve(100); });
+    Helper& caller_ = Start([] { Find("s", 100), Watch(100), Make("x"), Call("s", TAKE, "x"); });
+};
 
 TEST_F(DeathTest, EveryRecipientHearsOfItAsOftenAsItWasAdded)
 {
-    Helper& service = Start({"serve 100", "make x"});
-    Helper& caller = Start({"find s 100", "mourn s", "mourn s", "mourn s", "unmourn s"});
-    EXPECT_EQ(caller.Ask("call s give x"), "0 other");
-    caller.Do({"mourn x", "unmourn x"});
-    EXPECT_EQ(caller.Ask("unmourn x"), "refused");
-    caller.Do({"mourn x"});
-    EXPECT_EQ(caller.Ask("dead s"), "no");
-    service.Kill();
-    EXPECT_EQ(caller.Events(3), (std::vector<std::string>{"dead s", "dead s", "dead x"}));
-    EXPECT_EQ(caller.Ask("mourn s"), "refused");
-    EXPECT_EQ(caller.Ask("unmourn s"), "refused");
-    EXPECT_EQ(caller.Ask("call s echo hello"), "32");
-    EXPECT_EQ(caller.Ask("send s 1"), "0 then 32");
-    EXPECT_EQ(caller.Ask("find s 100"), "null");
+    service_.Ask([] { Make("y"), Hold(); });
+    caller_.Ask([] { Mourn("s"), Mourn("s"), Mourn("s"), Unmourn("s"); });
+    caller_.Expect("0 other", [] { return Call("s", GIVE, "y"); });
+    caller_.Expect("1", [] { return Mourn("y"); });
+    caller_.Expect("1", [] { return Unmourn("y"); });
+    caller_.Expect("0", [] { return Unmourn("y"); });
+    caller_.Expect("1", [] { return Mourn("y"); });
+    caller_.Expect("0", [] { return IsDead("s"); });
+    caller_.Begin([] { return Call("s", WAIT); });
+    service_.Hears({"waiting"});
+    service_.Kill();
+    EXPECT_EQ(caller_.Events(5), (std::vector<std::string>{"dead s", "dead s", "dead y", "done 32", "down 100"}));
+    caller_.Expect("0", [] { return Mourn("s"); });
+    caller_.Expect("0", [] { return Unmourn("s"); });
+    caller_.Expect("0 then 32", [] { return Send("s", 1); });
+    caller_.Expect("null", [] { return Find("s", 100); });
 }
 
 TEST_F(DeathTest, LastEventsComeBeforeTheNewsOfADeathAndOfASuccessor)
 {
-    Helper& service = Start({"serve 100"});
     Helper& successor = Start();
-    Helper& caller = Start({"find s 100", "watch 100", "mourn s", "make x"});
-    Helper& other = Start({"find s 100", "make y"});
-    caller.Hears({"up 100"});
-    EXPECT_EQ(caller.Ask("call s take x"), "0 remote");
-    EXPECT_EQ(other.Ask("call s take y"), "0 remote");
-    const auto dieUnheard = [](Helper& sender, const std::string& events, Helper& receiver, const std::string& name) {
-        receiver.Do({"hold"});
-        EXPECT_EQ(sender.Ask(events), "50 then 0");
-        sender.Kill();
-        receiver.AskUntil("yes", "dead " + name);
-    };
-    const auto hearAll = [](Helper& receiver, const std::string& object) {
-        receiver.Do({"release"});
-        for (int i = 0; i < 50; ++i) {
-            ASSERT_EQ(receiver.Event(), object + " " + std::to_string(i));
-        }
-    };
-    service.Do({"mourn y"});
-    dieUnheard(other, "send s 50", service, "y");
-    hearAll(service, "me");
-    service.Hears({"dead y"});
-    dieUnheard(service, "send x 50", caller, "s");
-    EXPECT_EQ(caller.Ask("call s echo hello"), "32"); // Calls do not wait for that.
-    successor.AskUntil("0", "serve 100");
-    hearAll(caller, "x");
-    caller.Hears({"dead s", "down 100", "up 100"});
+    caller_.Ask([] { Mourn("s"), Hold(); });
+    service_.Expect("50 then 0", [] { return Send("x", 50); });
+    service_.Kill();
+    caller_.Await("1", [] { return IsDead("s"); });
+    caller_.Expect("32", [] { return Call("s", ECHO); }); // Calls do not wait for that.
+    successor.Await("0", [] { return Serve(100); });
+    caller_.Ask(Release);
+    ExpectEvents(caller_, "x", 50);
+    caller_.Hears({"dead s", "down 100", "up 100"});
 }
 
-TEST_F(DeathTest, TheNewsOfADeathDoesNotWaitForeverForAReaderOfLastEvents)
+TEST_F(DeathTest, LastEventsOfAServiceThatEndsCleanlyComeBeforeTheNewsOfItsEnd)
 {
-    Helper& service = Start({"serve 100"});
-    Helper& caller = Start({"find s 100", "mourn s", "watch 100", "make x"});
-    caller.Hears({"up 100"});
-    EXPECT_EQ(caller.Ask("call s take x"), "0 remote");
-    caller.Do({"hold"});
-    EXPECT_EQ(service.Ask("send x 2"), "2 then 0");
-    service.Kill();
-    caller.Hears({"dead s", "down 100"});
-    caller.Do({"release"});
-    caller.Hears({"x 0"}); // It was under way. The other one is dropped.
-    caller.Do({"drop x"});
-    caller.AskUntil("1", "alive");
-    EXPECT_EQ(caller.Ask("send me 1"), "1 then 0");
-    caller.Hears({"me 0"});
+    for (int i = 0; i < 5; ++i) { // The process lives on, and its connections with it.
+        caller_.Ask(Hold);
+        service_.Expect("50 then 0", [] { return Send("x", 50); });
+        service_.Ask([] { Unserve(100), Serve(100); });
+        caller_.Ask(Release);
+        ExpectEvents(caller_, "x", 50);
+        caller_.Hears({"down 100", "up 100"});
+    }
+    service_.Expect("1 then 0", [] { return Send("x", 1); });
+    caller_.Hears({"x 0"});
+    caller_.Await("0", [] { return Find("s", 100); });
+    caller_.Expect("0 hello", [] { return Call("s", ECHO, "hello"); });
+    service_.Expect("0 hello", [] { return Call("x", ECHO, "hello"); });
 }
 
-TEST_F(DeathTest, DeathsWhoseLastWordsTakeTooLongAreAllTold)
+TEST_F(DeathTest, TheNewsOfAnEndDoesNotWaitForeverForAReaderOfLastEvents)
 {
-    Helper& service = Start({"serve 100", "hold"});
-    Helper* dying[] = {&Start({"find s 100", "make a"}), &Start({"find s 100", "make b"})};
-    EXPECT_EQ(dying[0]->Ask("call s take a"), "0 remote");
-    EXPECT_EQ(dying[1]->Ask("call s take b"), "0 remote");
-    service.Do({"mourn a", "mourn b"});
-    for (Helper* caller : dying) {
-        caller->Do({"background call s wait long"});
-        service.Hears({"waiting"}); // Is being served, and stays so.
-    }
-    for (Helper* caller : dying) {
-        caller->Kill();
-    }
-    EXPECT_EQ(service.Events(2), (std::vector<std::string>{"dead a", "dead b"}));
-    service.Do({"release"});
+    caller_.Ask([] { Mourn("s"), Hold(); });
+    service_.Expect("2 then 0", [] { return Send("x", 2); });
+    service_.Kill();
+    caller_.Hears({"dead s", "down 100"});
+    caller_.Ask(Release);
+    caller_.Hears({"x 0"}); // It was under way. The other one is dropped.
+    caller_.Ask([] { Drop("x"); });
+    caller_.Await("0", Alive);
+
+    Helper& next = Start([] { Serve(100); });
+    caller_.Hears({"up 100"});
+    caller_.Ask([] { Find("s", 100), Make("x"), Call("s", TAKE, "x"), Hold(); });
+    next.Expect("2 then 0", [] { return Send("x", 2); });
+    next.Expect("0", [] { return Unserve(100); });
+    caller_.Hears({"down 100"});
+    caller_.Ask(Release);
+    caller_.Hears({"x 0"});
+    next.Expect("1 then 0", [] { return Send("x", 1); }); // On a new connection.
+    caller_.Hears({"x 0"});
 }
 
-TEST_F(DeathTest, WithoutTheBusEverybodyIsDeadForGood)
+TEST_F(DeathTest, ARefusedConnectionProvesADeath)
 {
-    Helper& service = Start({"serve 100", "watch 100"});
-    Helper& caller = Start({"find s 100", "mourn s", "watch 100"});
-    EXPECT_EQ(caller.Ask("call s echo hello"), "0 hello");
-    caller.Hears({"up 100"});
-    service.Hears({"up 100"});
-    service.Do({"hold"});
-    caller.Do({"background call s wait long"});
-    service.Hears({"waiting"});
-    daemon_->Kill();
-    EXPECT_EQ(caller.Events(3), (std::vector<std::string>{"dead s", "done 32", "down 100"}));
-    service.Hears({"down 100"});
-    service.Do({"release"});
-    for (Helper* helper : {&service, &caller}) {
-        EXPECT_EQ(helper->Ask("find s 100"), "no manager");
-    }
-    EXPECT_EQ(caller.Ask("call s echo hello"), "32");
+    Helper& other = Start([] { Find("s", 100), Mourn("s"); }); // Has yet to connect.
+    daemon_->Signal(SIGSTOP);                                  // So that it brings no news.
+    service_.Kill();
+    other.Expect("32", [] { return Call("s", ECHO); });
+    other.Expect("1", [] { return IsDead("s"); });
+    other.Hears({"dead s"});
+    daemon_->Signal(SIGCONT);
 }
 
 } // namespace

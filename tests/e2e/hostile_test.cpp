@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <algorithm>
-#include <cerrno>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <utility>
+// What a process can do that keeps to no rule. It is the test's own: it uses nothing of the platform.
+#include <sys/un.h>
+#include <systemd/sd-bus.h>
 
-#include "bus_test.h"
+#include <random>
+#include <tuple>
+
+#include "peer_test.h"
 
 namespace {
+
+using Packet = std::vector<uint32_t>;
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool IS_SANITIZED = true;
@@ -17,245 +18,557 @@ constexpr bool IS_SANITIZED = true;
 constexpr bool IS_SANITIZED = false;
 #endif
 
+constexpr const char* VICTIM = "ohos.sa.SA66090";
+constexpr uint32_t CALL = 1;
+constexpr uint32_t REPLY = 2;
+constexpr uint32_t MAX_SIZE = 1 << 20;
+const Packet TEXT{1, 'x'};
+
 // Of how many times an attack consists: more with HOSTILE_FACTOR, as in `./dev soak`.
-std::string Times(int count)
+int Times(int count)
 {
     const char* factor = std::getenv("HOSTILE_FACTOR");
-    return std::to_string(count * (factor != nullptr ? std::atoi(factor) : 1) / (IS_SANITIZED ? 10 : 1));
+    return count * (factor != nullptr ? std::atoi(factor) : 1) / (IS_SANITIZED ? 10 : 1);
 }
 
-// Gives service 66090 an object of the sender's, by the name of x.
-const std::string& OFFER =
-    *new std::string("raw 01000000 04000000 00000000 01000000 2a020100 00000000 20000000 00000000 "
-                     "00000000 08000000 07000000 00000000 01000000 78000000 " +
-                     std::string(48, '0'));
-constexpr const char* TAKEN = "02000000 00000000 00000000 00000000 00000000 00000000 0c000000 00000000 "
-                              "06000000 72656d6f 74650000";
+// Header, handles (four numbers each) and data of a message, whose sizes are filled in.
+Packet Message(
+    uint32_t kind, uint32_t code, uint32_t number, const Packet& handles, const Packet& data, uint32_t flags = 0)
+{
+    Packet packet{kind, code, flags, static_cast<uint32_t>(handles.size() / 4), kind == CALL ? 66090U : 0U, 0,
+        static_cast<uint32_t>(data.size() * 4), number};
+    packet.insert(packet.end(), handles.begin(), handles.end());
+    packet.insert(packet.end(), data.begin(), data.end());
+    return packet;
+}
+
+// The handles of so many objects of the sender's, or (owner 1) of the receiver's, of which there are none.
+Packet InventHandles(uint32_t count, uint32_t owner, uint32_t id, Packet& data)
+{
+    Packet handles;
+    for (uint32_t i = 0; i < count; ++i) {
+        handles.insert(handles.end(), {owner, static_cast<uint32_t>(data.size() * 4), id + i, 1});
+        data.resize(data.size() + 6);
+    }
+    return handles;
+}
+
+// Sends `size` bytes of a packet, with a descriptor if it is said to. False if there is no connection any more.
+bool SendPart(int fd, const Packet& packet, size_t size, bool withDescriptor)
+{
+    iovec part{const_cast<uint32_t*>(packet.data()), size};
+    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int))> control{};
+    msghdr message{nullptr, 0, &part, 1, control.data(), withDescriptor ? control.size() : 0, 0};
+    const cmsghdr rights{CMSG_LEN(sizeof(int)), SOL_SOCKET, SCM_RIGHTS}; // Of descriptor 0.
+    std::memcpy(control.data(), &rights, sizeof(rights));
+    return sendmsg(fd, &message, MSG_NOSIGNAL | MSG_DONTWAIT) >= 0;
+}
+
+bool SendPacket(int fd, const Packet& packet) { return SendPart(fd, packet, packet.size() * 4, false); }
+
+// What comes next; nothing where the connection has ended.
+Packet Receive(int fd)
+{
+    Packet packet(256);
+    ssize_t size = recv(fd, packet.data(), packet.size() * 4, 0);
+    if (size < 0) { // A reset comes before what was said last.
+        size = recv(fd, packet.data(), packet.size() * 4, 0);
+    }
+    packet.resize(static_cast<size_t>(std::max<ssize_t>(size, 0)) / 4);
+    return packet;
+}
+
+// Whether a call on a connection is answered, and well.
+bool IsServed(int fd)
+{
+    SendPacket(fd, Message(CALL, PeerTest::ECHO, 1, {}, TEXT));
+    const Packet reply = Receive(fd);
+    return reply.size() > 1 && reply[1] == 0;
+}
+
+/** One that is on the bus as long as it lives, under a name of its own. */
+class Stranger {
+public:
+    /** `isListening`: others find it. */
+    explicit Stranger(const std::string& busAddress, bool isListening = true)
+    {
+        const char* name = nullptr;
+        sd_id128_t id{};
+        std::array<char, SD_ID128_STRING_MAX> text{};
+        sd_bus_new(&bus_);
+        sd_bus_set_address(bus_, busAddress.c_str());
+        sd_bus_set_bus_client(bus_, 1);
+        if (sd_bus_start(bus_) < 0 || sd_bus_get_unique_name(bus_, &name) < 0 || sd_bus_get_bus_id(bus_, &id) < 0) {
+            std::abort();
+        }
+        name_ = name;
+        id_ = sd_id128_to_string(id, text.data());
+        listening_ = isListening ? Socket(name_, getpid(), true) : -1;
+    }
+
+    Stranger(const Stranger&) = delete;
+    Stranger& operator=(const Stranger&) = delete;
+
+    ~Stranger()
+    {
+        StopListening();
+        std::for_each(connections_.begin(), connections_.end(), close);
+        sd_bus_close_unref(bus_);
+    }
+
+    /** Leaves its address to others. */
+    void StopListening() { close(std::exchange(listening_, -1)); }
+
+    /** A socket that is bound to where others find the process of that pid under that name, or connected to it. */
+    int Socket(const std::string& name, pid_t pid, bool isListening) const
+    {
+        const std::string path = '\0' + ("ohos.ipc/" + id_ + "/" + name + "/" + std::to_string(pid));
+        sockaddr_un address{AF_UNIX, {}};
+        path.copy(address.sun_path, sizeof(address.sun_path));
+        const auto* const generic = reinterpret_cast<const sockaddr*>(&address);
+        const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + path.size());
+        const int fd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
+        const timeval patience{PATIENCE_S, 0};
+        const int buffer = 1 << 21;
+        setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience));
+        setsockopt(fd, SOL_SOCKET, SO_SNDBUF, &buffer, sizeof(buffer));
+        isListening ? bind(fd, generic, size) + listen(fd, 0) : connect(fd, generic, size);
+        return fd;
+    }
+
+    /** A connection to the service, on which it has said `name`, by default its own. It is closed in the end. */
+    int Connect(const std::string& name = "")
+    {
+        sd_bus_creds* owner = nullptr;
+        const char* victim = "";
+        pid_t pid = 0;
+        sd_bus_get_name_creds(bus_, VICTIM, SD_BUS_CREDS_PID | SD_BUS_CREDS_UNIQUE_NAME, &owner);
+        sd_bus_creds_get_pid(owner, &pid);
+        sd_bus_creds_get_unique_name(owner, &victim);
+        connections_.push_back(Socket(victim, pid, false));
+        sd_bus_creds_unref(owner);
+        const std::string& said = name.empty() ? name_ : name;
+        send(connections_.back(), said.data(), said.size(), MSG_NOSIGNAL);
+        return connections_.back();
+    }
+
+    /** How many of so many connections the service keeps. They stay. */
+    int ConnectOften(int count)
+    {
+        int kept = 0;
+        for (int i = 0; i < count; ++i) {
+            const bool isKept = IsServed(Connect());
+            kept += isKept ? 1 : 0;
+            if (!isKept) {
+                HangUp();
+            }
+        }
+        return kept;
+    }
+
+    /** Closes the last connection. */
+    void HangUp()
+    {
+        close(connections_.back());
+        connections_.pop_back();
+    }
+
+    /** What comes back for a packet on a connection of its own; nothing where that is closed instead. */
+    Packet Exchange(const Packet& packet, size_t size, bool withDescriptor = false)
+    {
+        const int fd = Connect();
+        SendPart(fd, packet, size, withDescriptor);
+        Packet answer = Receive(fd);
+        HangUp();
+        return answer;
+    }
+
+    Packet Exchange(const Packet& packet) { return Exchange(packet, packet.size() * 4); }
+
+    /** Has the service know an object of the sender's, by the name of x. */
+    bool Offer()
+    {
+        const Packet reply = Exchange(Message(CALL, PeerTest::TAKE, 1, {0, 8, 7, 0}, {1, 'x', 0, 0, 0, 0, 0, 0}));
+        return reply.size() > 1 && reply[1] == 0;
+    }
+
+    /** Takes a connection that the service makes, and reads its name; -1 if none comes. */
+    int Accept() const
+    {
+        pollfd wait{listening_, POLLIN, 0};
+        const int fd = poll(&wait, 1, PATIENCE_S * 1000) > 0 ? accept(listening_, nullptr, nullptr) : -1;
+        std::array<char, 256> name{};
+        recv(fd, name.data(), name.size(), 0);
+        return fd;
+    }
+
+    const std::string& Name() const { return name_; }
+
+private:
+    sd_bus* bus_ = nullptr;
+    std::string id_;
+    std::string name_;
+    int listening_ = -1;
+    std::vector<int> connections_;
+};
+
+// What comes back for a message to the daemon, or through it: its last line.
+std::string SendByBus(const std::string& busAddress, const std::string& message)
+{
+    Helper sender({"bash", "-c", "dbus-send --bus=" + busAddress + " " + message + " 2>&1 | tail -n 1; echo"}, "");
+    const std::string line = sender.ReadLine();
+    sender.AwaitEnd();
+    return line;
+}
 
 /** A service, a caller that keeps it busy, and an attacker. In the end the service is as it was. */
-class HostileTest : public BusTest {
+class HostileTest : public PeerTest {
 protected:
     HostileTest()
     {
-        Helper& first = Start({"find s 66090"});
-        EXPECT_EQ(first.Ask("hammer s 8 50"), "0 wrong, 0 failed"); // Warms up.
+        Helper first({}, busAddress_);
+        first.Ask([] { Find("s", 66090); });
+        first.Expect("0 wrong, 0 failed", [] { return Hammer("s", 8, 50); }); // Warms up.
         first.Kill();
-        std::ofstream(Folder() + "clear_refs") << 5; // VmHWM starts anew.
-        memory_ = Status("VmRSS:");
-        caller_.Do({"background hammer s 8 " + Times(400)});
+        std::ofstream("/proc/" + std::to_string(victim_.Pid()) + "/clear_refs") << 5; // VmHWM starts anew.
+        memory_ = Memory("VmRSS:");
+        caller_.Ask([] { Find("s", 66090); });
+        caller_.Begin([count = Times(400)] { return Hammer("s", 8, count); });
         caller_.Hears({"begun"});
     }
 
+    // A field of the service's status, in KiB.
+    long Memory(const std::string& key) const
+    {
+        std::ifstream file("/proc/" + std::to_string(victim_.Pid()) + "/status");
+        std::string word;
+        while (word != key && file >> word) {
+        }
+        long size = 0;
+        file >> size;
+        return size;
+    }
+
     /** `bound` in KiB. */
-    void ExpectAllWell(size_t bound)
+    void ExpectAllWell(long bound = 16 << 10)
     {
-        Helper& newcomer = Start({"find s 66090"});
-        EXPECT_EQ(newcomer.Ask("call s callback me").substr(0, 2), "0 "); // Both sides connect.
+        newcomer_.Ask([] { Find("s", 66090); });
+        newcomer_.Expect("0", [] { return Call("s", CALL_BACK, "me").substr(0, 1); }); // Both sides connect.
         caller_.Hears({"done 0 wrong, 0 failed"});
-        const size_t peak = Status("VmHWM:");
-        std::printf("the service took %zu KiB more at most\n", peak - memory_);
-        EXPECT_TRUE(IS_SANITIZED || peak < memory_ + bound) << peak << " KiB, from " << memory_;
-        for (Helper* peer : {&caller_, &attacker_, &newcomer}) {
-            peer->Kill();
-        }
-    }
-
-    size_t Status(const std::string& key) const
-    {
-        std::ifstream file(Folder() + "status");
-        std::string line;
-        while (std::getline(file, line) && line.rfind(key, 0) != 0) {
-        }
-        return std::stoul(line.substr(key.size()));
-    }
-
-    // The most of several times: the bus thread goes without its spare one while it reads.
-    size_t CountDescriptors()
-    {
-        size_t most = 0;
-        for (int i = 0; i < 20; ++i) {
-            victim_.Ask("alive");
-            most = std::max(most, victim_.Count("fd"));
-        }
-        return most;
-    }
-
-    std::string Folder() const
-    {
-        return "/proc/" + std::to_string(victim_.Pid()) + "/";
+        const long taken = Memory("VmHWM:") - memory_;
+        std::printf("the service took %ld KiB more at most\n", taken);
+        EXPECT_TRUE(IS_SANITIZED || taken < bound) << taken << " KiB, from " << memory_;
+        caller_.Kill();
+        newcomer_.Kill();
     }
 
     void TearDown() override
     {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (victim_.Count("task") > threads_ + 1 || // Notices have a thread.
-               victim_.Count("fd") != descriptors_ || victim_.Ask("alive") != "1") {
-            ASSERT_LT(std::chrono::steady_clock::now(), deadline)
-                << victim_.Count("fd") << " descriptors, not " << descriptors_;
-        }
+        attacker_ = nullptr;
+        EXPECT_TRUE(AwaitThat([this] {
+            return victim_.Count("task") <= threads_ && victim_.Count("fd") == descriptors_ &&
+                   victim_.Ask(Alive) == "1";
+        })) << victim_.Count("fd")
+            << " descriptors, not " << descriptors_;
     }
 
-    Helper& victim_ = Start({"serve 66090"});
-    const size_t descriptors_ = CountDescriptors();
-    const size_t threads_ = victim_.Count("task");
-    size_t memory_ = 0;
-    Helper& caller_ = Start({"find s 66090"});
-    Helper& attacker_ = Start({}, "hostile_process");
+    Stranger& Attacker()
+    {
+        attacker_ = attacker_ != nullptr ? std::move(attacker_) : std::make_unique<Stranger>(busAddress_);
+        return *attacker_;
+    }
+
+    Helper& victim_ = Start([] { Serve(66090), Find("none", 1); });
+    const long descriptors_ = victim_.Count("fd");
+    const long threads_ = victim_.Count("task");
+    long memory_ = 0;
+    Helper& caller_ = Start();
+    Helper& newcomer_ = Start();
+
+private:
+    std::unique_ptr<Stranger> attacker_; // Made when all helpers are.
 };
 
-TEST_F(HostileTest, APeerGetsAsManyConnectionsAsAnyoneHoweverManyItAsksFor)
+TEST_F(HostileTest, AProcessGetsAsManyConnectionsAsAnyoneHoweverManyItAsksFor)
 {
-    EXPECT_EQ(attacker_.Ask("connect " + Times(10000)), "32");
-    attacker_.Do({"join"});
-    EXPECT_EQ(attacker_.Ask("connect 1"), "0"); // It is the same process.
-    victim_.Do({"hold"});
-    attacker_.Do({"call wait 1 0"}); // 1 MiB on each, which the service copies.
+    EXPECT_EQ(Attacker().ConnectOften(Times(3000)), 32);
+    EXPECT_EQ(Stranger(busAddress_).ConnectOften(1), 0); // It is the same process.
+    ExpectAllWell();
+}
+
+TEST_F(HostileTest, AUsersProcessesDoNotGetEveryPlaceAndNoUsersDo)
+{
+    std::list<Helper> attackers;
+    const auto connect = [&](uid_t user, int processes) {
+        int kept = 0;
+        for (int i = 0; i < processes; ++i) {
+            kept += std::stoi(attackers.emplace_back(std::vector<std::string>(), busAddress_).Ask([user] {
+                static Stranger& stranger = *new Stranger(getenv("OHOS_BUS_ADDRESS")); // As a user whom the bus knows.
+                return setuid(user) == 0 ? stranger.ConnectOften(32) : -1;
+            }));
+        }
+        return kept;
+    };
+    const int ofUser = connect(getuid(), 17);
+    EXPECT_GE(ofUser, 480);
+    EXPECT_LT(ofUser, 512);                    // The caller has some.
+    caller_.Hears({"done 0 wrong, 0 failed"}); // Who has connected before is served.
+    if (getuid() == 0) {
+        EXPECT_EQ(connect(1, 17), 512);
+        EXPECT_EQ(connect(2, 1), 0);
+    }
+    EXPECT_LT(victim_.Count("task"), threads_ + (getuid() == 0 ? 1034 : 522));
+    attackers.clear();
+    newcomer_.Await("0", [] { return Find("s", 66090), Call("s", ECHO); });
+    caller_.Kill();
+    newcomer_.Kill();
+}
+
+TEST_F(HostileTest, LargeMessagesAreBounded)
+{
+    victim_.Ask(Hold);
+    Packet data(MAX_SIZE / 4 - 8, 0);
+    data[0] = MAX_SIZE - 40;
+    for (int i = 0; i < 32; ++i) {
+        SendPacket(Attacker().Connect(), Message(CALL, WAIT, 1, {}, data)); // Which the service copies.
+    }
     EXPECT_EQ(victim_.Events(32), std::vector<std::string>(32, "waiting"));
-    ExpectAllWell(80 << 10);
-    victim_.Do({"release"});
+    ExpectAllWell(144 << 10);
+    victim_.Ask(Release);
 }
 
 TEST_F(HostileTest, GarbageEndsNoOtherConnection)
 {
-    attacker_.Do({"garbage " + Times(20000)});
-    ExpectAllWell(16 << 10);
+    std::minstd_rand random; // The same every time.
+    const auto below = [&random](size_t end) { return static_cast<uint32_t>(random() % end); };
+    int fd = Attacker().Connect();
+    for (int i = 0; i < Times(20000); ++i) {
+        Packet data = TEXT;
+        const uint32_t kind = 1 + below(4);
+        const Packet handles = InventHandles(below(8) == 0 ? below(1030) : below(2), below(2), below(UINT32_MAX), data);
+        data.resize(data.size() + (below(16) == 0 ? below(MAX_SIZE / 4) : 0));
+        Packet packet = Message(kind, below(2), below(2), handles, data, below(2));
+        for (uint32_t changes = below(3); changes > 0; --changes) {
+            packet[below(std::min<size_t>(packet.size(), 16))] = below(2) == 0 ? below(256) : ~below(16);
+        }
+        packet[1] = packet[0] == CALL ? std::array{ECHO, WHO, GIVE, DROP}.at(below(4)) : packet[1];
+        const size_t size = packet.size() * 4;
+        if (!SendPart(fd, packet, below(8) == 0 ? below(size) : size, below(16) == 0)) {
+            Attacker().HangUp();
+            fd = Attacker().Connect();
+        }
+    }
+    Attacker().HangUp();
+    ExpectAllWell(32 << 10);
 }
 
-TEST_F(HostileTest, InventedObjectsAreLetGoOf)
+TEST_F(HostileTest, InventedObjectsAreReleased)
 {
-    EXPECT_EQ(attacker_.Ask("connect 32"), "32");
-    const std::string rounds = Times(50);
-    EXPECT_EQ(attacker_.Ask("call echo " + rounds + " 1024"), std::to_string(std::stoi(rounds) * 32));
+    Packet data = TEXT;
+    const Packet handles = InventHandles(1024, 0, 1, data);
+    std::vector<int> connections(31);
+    std::generate(connections.begin(), connections.end(), [this] { return Attacker().Connect(); });
+    for (int i = 0; i < Times(50); ++i) {
+        for (const int fd : connections) {
+            SendPacket(fd, Message(CALL, ECHO, 1, handles, data));
+        }
+        for (const int fd : connections) {
+            EXPECT_GT(Receive(fd).size(), 0U);
+        }
+    }
     ExpectAllWell(64 << 10);
 }
 
-TEST_F(HostileTest, AnswersThatNobodyReadsHoldNobodyUp)
+TEST_F(HostileTest, AConnectionIsOfWhoMadeIt)
 {
-    EXPECT_EQ(attacker_.Ask("guess Ping 60"), "133"); // Answers, of some 256 bytes each, and its own question.
-    EXPECT_EQ(attacker_.Ask("guess Connect 60"), "129");
-    for (const auto& [member, count] : std::initializer_list<std::pair<std::string, int>>{
-             {"Ping", 10000}, {"Unheard", 10000}, {"Connect", 10000}, {"Release", 300}}) {
-        attacker_.Do({"flood " + member + " " + Times(count) + " 1"});
+    const std::string others = ":1." + std::to_string(std::stoi(Attacker().Name().substr(3)) - 1);
+    for (const std::string& name : {others, std::string(":1.99999"), std::string("1.2"), std::string(300, ':'),
+             std::string(":1.0',arg1='"), std::string(VICTIM)}) {
+        EXPECT_FALSE(IsServed(Attacker().Connect(name))) << name;
     }
-    for (int i = 0; i < std::min(10, std::stoi(Times(10))); ++i) {
-        attacker_.Do({"flood Connect 200 10"});
-    }
-    ExpectAllWell(16 << 10);
+    const Stranger other(busAddress_);
+    EXPECT_TRUE(IsServed(Attacker().Connect(other.Name()))); // Another name of the same process is as good.
+    ExpectAllWell();
 }
 
 TEST_F(HostileTest, APeerThatIsCalledHarmsItsCallerOnly)
 {
-    EXPECT_EQ(attacker_.Ask(OFFER), TAKEN);
-    victim_.Do({"patience 1"});
-    for (const auto& [how, result] :
-        std::initializer_list<std::pair<std::string, std::string>>{{"none", "111"}, {"stream", "111"}, {"end", "32"},
-            {"half", "74"}, {"kind", "74"}, {"forged", "74"}, {"descriptor", "74"}, {"twice", "0 x"}}) {
-        victim_.Do({"background call x echo hello"});
-        attacker_.Do({"answer " + how});
-        EXPECT_EQ(victim_.Event(), "done " + result) << how;
+    EXPECT_TRUE(Attacker().Offer());
+    victim_.Ask([] { SetWait(1); });
+    Packet data = TEXT;
+    const Packet forged = InventHandles(1, 1, 0x01000000, data); // An object that there is not.
+    const auto reply = [](uint32_t number) { return Message(REPLY, 0, number, {}, TEXT); };
+    int fd = -1;
+    const auto answer = [&](const std::string& result, const auto& how) { // Whether the connection is kept.
+        victim_.Begin([] { return Call("x", ECHO, "hello"); });
+        fd = fd >= 0 ? fd : Attacker().Accept();
+        const Packet call = Receive(fd);
+        const bool isKept = how(call.size() > 7 ? call[7] : 0);
+        EXPECT_EQ(victim_.Event(), "done " + result);
+        if (!isKept) {
+            close(std::exchange(fd, -1));
+        }
+    };
+    answer("0 x", [&](uint32_t n) { return SendPacket(fd, reply(n)); }); // As it should be.
+    answer("0 x", [&](uint32_t n) { return SendPacket(fd, reply(n)) && SendPacket(fd, reply(n + 1)); });
+    answer("0 x", [&](uint32_t) { return false; }); // Answered before it was sent.
+    answer("32", [&](uint32_t) { return shutdown(fd, SHUT_RDWR) != 0; });
+    answer("74", [&](uint32_t n) { return SendPacket(fd, reply(n + 1)) && false; });
+    answer("74", [&](uint32_t n) { return SendPart(fd, reply(n), 16, false) && false; });
+    answer("74", [&](uint32_t n) { return SendPart(fd, reply(n), 40, true) && false; });
+    answer("74", [&](uint32_t n) { return SendPacket(fd, Message(CALL, 1, n, {}, TEXT)) && false; });
+    answer("111", [&](uint32_t n) { return SendPacket(fd, Message(REPLY, 0, n, forged, data)) && false; });
+    answer("110", [&](uint32_t) { return false; });
+    ExpectAllWell();
+    victim_.Ask([] { Drop("x"); });
+}
+
+TEST_F(HostileTest, APeerThatDoesNotAcceptOrIsNotThereCostsACallItsWait)
+{
+    EXPECT_TRUE(Attacker().Offer());
+    victim_.Ask([] { SetWait(1); });
+    for (int i = 0; i < 4; ++i) { // More than its queue holds.
+        victim_.Begin([] { return Call("x", ECHO); });
     }
-    victim_.Do({"background call x echo hello", "background call x echo hello"});
-    attacker_.Do({"answer shared"}); // The two calls have one socket between them.
-    EXPECT_EQ(victim_.Events(2)[0].substr(0, 6), "done 0");
-    attacker_.Do({"join"}); // Has no connections yet.
-    EXPECT_EQ(attacker_.Ask(OFFER), TAKEN);
-    victim_.Do({"background call x echo hello"});
-    attacker_.Do({"answer alone"}); // A socket that is not connected, and once more.
-    victim_.Hears({"done 32"});
-    victim_.Do({"drop x"});
-    ExpectAllWell(16 << 10);
+    EXPECT_EQ(victim_.Events(4), std::vector<std::string>(4, "done 110"));
+    const std::string oneWay = victim_.Ask([] { return Send("x", 1); });
+    EXPECT_TRUE(oneWay == "0 then 105" || oneWay == "1 then 0") << oneWay;
+    Attacker().StopListening();
+    victim_.Ask([] { SetWait(600); });
+    victim_.Expect("32", [] { return Call("x", ECHO); });
+    victim_.Expect("1", [] { return IsDead("x"); });
+    victim_.Ask([] { Drop("x"); });
+    ExpectAllWell();
 }
 
-TEST_F(HostileTest, WhoDoesNotConnectHoldsItsCallerUpOnce)
+TEST_F(HostileTest, WhoHasTakenAnAddressGetsNothing)
 {
-    EXPECT_EQ(attacker_.Ask(OFFER), TAKEN);
-    victim_.Do({"patience 1"});
-    EXPECT_EQ(victim_.Ask("send x 1"), "0 then 110");
-    victim_.Do({"patience 600"});
-    EXPECT_EQ(victim_.Ask("send x 1"), "0 then 110"); // At once.
-    attacker_.Do({"background answer none"});
-    victim_.AskUntil("0 then 111", "send x 1");
-    attacker_.Hears({"done 0"});
-    EXPECT_EQ(victim_.Ask("send x 1"), "0 then 110"); // Still at once.
-    attacker_.Do({"background answer end"});
-    victim_.AskUntil("1 then 0", "send x 1"); // It has thought better of it.
-    attacker_.Hears({"done 0"});
-    victim_.Do({"drop x"});
-    ExpectAllWell(16 << 10);
+    const std::string name = newcomer_.Ask([] {
+        static Stranger& stranger = *new Stranger(getenv("OHOS_BUS_ADDRESS"), false);
+        EXPECT_TRUE(stranger.Offer());
+        return stranger.Name();
+    });
+    const int taken = Attacker().Socket(name, newcomer_.Pid(), true);
+    victim_.Expect("111", [] { return Call("x", ECHO); });
+    const int fd = accept(taken, nullptr, nullptr);
+    EXPECT_EQ(Receive(fd), Packet()); // Not even a name.
+    close(fd);
+    close(taken);
+    newcomer_.Kill();
+    victim_.Ask([] { Drop("x"); });
+    caller_.Hears({"done 0 wrong, 0 failed"});
+    caller_.Kill();
 }
 
-TEST_F(HostileTest, TheDaemonAloneSaysWhoOwnsAName)
+TEST_F(HostileTest, TheDaemonAloneSaysWhoOwnsANameAndCarriesNothingBetweenProcesses)
 {
-    victim_.Do({"watch 66090"});
+    victim_.Ask([] { Watch(66090); });
     victim_.Hears({"up 66090"});
-    attacker_.Do({"forge ohos.sa.SA66090"});
-    EXPECT_EQ(attacker_.Ask("claim ohos.sa.SA66090"), std::to_string(EEXIST));
-    EXPECT_EQ(victim_.Ask("find none 100"), "null"); // What was sent to it so far has come.
-    victim_.Do({"watch 66090 b"});
+    const auto send = [this](const std::string& message) { return SendByBus(busAddress_, message); };
+    const std::string to = "--print-reply --dest=", daemon = "org.freedesktop.DBus ", path = "/org/freedesktop/DBus ";
+    const std::string victim = std::string(VICTIM) + " ", text = "string:" + victim;
+    const std::string news = "NameOwnerChanged " + text + text + "string:";
+    send("--type=signal " + path + "org.freedesktop.DBus." + news); // To everybody.
+    send("--type=signal --dest=" + victim + path + "org.freedesktop.DBus." + news);
+    for (const std::string& message :
+        {to + victim + "/ ohos.ipc.Peer.Connect", to + daemon + path + "org.freedesktop.DBus.ReloadConfig",
+            to + daemon + path + "org.freedesktop.DBus.UpdateActivationEnvironment dict:string:string:a,b",
+            to + daemon + path + "org.freedesktop.DBus.Debug.Stats.GetStats",
+            to + daemon + path + "org.freedesktop.DBus.Monitoring.BecomeMonitor array:string: uint32:0"}) {
+        EXPECT_EQ(send(message).rfind("Error org.freedesktop.DBus.Error.AccessDenied:", 0), 0U) << message;
+    }
+    EXPECT_EQ(send(to + daemon + path + "org.freedesktop.DBus.RequestName " + text + "uint32:6"), "   uint32 3");
+    victim_.Expect("null", [] { return Find("none", 100); }); // What was sent to it so far has come.
+    victim_.Ask([] { Watch(66090, "b"); });
     victim_.Hears({"up 66090b"});
-    victim_.Do({"unwatch 66090"});
-    ExpectAllWell(16 << 10);
+    victim_.Ask([] { Unwatch(66090), Unwatch(66090, "b"); });
+    ExpectAllWell();
 }
 
-using WireTest = BusTest;
+TEST_F(HostileTest, AProcessThatStandsStillMissesNothingThoughOthersComeAndGo)
+{
+    victim_.Ask([] { Serve(100); });
+    newcomer_.Ask([] { Watch(100), Find("s", 66090), Mourn("s"); });
+    newcomer_.Hears({"up 100"});
+    Helper& peer = Start([] { Serve(200); });
+    newcomer_.Ask([] { Find("p", 200), Mourn("p"); });
+    newcomer_.Signal(SIGSTOP);
+    for (int i = 0; i < Times(4000); ++i) { // More than its queue at the daemon would hold.
+        const Stranger passer(busAddress_, false);
+    }
+    peer.Kill();
+    victim_.Ask([] { Unserve(100), Serve(100); });
+    newcomer_.Signal(SIGCONT);
+    newcomer_.Hears({"dead p", "down 100", "up 100"});
+    ExpectAllWell();
+}
+
+TEST_F(HostileTest, HalfOpenAndIdleConnectionsToTheDaemonShutNobodyOut)
+{
+    std::vector<int> halfOpen(500);
+    sockaddr_un address{AF_UNIX, {}};
+    (folder_ + "/bus").copy(address.sun_path, sizeof(address.sun_path) - 1);
+    for (int& fd : halfOpen) {
+        fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        EXPECT_EQ(connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
+    }
+    std::list<Stranger> idle;
+    for (int i = 0; i < 300; ++i) {
+        idle.emplace_back(busAddress_, false);
+    }
+    ExpectAllWell();
+    std::for_each(halfOpen.begin(), halfOpen.end(), close);
+}
+
+using WireTest = PeerTest;
 
 TEST_F(WireTest, AMessageIsWhatItIsAndABadOneEndsItsConnectionOnly)
 {
-    Start({"serve 66090", "make x"});
-    Helper& caller = Start({"find s 66090"});
-    Helper& stranger = Start({}, "hostile_process");
-    // Kind, code, flags, number of handles; object, size of the data, 0; the data.
-    EXPECT_EQ(stranger.Ask("raw 01000000 01000000 00000000 00000000 2a020100 00000000 0c000000 00000000 "
-                           "05000000 68656c6c 6f000000"),
-        "02000000 00000000 00000000 00000000 00000000 00000000 0c000000 00000000 05000000 68656c6c 6f000000");
+    Start([] { Serve(66090), Make("x"); });
+    Helper& caller = Start([] { Find("s", 66090); });
+    Helper& late = Start();
+    Stranger stranger(busAddress_);
+    // Kind, code, flags, number of handles; object (of 64 bits), size of the data, number; the data.
+    EXPECT_EQ(stranger.Exchange({1, 1, 0, 0, 66090, 0, 12, 3, 5, 0x6c6c6568, 0x6f}),
+        (Packet{2, 0, 0, 0, 0, 0, 12, 3, 5, 0x6c6c6568, 0x6f}));
     // An object is a handle (owner, position, id) and 24 bytes of data.
-    EXPECT_EQ(stranger.Ask("raw 01000000 05000000 00000000 00000000 2a020100 00000000 08000000 00000000 "
-                           "01000000 78000000"),
-        "02000000 00000000 00000000 01000000 00000000 00000000 20000000 00000000 "
-        "00000000 08000000 00000001 00000000 "
-        "01000000 78000000 00000000 00000000 00000000 00000000 00000000 00000000");
+    EXPECT_EQ(stranger.Exchange({1, 5, 0, 0, 66090, 0, 8, 1, 1, 'x'}),
+        (Packet{2, 0, 0, 1, 0, 0, 32, 1, 0, 8, 0x01000000, 0, 1, 'x', 0, 0, 0, 0, 0, 0}));
     // An object that there is not, called or carried.
-    const std::string refused = "02000000 6f000000 00000000 00000000 00000000 00000000 00000000 00000000";
-    EXPECT_EQ(stranger.Ask("raw 01000000 01000000 00000000 00000000 2b020100 00000000 00000000 00000000"), refused);
-    EXPECT_EQ(stranger.Ask("raw 01000000 01000000 00000000 01000000 2a020100 00000000 18000000 00000000 "
-                           "01000000000000000100000100000000 000000000000000000000000000000000000000000000000"),
-        refused);
-    const char* const nobodysObject =
-        "01000000 01000000 00000000 01000000 2a020100 00000000 18000000 00000000 "
-        "02000000 00000000 00000001 00000000 000000000000000000000000000000000000000000000000";
-    for (const char* packet : {"01000000 01000000 00000000 00000000 2a020100 00000000 00000000 000000", // Cut.
-             "02000000 00000000 00000000 00000000 00000000 00000000 00000000 00000000",          // A reply to nothing.
-             "01000000 01000000 00000000 00000000 2a020100 00000000 00000000 00000000 00000000", // Too long.
-             "01000000 01000000 00000000 ffffffff 2a020100 00000000 10000000 00000000",          // Overflowing.
-             "01000000 01000000 00000000 00000000 2a020100 00000000 00000000 00000000 fd",       // A descriptor.
-             nobodysObject}) {
-        EXPECT_EQ(stranger.Ask(std::string("raw ") + packet), "closed") << packet;
-        EXPECT_EQ(caller.Ask("call s echo hello"), "0 hello");
+    const Packet refused{2, 111, 0, 0, 0, 0, 0, 1};
+    EXPECT_EQ(stranger.Exchange({1, 1, 0, 0, 66091, 0, 0, 1}), refused);
+    EXPECT_EQ(stranger.Exchange({1, 1, 0, 1, 66090, 0, 24, 1, 1, 0, 0x01000001, 0, 0, 0, 0, 0, 0, 0}), refused);
+    const Packet good{1, 1, 0, 0, 66090, 0, 0, 1};
+    for (const auto& [packet, size, withDescriptor] : {std::tuple(good, 31, false),             // Cut.
+             {good, 32, true}, {{2, 0, 0, 0, 0, 0, 0, 1}, 32, false},                           // A reply to nothing.
+             {{1, 1, 0, 0, 66090, 0, 0, 1, 0}, 36, false},                                      // Too long.
+             {{1, 1, 0, ~0U, 66090, 0, 16, 1}, 32, false},                                      // Overflowing.
+             {{1, 1, 0, 0, 66090, 0, 0, 0}, 32, false},                                         // No number.
+             {{1, 1, 0, 1, 66090, 0, 24, 1, 2, 0, 0x01000000, 0, 0, 0, 0, 0, 0, 0}, 72, false}, // Nobody's object.
+             {{3, 0, 0, 1, 0, 0, 0, 0, 1, 1, 0x01000000, 0}, 48, true}}) { // A release with a descriptor.
+        EXPECT_EQ(stranger.Exchange(packet, static_cast<size_t>(size), withDescriptor), Packet()) << packet[0];
+        caller.Expect("0 hello", [] { return Call("s", ECHO, "hello"); });
     }
-    for (int i = 0; i < 1100; ++i) { // Each of these connections has given its place back.
-        ASSERT_EQ(stranger.Ask("raw 01000000"), "closed");
+    for (int i = 0; i < 600; ++i) { // Each of these connections has given its place back.
+        ASSERT_EQ(stranger.Exchange({1}), Packet());
     }
-    EXPECT_EQ(Start({"find s 66090"}).Ask("call s echo hello"), "0 hello");
+    late.Ask([] { Find("s", 66090); });
+    late.Expect("0 hello", [] { return Call("s", ECHO, "hello"); });
 }
 
-TEST_F(WireTest, AnAnswerWithADescriptorFindsRoomInAFullTable)
-{
-    Helper& service = Start({"serve 66090", "exhaust"});
-    EXPECT_EQ(Start({}, "hostile_process").Ask("bait 100"), "0");
-    EXPECT_EQ(service.Ask("find none 100"), "null"); // The bus is still there.
-    service.Do({"restore"});
-}
-
-struct RightlessTest : BusTest {
-    RightlessTest() : BusTest("nobody") {}
+struct RightlessTest : PeerTest {
+    RightlessTest() : PeerTest("nobody") {}
 };
 
 TEST_F(RightlessTest, NobodyIsAServiceWithoutTheRight)
 {
-    EXPECT_EQ(Start({}, "hostile_process").Ask("claim ohos.sa.SA66090"), std::to_string(EACCES));
     Helper& other = Start();
-    EXPECT_EQ(other.Ask("serve 66090"), "111");
-    EXPECT_EQ(other.Ask("find s 66090"), "null");
+    other.Expect("1", [] { return Serve(66090); });
+    other.Expect("null", [] { return Find("s", 66090); });
+    const std::string claim =
+        "--print-reply --dest=org.freedesktop.DBus / org.freedesktop.DBus.RequestName string:ohos.sa.SA66090 ";
+    EXPECT_EQ(
+        SendByBus(busAddress_, claim + "uint32:2").rfind("Error org.freedesktop.DBus.Error.AccessDenied:", 0), 0U);
 }
 
 } // namespace

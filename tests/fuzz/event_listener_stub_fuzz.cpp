@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         result, [&](const std::string& type, const std::vector<Privacy::PrivacyEventRemindInfo>& infos) {
             heardType = Str(type);
             for (const auto& info : infos) {
-                heard += Layout::Marshalled(info);
+                heard += Marshalled(info);
             }
         });
     const bool isHeard = isCountGood && trial.hasFunction;

@@ -41,21 +41,12 @@ public:
         return value;
     }
 
-    bool IsEmpty() const
-    {
-        return size_ == 0;
-    }
+    bool IsEmpty() const { return size_ == 0; }
 
-    uint8_t Byte()
-    {
-        return Number<uint8_t>();
-    }
+    uint8_t Byte() { return Number<uint8_t>(); }
 
     /** True for one value in `values` of the next byte, the greatest ones. */
-    bool OneIn(unsigned values)
-    {
-        return Byte() >= 256 - 256 / values;
-    }
+    bool OneIn(unsigned values) { return Byte() >= 256 - 256 / values; }
 
     Bytes Take(size_t size)
     {
@@ -66,10 +57,7 @@ public:
         return bytes;
     }
 
-    Bytes Rest()
-    {
-        return Take(size_);
-    }
+    Bytes Rest() { return Take(size_); }
 
 private:
     const uint8_t* data_;
@@ -129,10 +117,7 @@ public:
     }
 
     /** What Read has read, as it should have been written, flags aside. */
-    Bytes Take()
-    {
-        return std::exchange(read_, "");
-    }
+    Bytes Take() { return std::exchange(read_, ""); }
 
     static int32_t Value(const Bytes& number)
     {
@@ -183,14 +168,6 @@ inline constexpr const char* DETAIL = "siillliii";
 inline constexpr const char* REMIND_INFO = "siiii";
 inline constexpr const char* DURATION = "sisill";
 inline constexpr const char* QUERY = "LLll";
-
-template <typename T>
-Bytes Marshalled(const T& record)
-{
-    RawParcel parcel;
-    Require(record.Marshalling(parcel), "what was read can be written");
-    return BytesOf(parcel);
-}
 
 } // namespace Layout
 

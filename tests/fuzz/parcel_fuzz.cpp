@@ -31,10 +31,7 @@ struct SlowParcel : Reader {
     }
 
     /** An item whose first 4 bytes stay if the others do not fit. */
-    bool WriteParts(const Bytes& item)
-    {
-        return Write(item.substr(0, 4)) && Write(item.substr(4));
-    }
+    bool WriteParts(const Bytes& item) { return Write(item.substr(0, 4)) && Write(item.substr(4)); }
 
     bool Skip(size_t size)
     {
@@ -69,10 +66,7 @@ public:
     }
 
 private:
-    size_t Below(size_t end)
-    {
-        return end <= 256 ? input_.Byte() % end : input_.Number<uint32_t>() % end;
-    }
+    size_t Below(size_t end) { return end <= 256 ? input_.Byte() % end : input_.Number<uint32_t>() % end; }
 
     char* Data() const
     {

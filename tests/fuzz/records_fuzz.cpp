@@ -20,6 +20,8 @@ using namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test;
 
 namespace {
 
+constexpr size_t MAX_CUT = 256; // Longer ones are cut by the input alone, since every cut takes its time.
+
 // A write that does not fit fails, and leaves a parcel that has its first parts at most.
 template <typename T>
 void WriteIntoLittle(const T& record, const Bytes& whole, size_t room)
@@ -50,7 +52,7 @@ void Check(Input& input, const char* layout)
     if (record == nullptr) {
         return;
     }
-    const Bytes written = Layout::Marshalled(*record);
+    const Bytes written = Marshalled(*record);
     Require(written == reader.Take(), "what was read is written as it was");
     RawParcel again(written);
     const std::unique_ptr<T> copy(T::Unmarshalling(again));
@@ -58,6 +60,11 @@ void Check(Input& input, const char* layout)
     Require(copy->ToString() == record->ToString(), "what was written means the same");
     if (hasLittleRoom) {
         WriteIntoLittle(*record, written, room);
+    }
+    for (size_t size = 0; size < written.size() && written.size() < MAX_CUT; size += 4) {
+        RawParcel cut(written.substr(0, size));
+        Require(std::unique_ptr<T>(T::Unmarshalling(cut)) == nullptr, "a record that lacks its end is refused");
+        WriteIntoLittle(*record, written, size);
     }
 }
 

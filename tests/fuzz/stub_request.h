@@ -30,9 +30,11 @@ public:
         const int32_t result = stub.OnRemoteRequest(code, parcel_, reply, option);
         Failing::nthNew = 0;
         Failing::write.reset();
-        Require(parcel_.GetReadPosition() <= parcel_.GetDataSize(), "the cursor stays within the request");
+        Require(GetReadPosition() <= parcel_.GetDataSize(), "the cursor stays within the request");
         return result;
     }
+
+    size_t GetReadPosition() const { return parcel_.GetReadPosition(); }
 
     Reader reader; // At first after the token.
     bool isForStub = false;

@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const int32_t result = !trial.request.isForStub ? 10 : trial.code != 0 ? 305 : isReadable ? 0 : -1;
     Bytes heard;
     trial.Expect<Indicator::IndicatorSwitchListenerStubImpl>(
-        result, [&heard](const Indicator::IndicatorData& event) { heard = Layout::Marshalled(event); });
+        result, [&heard](const Indicator::IndicatorData& event) { heard = Marshalled(event); });
     Require(heard == (isReadable && trial.hasFunction ? reader.Take() : ""), "the function hears what was sent");
     return 0;
 }

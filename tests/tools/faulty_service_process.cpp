@@ -1,157 +1,76 @@
 // SPDX-License-Identifier: Apache-2.0
-// A small service as it should be, or with one fault: `faulty_service_process [FAULT]`. It ends with its input.
-#include <cstdio>
+// The service in memory with faults: `faulty_service_process FAULT...`. It ends with its input.
 #include <iostream>
-#include <map>
 #include <mutex>
+#include <set>
 #include <string>
-#include <vector>
 
+#include "in_memory_service.h"
+#include "indicator_switch_listener_stub_impl.h"
 #include "iservice_registry.h"
-#include "privacy_indicator_service_intf_stub.h"
 
 using namespace OHOS;
 using namespace OHOS::Korvane::Quenlar::PrivacyIndicator;
+using SwitchListener = Indicator::IndicatorSwitchListenerIntf;
 
 namespace {
 
-constexpr size_t MAX_LISTENERS = 200;
+constexpr int ROOM = 40; // More than one process may register.
 
-class FaultyService : public PrivacyIndicatorServiceIntfStub, public IRemoteObject::DeathRecipient {
+class FaultyService : public Testing::InMemoryService {
 public:
-    explicit FaultyService(std::string fault) : fault_(std::move(fault)) {}
+    explicit FaultyService(std::set<std::string> faults) : faults_(std::move(faults)) {}
 
     int32_t OnRemoteRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option) override
     {
-        if (fault_ == "any-token") {
-            data.ReadInterfaceToken();
+        if (Has("any-token") && code == GET_ACTIVE_INDICATORS) {
             MessageParcel checked;
             checked.WriteInterfaceToken(GetDescriptor());
-            const size_t size = data.GetReadableBytes();
-            if (code == GET_ACTIVE_INDICATORS && size == 0) {
-                return PrivacyIndicatorServiceIntfStub::OnRemoteRequest(code, checked, reply, option);
-            }
-            data.RewindRead(0);
+            return InMemoryService::OnRemoteRequest(code, checked, reply, option);
         }
         const bool isKnown = code >= REGISTER_PRIVACY_EVENT_LISTENER && code <= NOTIFY_POWER_EVENT;
-        const int32_t status = PrivacyIndicatorServiceIntfStub::OnRemoteRequest(code, data, reply, option);
-        return fault_ == "any-code" && !isKnown && status != TOKEN_MISMATCH ? 0 : status;
+        const int32_t status = InMemoryService::OnRemoteRequest(code, data, reply, option);
+        return Has("any-code") && !isKnown && status != TOKEN_MISMATCH ? 0 : status;
     }
 
-    int32_t RegisterPrivacyEventListener(
-        const std::string& /* dataType */, const sptr<Privacy::PrivacyEventListenerIntf>& /* listener */) override
-    {
-        return 0;
-    }
-
-    int32_t UnregisterPrivacyEventListener(const sptr<Privacy::PrivacyEventListenerIntf>& /* listener */) override
-    {
-        return 0;
-    }
-
-    int32_t GetPrivacyEventDetails(int32_t /* user */, std::vector<Privacy::PrivacyEventDetail>& /* details */) override
-    {
-        return 0;
-    }
-
-    int32_t GetPrivacyEventDetailsByPrivacySensorType(
-        int32_t /* user */, int32_t /* sensor */, std::vector<Privacy::PrivacyEventDetail>& /* details */) override
-    {
-        return 0;
-    }
-
-    int32_t GetActiveIndicators(std::vector<Indicator::IndicatorData>& indicators) override
+    int32_t RegisterPrivacyIndicatorSwitchListener(const sptr<SwitchListener>& listener) override
     {
         std::lock_guard<std::mutex> lock(mutex_);
-        for (const auto& [sensor, data] : indicators_) {
-            indicators.push_back(data);
-        }
-        return 0;
-    }
-
-    int32_t TurnOnIndicator(int32_t sensor, const Indicator::IndicatorPosition& /* position */,
-        const Indicator::IndicatorSize& /* size */, int32_t /* animationType */) override
-    {
-        return Switch(sensor, Indicator::IndicatorState::ON);
-    }
-
-    int32_t TurnOffIndicator(int32_t sensor, int32_t /* animationType */) override
-    {
-        return Switch(sensor, Indicator::IndicatorState::OFF);
-    }
-
-    int32_t RegisterPrivacyIndicatorSwitchListener(
-        const sptr<Indicator::IndicatorSwitchListenerIntf>& listener) override
-    {
-        std::lock_guard<std::mutex> lock(mutex_);
-        const auto range = listeners_.equal_range(listener->AsObject());
-        if (range.first != range.second && fault_ != "twice") {
-            return 0;
-        }
-        if (listeners_.size() >= MAX_LISTENERS) {
+        const bool isKnown = !known_.insert(listener->AsObject()).second;
+        if (Has("keeps-dead") && known_.size() > ROOM) {
             return INVALID_VALUE;
         }
-        listeners_.emplace(listener->AsObject(), listener);
-        if (fault_ != "keeps-dead") {
-            listener->AsObject()->AddDeathRecipient(this);
-        }
-        return 0;
+        const auto forward = [listener](const auto& data) { listener->OnSwitchChanged(data); };
+        return InMemoryService::RegisterPrivacyIndicatorSwitchListener(
+            Has("twice") && isKnown ? sptr<SwitchListener>(new Indicator::IndicatorSwitchListenerStubImpl(forward))
+                                    : listener);
     }
 
-    int32_t UnregisterPrivacyIndicatorSwitchListener(
-        const sptr<Indicator::IndicatorSwitchListenerIntf>& listener) override
+    int32_t UnregisterPrivacyIndicatorSwitchListener(const sptr<SwitchListener>& listener) override
     {
-        std::lock_guard<std::mutex> lock(mutex_);
-        if (fault_ != "keeps-unregistered") {
-            listeners_.erase(listener->AsObject());
-        }
-        return 0;
+        return Has("keeps-unregistered") ? 0 : InMemoryService::UnregisterPrivacyIndicatorSwitchListener(listener);
     }
 
-    int32_t GetPermissionUsageDurationSummary(const Record::PermissionUsageDurationQuery& /* query */,
-        std::vector<Record::PermissionUsageDuration>& /* durations */) override
+    int32_t TurnOnIndicator(int32_t sensor, const Indicator::IndicatorPosition& position,
+        const Indicator::IndicatorSize& size, int32_t animationType) override
     {
-        return 0;
-    }
-
-    int32_t NotifyPowerEvent(int32_t /* event */) override
-    {
-        return 0;
-    }
-
-    void OnRemoteDied(const wptr<IRemoteObject>& object) override
-    {
-        std::lock_guard<std::mutex> lock(mutex_);
-        listeners_.erase(object.promote());
-    }
-
-private:
-    int32_t Switch(int32_t sensor, Indicator::IndicatorState state)
-    {
-        Indicator::IndicatorData data;
-        data.privacySensorType = static_cast<PrivacySensorType>(sensor);
-        data.state = state;
-        std::lock_guard<std::mutex> lock(mutex_);
-        indicators_.erase(sensor);
-        if (state == Indicator::IndicatorState::ON) {
-            indicators_.emplace(sensor, data);
-        }
-        for (const auto& [object, listener] : listeners_) {
-            listener->OnSwitchChanged(data);
-            if (fault_ == "waits-for-listeners") {
+        if (Has("waits-for-listeners")) {
+            for (const Registration& registration : GetRegistrations()) {
                 MessageParcel question;
                 MessageParcel answer;
                 MessageOption option;
-                object->SendRequest(1, question, answer, option);
+                registration.listener->SendRequest(1, question, answer, option);
             }
         }
-        return 0;
+        return InMemoryService::TurnOnIndicator(sensor, position, size, animationType);
     }
 
-    const std::string fault_;
+private:
+    bool Has(const std::string& fault) const { return faults_.count(fault) > 0; }
+
+    const std::set<std::string> faults_;
     std::mutex mutex_;
-    std::map<int32_t, Indicator::IndicatorData> indicators_;
-    std::multimap<sptr<IRemoteObject>, sptr<Indicator::IndicatorSwitchListenerIntf>> listeners_;
+    std::set<sptr<IRemoteObject>> known_; // Every listener that there ever was.
 };
 
 } // namespace
@@ -159,7 +78,7 @@ private:
 int main(int argc, char** argv)
 {
     const sptr<ISystemAbilityManager> manager = SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
-    const sptr<IRemoteObject> service(new FaultyService(argc > 1 ? argv[1] : ""));
+    const sptr<IRemoteObject> service(new FaultyService({argv + 1, argv + argc}));
     std::cout << (manager->AddSystemAbility(PRIVACY_INDICATOR_SA_ID, service) == 0 ? "ready" : "refused") << std::endl;
     for (std::string line; std::getline(std::cin, line);) {
     }

@@ -6,62 +6,56 @@
 
 namespace {
 
-const std::string CALLED = "OnSwitchChanged                              ";
+/** Which rows say that a service is not as it should be. */
+class VerifyTest : public ToolsTest {
+protected:
+    /** Exactly these rows must, in this order. Each is given by how it begins. */
+    void ExpectWrong(std::vector<std::string> command, const std::vector<std::string>& rows)
+    {
+        command.insert(command.begin(), PROCESSES_DIR "/faulty_service_process");
+        service_.emplace(command, busAddress_);
+        EXPECT_EQ(service_->ReadLine(), "ready");
+        std::istringstream output(Run(CTL + " verify"));
+        std::vector<std::string> wrong;
+        std::string last;
+        for (std::string line; std::getline(output, line); last = line) {
+            if (line.find("  NO: ") != std::string::npos) {
+                const size_t row = std::min(wrong.size(), rows.size() - 1);
+                wrong.push_back(line.substr(0, rows[row].size()));
+            }
+        }
+        EXPECT_EQ(last, "= 1");
+        EXPECT_EQ(wrong, rows);
+    }
 
-/** A fault of the service, and how each row begins that must say so. */
-struct Fault {
-    const char* name;
-    std::vector<std::string> rows;
+    const std::string called_ = "OnSwitchChanged                              ";
 };
 
-void PrintTo(const Fault& fault, std::ostream* stream)
+TEST_F(VerifyTest, NamesFaultsOfSingleRequests)
 {
-    *stream << fault.name;
+    ExpectWrong({"any-token", "any-code", "keeps-unregistered"},
+        {"0                                            a request that there is not",
+            "12                                           a request that there is not",
+            "5 GetActiveIndicators                        another token",
+            called_ + "(a listener that is unregistered)"});
 }
 
-class FaultTest : public ToolsTest, public testing::WithParamInterface<Fault> {};
-
-TEST_P(FaultTest, IsNamed)
+TEST_F(VerifyTest, NamesFaultsOfRegistrations)
 {
-    const auto& [fault, rows] = GetParam();
-    service_.emplace(std::vector<std::string>{PROCESSES_DIR "/faulty_service_process", fault}, busAddress_);
-    EXPECT_EQ(service_->ReadLine(), "ready");
-    std::istringstream output(Run(CTL + " verify"));
-    std::vector<std::string> wrong;
-    std::string last;
-    for (std::string line; std::getline(output, line); last = line) {
-        if (line.find("  NO: ") != std::string::npos) {
-            wrong.push_back(line);
-        }
-    }
-    EXPECT_EQ(last, wrong.empty() ? "= 0" : "= 1");
-    ASSERT_EQ(wrong.size(), rows.size()) << testing::PrintToString(wrong);
-    for (size_t i = 0; i < rows.size(); ++i) {
-        EXPECT_EQ(wrong[i].find(rows[i]), 0U) << wrong[i];
-    }
+    ExpectWrong({"twice", "keeps-dead"},
+        {called_ + "(a listener registered twice)", called_ + "(a listener registered twice)",
+            called_ + "(on and off, ten times)", called_ + "(one that is not)",
+            "8 RegisterPrivacyIndicatorSwitchListener     150 listeners of a process that dies",
+            called_ + "(a listener, after the death of others)"});
 }
 
-INSTANTIATE_TEST_SUITE_P(Planted, FaultTest,
-    testing::Values(Fault{"none", {}},
-        Fault{"any-token", {"5 GetActiveIndicators                        another token"}},
-        Fault{"any-code", {"0                                            a request that there is not",
-                              "12                                           a request that there is not"}},
-        Fault{"twice", {CALLED + "(a listener registered twice)", CALLED + "(a listener registered twice)",
-                           CALLED + "(on and off, ten times)", CALLED + "(one that is not)",
-                           CALLED + "(a listener, after the death of others)"}},
-        Fault{"keeps-unregistered", {CALLED + "(a listener that is unregistered)"}},
-        Fault{"keeps-dead", {"8 RegisterPrivacyIndicatorSwitchListener     150 listeners of a process that dies"}},
-        Fault{"waits-for-listeners",
-            {"6 TurnOnIndicator                            (while a listener's process does not read)"}}),
-    [](const auto& fault) {
-        std::string name = fault.param.name;
-        std::replace(name.begin(), name.end(), '-', '_');
-        return name;
-    });
+TEST_F(VerifyTest, NamesAServiceThatWaitsForItsListeners)
+{
+    ExpectWrong({"waits-for-listeners"},
+        {"6 TurnOnIndicator                            (while a listener's process does not read)"});
+}
 
-using VerifyTest = ToolsTest;
-
-TEST_F(VerifyTest, TheReferenceServicePasses)
+TEST_F(VerifyTest, PassesTheReferenceService)
 {
     // What it prints is not read meanwhile: it goes to a file.
     service_.emplace(std::vector<std::string>{"sh", "-c", "exec " + SERVICE + " >" + folder_ + "/log"}, busAddress_);

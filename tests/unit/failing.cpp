@@ -18,15 +18,9 @@ void* operator new(size_t size)
     return memory != nullptr ? memory : throw std::bad_alloc();
 }
 
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
+void operator delete(void* memory) noexcept { std::free(memory); }
 
-void operator delete(void* memory, size_t /*size*/) noexcept
-{
-    std::free(memory);
-}
+void operator delete(void* memory, size_t /*size*/) noexcept { std::free(memory); }
 
 void* operator new(size_t size, const std::nothrow_t& /*tag*/) noexcept
 {

@@ -15,15 +15,9 @@ struct Failing {
 
     static constexpr int32_t TOKEN = 0x100; // The first int32 of an interface token.
 
-    explicit Failing(int32_t value)
-    {
-        write = value;
-    }
+    explicit Failing(int32_t value) { write = value; }
 
-    ~Failing()
-    {
-        write.reset();
-    }
+    ~Failing() { write.reset(); }
 };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test

@@ -3,6 +3,7 @@
 #define FAKE_SERVICE_H
 
 #include <functional>
+#include <optional>
 
 #include "ipc_object_stub.h"
 #include "privacy_indicator_service_intf_stub.h"
@@ -17,15 +18,9 @@ using SwitchListener = Indicator::IndicatorSwitchListenerIntf;
 /** Stands for an object of another process, which can die. Keeps the last request, and replies as it is set to. */
 class FakeRemote : public IPCObjectStub {
 public:
-    bool IsProxyObject() const override
-    {
-        return true;
-    }
+    bool IsProxyObject() const override { return true; }
 
-    bool IsObjectDead() const override
-    {
-        return dead;
-    }
+    bool IsObjectDead() const override { return dead; }
 
     bool AddDeathRecipient(const sptr<DeathRecipient>& added) override
     {
@@ -51,7 +46,9 @@ public:
         }
         reply.SetMaxCapacity(size_t{8} << 20);
         reply.WriteBuffer(answer.data(), answer.size());
-        return target != nullptr ? target->SendRequest(code, data, reply, option) : 0;
+        const int result = target != nullptr ? target->SendRequest(code, data, reply, option) : 0;
+        replied = BytesOf(reply);
+        return result;
     }
 
     int error = 0;              // Of the transport's. Otherwise:
@@ -65,9 +62,10 @@ public:
     int calls = 0;
     std::vector<int64_t> header; // Code, flags and seconds to wait.
     Bytes request;
+    Bytes replied;
 };
 
-/** Writes down each call with its arguments, and returns what it is set to. Any thread may call it. */
+/** Adds each call to the journal, its arguments as they travel but for a listener, and returns what it is set to. */
 class FakeService : public PrivacyIndicatorServiceIntfStub {
 public:
     int32_t RegisterPrivacyEventListener(const std::string& dataType, const sptr<EventListener>& listener) override
@@ -82,30 +80,26 @@ public:
 
     int32_t GetPrivacyEventDetails(int32_t userId, std::vector<PrivacyEventDetail>& out) override
     {
-        return Filled("Details " + std::to_string(userId), out, DETAIL);
+        return Filled("Details" + I32(userId), out, DETAIL);
     }
 
     int32_t GetPrivacyEventDetailsByPrivacySensorType(
         int32_t userId, int32_t sensor, std::vector<PrivacyEventDetail>& out) override
     {
-        return Filled("Details " + std::to_string(userId) + " " + std::to_string(sensor), out, DETAIL);
+        return Filled("DetailsOf" + I32(userId) + I32(sensor), out, DETAIL);
     }
 
-    int32_t GetActiveIndicators(std::vector<IndicatorData>& out) override
-    {
-        return Filled("Active", out, DATA);
-    }
+    int32_t GetActiveIndicators(std::vector<IndicatorData>& out) override { return Filled("Active", out, DATA); }
 
     int32_t TurnOnIndicator(
         int32_t sensor, const IndicatorPosition& position, const IndicatorSize& size, int32_t animation) override
     {
-        return Called(
-            "On " + std::to_string(sensor) + position.ToString() + size.ToString() + std::to_string(animation));
+        return Called("On" + I32(sensor) + Marshalled(position) + Marshalled(size) + I32(animation));
     }
 
     int32_t TurnOffIndicator(int32_t sensor, int32_t animation) override
     {
-        return Called("Off " + std::to_string(sensor) + " " + std::to_string(animation));
+        return Called("Off" + I32(sensor) + I32(animation));
     }
 
     int32_t RegisterPrivacyIndicatorSwitchListener(const sptr<SwitchListener>& listener) override
@@ -121,43 +115,34 @@ public:
     int32_t GetPermissionUsageDurationSummary(
         const PermissionUsageDurationQuery& query, std::vector<PermissionUsageDuration>& out) override
     {
-        return Filled("Usage " + query.ToString(), out, DURATION);
+        return Filled("Usage" + Marshalled(query), out, DURATION);
     }
 
-    int32_t NotifyPowerEvent(int32_t event) override
-    {
-        return Called("Power " + std::to_string(event));
-    }
+    int32_t NotifyPowerEvent(int32_t event) override { return Called("Power" + I32(event)); }
 
-    /** The calls since the last time. */
-    Lines Take()
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        return std::exchange(calls, {});
-    }
-
-    size_t elements = 0; // How many a query appends.
+    std::optional<Bytes> record; // The one that a query appends: none that is readable for a new one.
+    size_t elements = 0;         // And how often.
     int32_t result = 0;
+    std::function<void()> whenCalled = [] {};
     sptr<IRemoteObject> listenerObject; // Of the last call; null if it had none.
 
 private:
-    int32_t Called(const std::string& what, const sptr<IRemoteBroker>& listener = nullptr)
+    int32_t Called(const Bytes& call, const sptr<IRemoteBroker>& listener = nullptr)
     {
-        const std::lock_guard<std::mutex> lock(mutex);
-        calls.push_back(what);
+        Journal::Add(call);
         listenerObject = listener != nullptr ? listener->AsObject() : nullptr;
+        whenCalled();
         return result;
     }
 
     template <typename T>
-    int32_t Filled(const std::string& what, std::vector<T>& out, const Sample& sample)
+    int32_t Filled(const Bytes& call, std::vector<T>& out, const Sample& sample)
     {
-        out.insert(out.end(), elements, *Read<T>(sample.bytes));
-        return Called(what);
+        Failing::nthNew = 0; // The fake itself has memory.
+        const auto chosen = Read<T>(record.value_or(sample.bytes));
+        out.insert(out.end(), elements, chosen != nullptr ? *chosen : T());
+        return Called(call);
     }
-
-    std::mutex mutex;
-    Lines calls;
 };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test

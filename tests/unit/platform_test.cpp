@@ -7,13 +7,10 @@
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <thread>
-#include <tuple>
 #include <type_traits>
 #include <unistd.h>
 
 #include "ipc_object_stub.h"
-#include "message_option.h"
-#include "string_ex.h"
 #include "support.h"
 #include "wire.h"
 
@@ -21,9 +18,9 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test {
 namespace {
 
 using namespace std::string_literals;
-using HiviewDFX::HiLog;
 
-// Each kind of item once, as literals: what the other tests put together of items is no better than these.
+// Each kind of item once, as literals: what the other tests put together of items is no better than these. What is read
+// of any bytes, and what does not fit, the fuzz target of the parcel says.
 TEST(ParcelTest, ItemsHaveTheirBytes)
 {
     const sptr<IRemoteObject> object = new IPCObjectStub();
@@ -36,76 +33,20 @@ TEST(ParcelTest, ItemsHaveTheirBytes)
                                "\0\0\xC0\xBF\x9A\x99\x99\x99\x99\x99\xB9\x3F\4\0\0\0a\0cd\0\0\0\0"
                                "\2\0\0\0a\0\xAC\x20\0\0\0\0abcde\0\0\0\0\0\0\0"s +
                                    Bytes(24, '\0'));
-    EXPECT_TRUE(parcel.RewindRead(52));
-    EXPECT_EQ(Bytes(reinterpret_cast<const char*>(parcel.ReadBuffer(5)), 5), "abcde");
-    EXPECT_EQ(parcel.GetReadPosition(), 57U);
-    // What would be the rest of a text or number is the object's.
-    std::string text;
-    auto wide = int64_t{7};
-    EXPECT_TRUE(parcel.RewindRead(60));
-    EXPECT_FALSE(parcel.ReadString(text) || parcel.ReadBuffer(5));
-    EXPECT_EQ(parcel.GetReadPosition(), 60U);
-    EXPECT_FALSE(parcel.ReadInt64(wide) || parcel.ReadBool() || parcel.ReadRemoteObject());
-    EXPECT_EQ(std::make_pair(wide, parcel.GetReadPosition()), std::make_pair(int64_t{7}, size_t{72}));
-    EXPECT_TRUE(parcel.RewindRead(64));
-    EXPECT_EQ(parcel.ReadRemoteObject(), object);
 }
 
-TEST(ParcelTest, WhatCannotBeWrittenLeavesTheseBytes)
+TEST(ParcelTest, WhatIsNoSizeIsNotTaken)
 {
-    struct Writable : RawParcel {
-        using Parcel::SetReceived;
-    } parcel;
+    RawParcel parcel;
     for (size_t less = 0; less < 7; less++) {
         EXPECT_EQ(parcel.Extend(SIZE_MAX - less), nullptr);
     }
-    EXPECT_FALSE(parcel.WriteBuffer(nullptr, 4) || parcel.WriteBuffer("", 0) || parcel.SetMaxCapacity(204800));
-    parcel.FillUp(8);
-    EXPECT_FALSE(parcel.WriteString16(u"ab") || parcel.WriteInterfaceToken(u""));
-    EXPECT_TRUE(parcel.WriteStrongParcelable(nullptr) && parcel.WriteStrongParcelable(nullptr));
-    EXPECT_FALSE(parcel.WriteParcelable(nullptr));
-    EXPECT_EQ(BytesOf(parcel).substr(204788), "xxxx\2\0\0\0\0\0\0\0"s);
+    EXPECT_FALSE(parcel.WriteBuffer(nullptr, 4) || parcel.WriteBuffer("", 0));
     EXPECT_TRUE(parcel.SetMaxCapacity(SIZE_MAX));
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // Whose allocators end the program instead.
     EXPECT_EQ(parcel.Extend(SIZE_MAX / 2), nullptr);
 #endif
-    EXPECT_TRUE(parcel.WriteBuffer("more", 4));
-    parcel.SetReceived();
-    EXPECT_FALSE(parcel.WriteInt32(1) || parcel.WriteString(""));
-    EXPECT_EQ(parcel.GetDataSize(), 204804U);
-}
-
-TEST(ParcelTest, BrokenStringsAreEmptyAndLeaveTheCursorHere)
-{
-    for (const auto& [bytes, cursor] : {std::make_pair("\1\0\0\0ab\0\0"s, 0U), {"\2\0\0\0ab"s, 0U}, {"\1\0"s, 0U},
-             {"\xFE\xFF\xFF\x7F\0\0\0\0"s, 0U}, {"\xFF\xFF\xFF\x7F\0"s, 4U}, {"\xFF\xFF\xFF\xFF"s, 4U}}) {
-        RawParcel parcel(bytes);
-        std::string text = "old";
-        EXPECT_FALSE(parcel.ReadString(text));
-        EXPECT_EQ(std::make_pair(text, parcel.GetReadPosition()), std::make_pair(""s, size_t{cursor}));
-    }
-    EXPECT_EQ(RawParcel("\1\0\0\0a\0"s).ReadString(), "a"); // Its padding is missing.
-}
-
-TEST(MessageOptionTest, SettersCorrectWhatTheConstructorKeeps)
-{
-    MessageOption option = 4;
-    option.SetFlags(MessageOption::TF_ASYNC);
-    EXPECT_EQ(option.GetFlags(), 5);
-    EXPECT_EQ(MessageOption(0, -5).GetWaitTime(), -5);
-    for (const auto& [seconds, kept] : {std::make_pair(0, 8), {1, 1}, {3001, 3000}}) {
-        option.SetWaitTime(seconds);
-        EXPECT_EQ(option.GetWaitTime(), kept);
-    }
-}
-
-TEST(StringTest, MalformedTextIsTakenAsItComes)
-{
-    EXPECT_EQ(Str8ToStr16("a\x80\xBF\xC2\x41\xED\xA0\x80\xF0\x82\x82\xAC\xF8\x90\x80\x80\xFF\xBF\xBF\xBF"),
-        u"a\x80\xBF\x81\xD800\u20AC\xD800\xDC00\xDFBF\xDFFF");
-    EXPECT_EQ(Str8ToStr16("a\xC0\x80\x62"), u"a");
-    EXPECT_EQ(Str8ToStr16("a\0\xE2\x82"s) + Str8ToStr16("a\xF0\x90\x80"), u"");
-    EXPECT_EQ(Str16ToStr8(u"\xDC00\xD800\xD83D\xDE00\x80\uFFFF\xD800\0b"s), "\xF0\x9F\x98\x80\xC2\x80\xEF\xBF\xBF");
+    EXPECT_EQ(parcel.GetDataSize(), 0U);
 }
 
 // Writes its life down in `story`: F and L for the first and last strong reference, D for the end.
@@ -113,20 +54,11 @@ class Object : public virtual RefBase {
 public:
     explicit Object(std::string& written) : story(written) {}
 
-    ~Object() override
-    {
-        story += 'D';
-    }
+    ~Object() override { story += 'D'; }
 
-    void OnFirstStrongRef(const void* /* objectId */) override
-    {
-        story += 'F';
-    }
+    void OnFirstStrongRef(const void* /* objectId */) override { story += 'F'; }
 
-    void OnLastStrongRef(const void* /* objectId */) override
-    {
-        story += 'L';
-    }
+    void OnLastStrongRef(const void* /* objectId */) override { story += 'L'; }
 
     std::string& story;
 };
@@ -201,9 +133,9 @@ TEST(RefBaseTest, ReferencesOfSeveralThreadsRace)
 template <typename... Args>
 std::string Format(const char* fmt, Args... args)
 {
-    LogCapture log;
+    const Journal journal;
     EXPECT_EQ(HiLogPrint(LOG_APP, LOG_DEBUG, 0xD005610, "T", fmt, args...), 0);
-    const std::string line = log.Take().at(0);
+    const std::string line = Journal::Take().at(0);
     EXPECT_EQ(line.substr(0, 17), "D 0 0xd005610 T: ");
     return line.substr(17);
 }
@@ -227,12 +159,10 @@ TEST(HilogDeathTest, LinesFromTheLevelOfTheEnvironmentUpwardsArePrinted)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto logAtEveryLevel = [] {
-        const HiviewDFX::HiLogLabel label = {LOG_INIT, 0xD012AB5, "LABEL"};
-        HiLog::Debug(label, "%{public}s", "D");
-        HiLog::Info(label, "%{public}s", "I");
-        HiLog::Warn(label, "%{public}s", "W");
-        HiLog::Error(label, "%{public}s", "E");
-        HiLog::Fatal(label, "%{public}s", "F");
+        for (int level = LOG_DEBUG; level <= LOG_FATAL; ++level) {
+            const char letter[] = {"DIWEF"[level - LOG_DEBUG], '\0'};
+            HiLogPrint(LOG_INIT, static_cast<LogLevel>(level), 0xD012AB5, "LABEL", "%{public}s", letter);
+        }
         _exit(0);
     };
     for (const auto& [name, printed] : {std::make_pair("D", "DIWEF"), {"W", "WEF"}, {"F", "F"}, {"OFF", ""},

@@ -61,10 +61,7 @@ std::unique_ptr<T> Read(const Bytes& bytes)
 }
 
 /** A record as a parcelable, after its presence flag. */
-inline Bytes Present(const Sample& sample)
-{
-    return I32(1) + sample.bytes;
-}
+inline Bytes Present(const Sample& sample) { return I32(1) + sample.bytes; }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test
 

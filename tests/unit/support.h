@@ -19,11 +19,8 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test {
 
 using Lines = std::vector<std::string>;
 
-/** A line of the service's interface, as LogCapture shows it. */
-inline Lines Labelled(const std::string& message)
-{
-    return {"E 3 0xd005610 PrivacyIndicatorService: " + message};
-}
+/** A line of the service's interface, as the journal has it. */
+inline Lines Labelled(const std::string& message) { return {"E 3 0xd005610 PrivacyIndicatorService: " + message}; }
 
 /** A line under a source file's tag; its end is "function: message". */
 inline std::string Line(char level, const std::string& end, const std::string& tag = "PrivacyIndicator")
@@ -37,29 +34,34 @@ inline Lines operator+(Lines lines, const Lines& more)
     return lines;
 }
 
-/** Collects what the library logs while it lives: level, type, domain, tag and text of each line. One at a time. */
-class LogCapture {
+/**
+ * What happens, in its order: the calls that the fakes and listeners add, and, while one of these lives, what the
+ * library logs: level, type, domain, tag and text of each line. One at a time.
+ */
+class Journal {
 public:
-    LogCapture()
+    Journal()
     {
         Take();
         LOG_SetCallback([](LogType type, LogLevel level, unsigned int domain, const char* tag, const char* message) {
             std::ostringstream line;
             line << "???DIWEF"[level] << ' ' << type << " 0x" << std::hex << domain << ' ' << tag << ": " << message;
             if (domain == 0xD005610) { // The library's, not the platform's.
-                const std::lock_guard<std::mutex> lock(mutex);
-                lines.push_back(line.str());
+                Add(line.str());
             }
         });
     }
 
-    ~LogCapture()
+    ~Journal() { LOG_SetCallback(nullptr); }
+
+    static void Add(const std::string& line)
     {
-        LOG_SetCallback(nullptr);
+        const std::lock_guard<std::mutex> lock(mutex);
+        lines.push_back(line);
     }
 
     /** The lines since the last time. */
-    Lines Take()
+    static Lines Take()
     {
         const std::lock_guard<std::mutex> lock(mutex);
         return std::exchange(lines, {});

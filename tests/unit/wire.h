@@ -22,25 +22,13 @@ Bytes Number(T value)
     return bytes;
 }
 
-inline Bytes I32(int64_t value)
-{
-    return Number(static_cast<int32_t>(value));
-}
+inline Bytes I32(int64_t value) { return Number(static_cast<int32_t>(value)); }
 
-inline Bytes I64(int64_t value)
-{
-    return Number(value);
-}
+inline Bytes I64(int64_t value) { return Number(value); }
 
-inline Bytes Padded(const Bytes& bytes)
-{
-    return bytes + Bytes((4 - bytes.size() % 4) % 4, '\0');
-}
+inline Bytes Padded(const Bytes& bytes) { return bytes + Bytes((4 - bytes.size() % 4) % 4, '\0'); }
 
-inline Bytes Str(const std::string& text)
-{
-    return I32(static_cast<int64_t>(text.size())) + Padded(text + '\0');
-}
+inline Bytes Str(const std::string& text) { return I32(static_cast<int64_t>(text.size())) + Padded(text + '\0'); }
 
 inline Bytes Str16(const std::u16string& text)
 {
@@ -51,10 +39,7 @@ inline Bytes Str16(const std::u16string& text)
     return I32(static_cast<int64_t>(text.size())) + Padded(units);
 }
 
-inline Bytes Token(const std::u16string& descriptor)
-{
-    return I32(0x100) + I32(0) + Str16(descriptor);
-}
+inline Bytes Token(const std::u16string& descriptor) { return I32(0x100) + I32(0) + Str16(descriptor); }
 
 inline Bytes Times(int count, const Bytes& bytes)
 {
@@ -68,6 +53,14 @@ inline Bytes Times(int count, const Bytes& bytes)
 inline Bytes BytesOf(const Parcel& parcel)
 {
     return {reinterpret_cast<const char*>(parcel.GetData()), parcel.GetDataSize()}; // NOLINT(performance-no-int-to-ptr)
+}
+
+template <typename T>
+Bytes Marshalled(const T& record)
+{
+    MessageParcel parcel;
+    record.Marshalling(parcel);
+    return BytesOf(parcel);
 }
 
 /** A parcel that holds `bytes` as if they came from outside: any number of them, without padding at the end. */

@@ -2,9 +2,9 @@
 #include <fstream>
 #include <sstream>
 
-#include "fake_service.h"
-#include "privacy_event_listener_proxy.h"
-#include "privacy_indicator_service_intf_proxy.h"
+#include <gtest/gtest.h>
+
+#include "wire.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test {
 namespace {
@@ -28,29 +28,17 @@ Bytes ExampleOf(const std::string& words)
     return bytes;
 }
 
-TEST(WireFormatPageTest, TheExamplesAreWhatIsSentAndRead)
+// The other tests compare what is sent and read with the same items.
+TEST(WireFormatPageTest, TheExamplesAreOfThisFormat)
 {
-    const sptr<FakeRemote> remote = new FakeRemote();
-    PrivacyIndicatorServiceIntfProxy service(remote);
-    EXPECT_EQ(service.TurnOffIndicator(2, 1), 0);
-    EXPECT_EQ(remote->header.at(0), 7);
-    EXPECT_EQ(remote->request, ExampleOf("TurnOffIndicator"));
-
-    remote->answer = ExampleOf("GetActiveIndicators");
-    std::vector<IndicatorData> indicators;
-    EXPECT_EQ(service.GetActiveIndicators(indicators), 0);
-    ASSERT_EQ(indicators.size(), 1U);
-    EXPECT_EQ(indicators[0].ToString(),
-        "Indicator{privacySensorType=0, state=0, positionX=12.500000, positionY=-0.250000, width=3.000000, "
-        "height=0.500000, color='#00ff00', animationType=4}");
-
-    PrivacyEventRemindInfo info;
-    info.bundleName = "com.example.chat";
-    info.uid = 20010043;
-    info.privacySensorType = 1;
-    info.privacyAccessState = 2;
-    Privacy::PrivacyEventListenerProxy(remote).OnPrivacyEventChanged("sensorStateChange", {info});
-    EXPECT_EQ(remote->request, ExampleOf("event"));
+    EXPECT_EQ(ExampleOf("TurnOffIndicator"),
+        Token(u"OHOS.Korvane.Quenlar.PrivacyIndicator.PrivacyIndicatorServiceIntf") + I32(2) + I32(1));
+    EXPECT_EQ(ExampleOf("GetActiveIndicators"), I32(0) + I32(1) + I32(1) + I32(0) + I32(0) + I32(0x41480000) +
+                                                    I32(0xBE800000) + I32(0x40400000) + I32(0x3F000000) +
+                                                    Str("#00ff00") + I32(4));
+    EXPECT_EQ(ExampleOf("event"), Token(u"ohos.korvane.quenlar.PrivacyIndicator.Privacy.IPrivacyEventListener") +
+                                      Str("sensorStateChange") + I32(1) + I32(1) + Str("com.example.chat") +
+                                      I32(20010043) + I32(1) + I32(2) + I32(0));
 }
 
 } // namespace

@@ -52,15 +52,9 @@ public:
             data_ + start, data_ + size_, [](unsigned char letter) { return std::iscntrl(letter) != 0; }, '?');
     }
 
-    const char* GetData() const
-    {
-        return data_;
-    }
+    const char* GetData() const { return data_; }
 
-    size_t GetSize() const
-    {
-        return size_;
-    }
+    size_t GetSize() const { return size_; }
 
 private:
     char data_[CAPACITY] = {}; // There is always a NUL at size_.
@@ -210,17 +204,13 @@ int Print(LogType type, LogLevel level, unsigned int domain, const char* tag, co
 
 } // namespace
 
-// A function with "..." cannot hand its arguments on but as a va_list.
-#define PRINT_ARGUMENTS(type, level, domain, tag, fmt)                                                                 \
-    va_list arguments;                                                                                                 \
-    va_start(arguments, fmt);                                                                                          \
-    const int result = Print(type, level, domain, tag, fmt, arguments);                                                \
-    va_end(arguments);                                                                                                 \
-    return result
-
 int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, ...)
 {
-    PRINT_ARGUMENTS(type, level, domain, tag, fmt);
+    va_list arguments;
+    va_start(arguments, fmt);
+    const int result = Print(type, level, domain, tag, fmt, arguments);
+    va_end(arguments);
+    return result;
 }
 
 bool HiLogIsLoggable(unsigned int /* domain */, const char* /* tag */, LogLevel level)
@@ -229,36 +219,4 @@ bool HiLogIsLoggable(unsigned int /* domain */, const char* /* tag */, LogLevel 
     return level >= threshold && level <= LOG_FATAL;
 }
 
-void LOG_SetCallback(LogCallback callback)
-{
-    g_callback.store(callback);
-}
-
-namespace OHOS::HiviewDFX {
-
-int HiLog::Debug(const HiLogLabel& label, const char* fmt, ...)
-{
-    PRINT_ARGUMENTS(label.type, LOG_DEBUG, label.domain, label.tag, fmt);
-}
-
-int HiLog::Info(const HiLogLabel& label, const char* fmt, ...)
-{
-    PRINT_ARGUMENTS(label.type, LOG_INFO, label.domain, label.tag, fmt);
-}
-
-int HiLog::Warn(const HiLogLabel& label, const char* fmt, ...)
-{
-    PRINT_ARGUMENTS(label.type, LOG_WARN, label.domain, label.tag, fmt);
-}
-
-int HiLog::Error(const HiLogLabel& label, const char* fmt, ...)
-{
-    PRINT_ARGUMENTS(label.type, LOG_ERROR, label.domain, label.tag, fmt);
-}
-
-int HiLog::Fatal(const HiLogLabel& label, const char* fmt, ...)
-{
-    PRINT_ARGUMENTS(label.type, LOG_FATAL, label.domain, label.tag, fmt);
-}
-
-} // namespace OHOS::HiviewDFX
+void LOG_SetCallback(LogCallback callback) { g_callback.store(callback); }

@@ -21,19 +21,19 @@ public:
     static Tag Create(const std::string& module, const std::string& component, const std::string& subSystem);
 
     /** The log type for HiLogPrint. */
-    LogType GetLogType() const;
+    LogType GetLogType() const { return LOG_CORE; }
 
     /** The domain for HiLogPrint. */
-    uint32_t GetDomain() const;
+    uint32_t GetDomain() const { return 0xD005610; }
 
     /** The tag for HiLogPrint. This and the next two references are valid as long as the Tag. */
-    const std::string& GetSubSystemTag() const;
+    const std::string& GetSubSystemTag() const { return subSystem_; }
 
     /** The first field of a line. */
-    const std::string& GetComponentTag() const;
+    const std::string& GetComponentTag() const { return component_; }
 
     /** The second field of a line. */
-    const std::string& GetModuleTag() const;
+    const std::string& GetModuleTag() const { return module_; }
 
 private:
     Tag(const std::string& module, const std::string& component, const std::string& subSystem);

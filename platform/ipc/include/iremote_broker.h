@@ -24,10 +24,7 @@ public:
 
 /** Names an interface: the token of its requests, and the key of its proxy's registration. */
 #define DECLARE_INTERFACE_DESCRIPTOR(DESCRIPTOR)                                                                       \
-    static std::u16string GetDescriptor()                                                                              \
-    {                                                                                                                  \
-        return DESCRIPTOR;                                                                                             \
-    }
+    static std::u16string GetDescriptor() { return DESCRIPTOR; }
 
 /** Makes a proxy of type T for a remote object; null if there is no memory for it. */
 template <typename T>
@@ -83,7 +80,6 @@ class BrokerDelegator : public BrokerDelegatorBase {
 public:
     BrokerDelegator()
     {
-        std::lock_guard<std::mutex> lock(mutex_);
         const std::u16string descriptor = T::GetDescriptor();
         if (BrokerRegistration::Get().Register(descriptor, BrokerCreator<T>(), this)) {
             descriptor_ = descriptor;
@@ -92,14 +88,10 @@ public:
 
     ~BrokerDelegator() override
     {
-        std::lock_guard<std::mutex> lock(mutex_);
         if (!isSoUnloaded && !descriptor_.empty()) {
             BrokerRegistration::Get().Unregister(descriptor_);
         }
     }
-
-private:
-    std::mutex mutex_;
 };
 
 /** `object` as interface I, whose proxies and stubs derive from it plainly; null if it is none. */

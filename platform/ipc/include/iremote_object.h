@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ipc_types.h"
@@ -31,12 +32,12 @@ public:
     virtual int32_t GetObjectRefCount() = 0;
 
     /**
-     * Sends a request, and waits for the reply unless `option` says otherwise, for its wait time at most. Returns what
-     * the target's OnRemoteRequest returned, or a code of ipc_types.h; `reply` is filled only at 0.
+     * Sends a request, and waits for the reply unless `option` says otherwise. Returns what the target's
+     * OnRemoteRequest returned, or, not 0, that it did not come so far; `reply` is filled only at 0.
      */
     virtual int SendRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option) = 0;
 
-    /** Has `recipient`, which is held strongly, told of the object's death. False if it is null or that can't be. */
+    /** Has `recipient`, which is held strongly, called at the object's death. False if it is null or that can't be. */
     virtual bool AddDeathRecipient(const sptr<DeathRecipient>& recipient) = 0;
 
     /** Takes one entry of `recipient` away. False if there is none. Does not wait for a notice under way. */
@@ -45,11 +46,11 @@ public:
     /** Writes a description for people to `fd`. 0 for success. */
     virtual int Dump(int fd, const std::vector<std::u16string>& args) = 0;
 
-    /** True if the object lives in another process. */
-    virtual bool IsProxyObject() const;
+    /** True unless the object lives in this process. */
+    virtual bool IsProxyObject() const { return true; }
 
     /** True once the object's process is gone. */
-    virtual bool IsObjectDead() const;
+    virtual bool IsObjectDead() const { return false; }
 
     /** Writes the object to `parcel`, which must be a MessageParcel: false otherwise. */
     bool Marshalling(Parcel& parcel) const override;
@@ -57,10 +58,10 @@ public:
     /** The interface that a local object implements; null by default. */
     virtual sptr<IRemoteBroker> AsInterface();
 
-    std::u16string GetObjectDescriptor() const;
+    std::u16string GetObjectDescriptor() const { return descriptor_; }
 
 protected:
-    explicit IRemoteObject(std::u16string descriptor = std::u16string());
+    explicit IRemoteObject(std::u16string descriptor = std::u16string()) : descriptor_(std::move(descriptor)) {}
 
 private:
     const std::u16string descriptor_;

@@ -14,10 +14,7 @@ public:
     explicit IRemoteProxy(const sptr<IRemoteObject>& object) : PeerHolder(object) {}
 
 protected:
-    sptr<IRemoteObject> AsObject() override
-    {
-        return Remote();
-    }
+    sptr<IRemoteObject> AsObject() override { return Remote(); }
 };
 
 } // namespace OHOS

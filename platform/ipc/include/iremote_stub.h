@@ -13,15 +13,9 @@ class IRemoteStub : public IPCObjectStub, public I {
 public:
     explicit IRemoteStub(bool serialInvokeFlag = false) : IPCObjectStub(I::GetDescriptor(), serialInvokeFlag) {}
 
-    sptr<IRemoteObject> AsObject() override
-    {
-        return sptr<IRemoteObject>(this);
-    }
+    sptr<IRemoteObject> AsObject() override { return sptr<IRemoteObject>(this); }
 
-    sptr<IRemoteBroker> AsInterface() override
-    {
-        return sptr<IRemoteBroker>(this);
-    }
+    sptr<IRemoteBroker> AsInterface() override { return sptr<IRemoteBroker>(this); }
 };
 
 } // namespace OHOS

@@ -20,26 +20,14 @@ public:
     MessageOption(int flags = TF_SYNC, int waitTime = TF_WAIT_TIME) : flags_(flags), waitTime_(waitTime) {}
 
     /** Adds flags to those that are set. */
-    void SetFlags(int flags)
-    {
-        flags_ |= flags;
-    }
+    void SetFlags(int flags) { flags_ |= flags; }
 
-    int GetFlags() const
-    {
-        return flags_;
-    }
+    int GetFlags() const { return flags_; }
 
     /** The longest that a call may take, in seconds: 8 for anything below 1, and 3000 for anything above that. */
-    void SetWaitTime(int waitTime)
-    {
-        waitTime_ = waitTime < 1 ? TF_WAIT_TIME : std::min(waitTime, MAX_WAIT_TIME);
-    }
+    void SetWaitTime(int waitTime) { waitTime_ = waitTime < 1 ? TF_WAIT_TIME : std::min(waitTime, MAX_WAIT_TIME); }
 
-    int GetWaitTime() const
-    {
-        return waitTime_;
-    }
+    int GetWaitTime() const { return waitTime_; }
 
 private:
     int flags_;

@@ -2,7 +2,6 @@
 #ifndef MESSAGE_PARCEL_H
 #define MESSAGE_PARCEL_H
 
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -11,18 +10,9 @@
 
 namespace OHOS {
 
-namespace Transport {
-class Peer;
-class Incoming;
-class Outgoing;
-} // namespace Transport
-
 /** A parcel that also carries an interface token and remote objects. Not thread-safe. */
 class MessageParcel : public Parcel {
 public:
-    MessageParcel();
-    ~MessageParcel() override;
-
     /** Two int32, then the token as a UTF-16 string. A first int32 without room for the second is taken back. */
     bool WriteInterfaceToken(std::u16string token);
 
@@ -30,9 +20,8 @@ public:
     std::u16string ReadInterfaceToken();
 
     /**
-     * Adds an object, which the parcel then holds strongly: 24 bytes. False for null, and for a proxy when the parcel
-     * goes to, or already holds a proxy of, another process than the proxy's: objects are handed on by their owner
-     * only.
+     * Adds an object, which the parcel then holds strongly: 24 bytes. False for null. A parcel with a proxy can be sent
+     * to the proxy's process only: objects are handed on by their owner.
      */
     bool WriteRemoteObject(const sptr<IRemoteObject>& object);
 
@@ -46,17 +35,14 @@ protected:
     bool HasObject(size_t begin, size_t end) const override;
 
 private:
-    friend class Transport::Incoming;
-    friend class Transport::Outgoing;
-    friend class Transport::Peer;
+    friend class ParcelMessage;
 
     struct Entry {
         size_t position;
         sptr<IRemoteObject> object;
     };
 
-    std::vector<Entry> objects_;            // By rising position.
-    std::shared_ptr<Transport::Peer> peer_; // The one other process that this parcel has to do with, once known.
+    std::vector<Entry> objects_; // By rising position.
 };
 
 } // namespace OHOS

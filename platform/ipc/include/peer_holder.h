@@ -15,10 +15,7 @@ protected:
     explicit PeerHolder(const sptr<IRemoteObject>& object) : remote_(object) {}
 
     /** The remote object; null if the proxy was made without one. */
-    sptr<IRemoteObject> Remote()
-    {
-        return remote_;
-    }
+    sptr<IRemoteObject> Remote() { return remote_; }
 
 private:
     const sptr<IRemoteObject> remote_;

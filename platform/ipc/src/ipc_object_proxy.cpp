@@ -4,26 +4,46 @@
 #include <algorithm>
 #include <utility>
 
+#include "parcel_message.h"
 #include "peer.h"
 #include "process.h"
+#include "transport_error.h"
 
 namespace OHOS {
 
+namespace {
+
+constexpr uint32_t LAST_CODE = 0x00ffffff;
+
+} // namespace
+
 IPCObjectProxy::IPCObjectProxy(std::shared_ptr<Transport::Peer> peer, uint64_t id) : peer_(std::move(peer)), id_(id) {}
 
-IPCObjectProxy::~IPCObjectProxy()
-{
-    peer_->Remove(*this);
-}
-
-int32_t IPCObjectProxy::GetObjectRefCount()
-{
-    return GetSptrRefCount();
-}
+IPCObjectProxy::~IPCObjectProxy() { peer_->Forget(this, id_); }
 
 int IPCObjectProxy::SendRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option)
 {
-    return peer_->Call(id_, code, data, reply, option);
+    if (code > LAST_CODE) {
+        return IPC_PROXY_INVALID_CODE_ERR;
+    }
+    const auto deadline = Transport::Clock::now() + std::chrono::seconds(std::max(option.GetWaitTime(), 0));
+    if (IsObjectDead()) {
+        return ERR_DEAD_OBJECT;
+    }
+    ParcelMessage sent(*peer_, data);
+    if (sent.error != 0) {
+        return sent.error;
+    }
+    Transport::Message& call = sent.message;
+    call.header.kind = Transport::Header::CALL;
+    call.header.code = code;
+    call.header.objectId = id_;
+    if ((static_cast<uint32_t>(option.GetFlags()) & MessageOption::TF_ASYNC) != 0) {
+        call.header.flags = Transport::Header::ONE_WAY;
+        return peer_->CallOneWay(call);
+    }
+    return peer_->Call(
+        call, deadline, [&](const Transport::Message& answer) { return ParcelMessage::Read(answer, *peer_, reply); });
 }
 
 bool IPCObjectProxy::AddDeathRecipient(const sptr<DeathRecipient>& recipient)
@@ -32,7 +52,7 @@ bool IPCObjectProxy::AddDeathRecipient(const sptr<DeathRecipient>& recipient)
         return false;
     }
     std::lock_guard<std::mutex> lock(mutex_);
-    // The peer is marked dead before its obituary takes this lock, so that no recipient comes too late unnoticed.
+    // The peer is marked dead before its death is announced, so that no recipient comes too late unnoticed.
     if (recipient == nullptr || IsObjectDead()) {
         return false;
     }
@@ -56,22 +76,9 @@ bool IPCObjectProxy::RemoveDeathRecipient(const sptr<DeathRecipient>& recipient)
     return true;
 }
 
-int IPCObjectProxy::Dump(int /* fd */, const std::vector<std::u16string>& /* args */)
-{
-    return ERR_UNKNOWN_CODE;
-}
+bool IPCObjectProxy::IsObjectDead() const { return peer_->IsDead(); }
 
-bool IPCObjectProxy::IsProxyObject() const
-{
-    return true;
-}
-
-bool IPCObjectProxy::IsObjectDead() const
-{
-    return peer_->IsDead();
-}
-
-void IPCObjectProxy::SendObituary()
+void IPCObjectProxy::AnnounceDeath()
 {
     for (;;) {
         sptr<DeathRecipient> recipient;
@@ -81,7 +88,7 @@ void IPCObjectProxy::SendObituary()
                 return;
             }
             recipient = std::move(recipients_.front());
-            recipients_.pop_front();
+            recipients_.erase(recipients_.begin());
         }
         recipient->OnRemoteDied(sptr<IRemoteObject>(this));
     }

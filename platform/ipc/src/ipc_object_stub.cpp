@@ -9,11 +9,6 @@ IPCObjectStub::IPCObjectStub(std::u16string descriptor, bool serialInvokeFlag)
     : IRemoteObject(std::move(descriptor)), serial_(serialInvokeFlag ? new std::recursive_mutex() : nullptr)
 {}
 
-int32_t IPCObjectStub::GetObjectRefCount()
-{
-    return GetSptrRefCount();
-}
-
 int IPCObjectStub::SendRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option)
 {
     std::unique_lock<std::recursive_mutex> lock;
@@ -23,25 +18,10 @@ int IPCObjectStub::SendRequest(uint32_t code, MessageParcel& data, MessageParcel
     return OnRemoteRequest(code, data, reply, option);
 }
 
-bool IPCObjectStub::AddDeathRecipient(const sptr<DeathRecipient>& /* recipient */)
-{
-    return false;
-}
-
-bool IPCObjectStub::RemoveDeathRecipient(const sptr<DeathRecipient>& /* recipient */)
-{
-    return false;
-}
-
-int IPCObjectStub::Dump(int /* fd */, const std::vector<std::u16string>& /* args */)
-{
-    return ERR_NONE;
-}
-
 int IPCObjectStub::OnRemoteRequest(
     uint32_t /* code */, MessageParcel& /* data */, MessageParcel& /* reply */, MessageOption& /* option */)
 {
-    return ERR_UNKNOWN_CODE;
+    return IPC_STUB_UNKNOW_TRANS_ERR;
 }
 
 } // namespace OHOS

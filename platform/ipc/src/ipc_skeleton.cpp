@@ -9,14 +9,14 @@ namespace OHOS {
 
 uid_t IPCSkeleton::GetCallingUid()
 {
-    const Transport::Peer* caller = Transport::Peer::Calling();
-    return caller != nullptr ? caller->Uid() : getuid();
+    const Transport::Peer* caller = Transport::Peer::calling;
+    return caller != nullptr ? caller->uid : getuid();
 }
 
 pid_t IPCSkeleton::GetCallingPid()
 {
-    const Transport::Peer* caller = Transport::Peer::Calling();
-    return caller != nullptr ? caller->Pid() : getpid();
+    const Transport::Peer* caller = Transport::Peer::calling;
+    return caller != nullptr ? caller->identity.pid : getpid();
 }
 
 } // namespace OHOS

@@ -3,9 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
-#include <utility>
 
-#include "ipc_object_proxy.h"
 #include "message.h"
 
 namespace OHOS {
@@ -16,10 +14,6 @@ constexpr int32_t TOKEN_POLICY = 0x100;
 constexpr int32_t TOKEN_WORK_SOURCE = 0;
 
 } // namespace
-
-MessageParcel::MessageParcel() = default;
-
-MessageParcel::~MessageParcel() = default;
 
 // By value, as on a device.
 // cppcheck-suppress passedByValue
@@ -46,20 +40,13 @@ bool MessageParcel::WriteRemoteObject(const sptr<IRemoteObject>& object)
     if (object == nullptr) {
         return false;
     }
-    const auto* proxy = dynamic_cast<const IPCObjectProxy*>(object.GetRefPtr());
-    if (proxy != nullptr && peer_ != nullptr && proxy->peer_ != peer_) {
-        return false;
-    }
     const size_t position = GetDataSize();
-    uint8_t* bytes = Extend(Transport::HANDLE_SIZE);
+    uint8_t* bytes = Extend(Transport::OBJECT_SIZE);
     if (bytes == nullptr) {
         return false;
     }
-    std::memset(bytes, 0, Transport::HANDLE_SIZE);
+    std::memset(bytes, 0, Transport::OBJECT_SIZE);
     objects_.push_back({position, object});
-    if (proxy != nullptr) {
-        peer_ = proxy->peer_;
-    }
     return true;
 }
 
@@ -71,13 +58,13 @@ sptr<IRemoteObject> MessageParcel::ReadRemoteObject()
     if (found == objects_.end() || found->position != position) {
         return nullptr;
     }
-    return Skip(Transport::HANDLE_SIZE) ? found->object : nullptr;
+    return Skip(Transport::OBJECT_SIZE) ? found->object : nullptr;
 }
 
 bool MessageParcel::HasObject(size_t begin, size_t end) const
 {
     const auto next = std::partition_point(objects_.begin(), objects_.end(),
-        [begin](const Entry& entry) { return entry.position + Transport::HANDLE_SIZE <= begin; });
+        [begin](const Entry& entry) { return entry.position + Transport::OBJECT_SIZE <= begin; });
     return next != objects_.end() && next->position < end;
 }
 

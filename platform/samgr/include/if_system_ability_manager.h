@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "iremote_broker.h"
 #include "isystem_ability_status_change.h"
@@ -16,19 +17,25 @@ public:
     struct SAExtraProp {
         SAExtraProp() {} // Not defaulted: the class is not complete yet where this is a default argument.
 
+        SAExtraProp(bool distributed, unsigned int flags, std::u16string capabilities, std::u16string permissions)
+            : isDistributed(distributed), dumpFlags(flags), capability(std::move(capabilities)),
+              permission(std::move(permissions))
+        {}
+
         bool isDistributed = false;
-        unsigned int dumpFlags = 0;
+        unsigned int dumpFlags = 8;
         std::u16string capability;
         std::u16string permission;
     };
 
-    /** The service's object, or null. Asks the bus for at most 8 s, never the service. */
+    /** The service's object, or null. Asks the bus for at most 8 s, never the service; null at once without a bus. */
     virtual sptr<IRemoteObject> GetSystemAbility(int32_t systemAbilityId) = 0;
     virtual sptr<IRemoteObject> CheckSystemAbility(int32_t systemAbilityId) = 0;
 
     /**
-     * Makes `ability`, which is then held strongly, the service of that number. 0, or a code of ipc_types.h:
-     * ERR_REFUSED if another process holds the number or this one may not. Adding again replaces the object.
+     * Makes `ability`, which is then held strongly, the service of that number. 0; 3 for null; or a code of
+     * ipc_types.h: ERR_PERMISSION_DENIED if another process holds the number or this one may not, ERR_DEAD_OBJECT
+     * without a bus. Adding again replaces the object. When the bus goes and comes back, the service is added again.
      */
     virtual int32_t AddSystemAbility(
         int32_t systemAbilityId, const sptr<IRemoteObject>& ability, const SAExtraProp& extraProp = SAExtraProp()) = 0;
@@ -37,13 +44,13 @@ public:
     virtual int32_t RemoveSystemAbility(int32_t systemAbilityId) = 0;
 
     /**
-     * Has `listener`, which is held strongly, told on the notice thread when the service comes and goes, and once if it
-     * is there already. Subscribing again changes nothing. 0, or a code of ipc_types.h.
+     * Has `listener`, which is held strongly, called on the notice thread when the service comes and goes, and once if
+     * it is there already. Subscribing again changes nothing. 0, or a code of ipc_types.h.
      */
     virtual int32_t SubscribeSystemAbility(
         int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener) = 0;
 
-    /** No notice begins any more; one under way is not waited for. 0; ERR_INVALID_VALUE if it was not there. */
+    /** No notice begins any more; one under way is not waited for. 0, also if it was not there. */
     virtual int32_t UnSubscribeSystemAbility(
         int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener) = 0;
 

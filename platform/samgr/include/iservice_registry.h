@@ -12,8 +12,8 @@ public:
     static SystemAbilityManagerClient& GetInstance();
 
     /**
-     * The manager: this process's own where OHOS_BUS_ADDRESS is not set, else that of the bus. Null if the bus cannot
-     * be reached (the next call tries again) or was lost, at exit, and in a fork's child. Any thread may call it.
+     * The manager: this process's own where OHOS_BUS_ADDRESS is not set, else that of the bus, whether or not there is
+     * one at the moment. Null for a malformed address, at exit, and in a fork's child. Any thread may call it.
      */
     sptr<ISystemAbilityManager> GetSystemAbilityManager();
 };

@@ -10,7 +10,7 @@ namespace OHOS {
 /** Base of an availability listener: turns the manager's requests into its two calls. */
 class SystemAbilityStatusChangeStub : public IRemoteStub<ISystemAbilityStatusChange> {
 public:
-    /** 0; ERR_INVALID_VALUE for another token or a cut request. */
+    /** 0; ERR_PERMISSION_DENIED for another token; ERR_NULL_OBJECT for an id that is missing or out of range. */
     int OnRemoteRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option) override;
 };
 

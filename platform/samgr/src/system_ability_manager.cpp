@@ -2,97 +2,86 @@
 #include "system_ability_manager.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <memory>
+#include <optional>
 #include <utility>
 
-#include "bus.h"
-#include "exports.h"
+#include "iservice_registry.h"
+#include "never_destroyed.h"
 #include "notices.h"
-#include "peer.h"
+#include "peers.h"
 #include "process.h"
+#include "services.h"
+#include "system_ability_id.h"
 
 namespace OHOS {
 
 using Transport::Bus;
-using Transport::Exports;
+using Transport::MutexLock;
+using Transport::Notices;
+using Transport::Peers;
+using Transport::Services;
 
 namespace {
 
-constexpr int32_t LAST_SYSTEM_ABILITY_ID = 0x00ffffff;
-constexpr const char* NAME_PREFIX = "ohos.sa.SA";
+constexpr int32_t ERR_NULL_ABILITY = 3; // As the manager of a device calls it.
+const std::string NAME_PREFIX = "ohos.sa.SA";
+const std::string THIS_PROCESS = "this process"; // Where there is no bus.
 
-// The owner of every service where there is no bus.
-constexpr const char* THIS_PROCESS = "this";
+std::string NameOf(int32_t systemAbilityId) { return NAME_PREFIX + std::to_string(systemAbilityId); }
 
-bool IsValid(int32_t systemAbilityId)
+bool HasBus() { return Bus::GetAddress() == Bus::Address::GIVEN; }
+
+sptr<IRemoteObject> AsRemote(const sptr<RefBase>& object) { return dynamic_cast<IRemoteObject*>(object.GetRefPtr()); }
+
+// Makes `object` a service of this process, or with null takes it away. The former one's last reference, if it is one,
+// goes to the notice thread: a destructor there holds up nobody. False if there was none.
+bool Replace(int32_t systemAbilityId, const sptr<IRemoteObject>& object)
 {
-    return systemAbilityId >= 0 && systemAbilityId <= LAST_SYSTEM_ABILITY_ID;
-}
-
-std::string NameOf(int32_t systemAbilityId)
-{
-    return NAME_PREFIX + std::to_string(systemAbilityId);
-}
-
-// -1 for a name that is no service's.
-int32_t NumberOf(const std::string& name)
-{
-    const std::string prefix = NAME_PREFIX;
-    if (name.compare(0, prefix.size(), prefix) != 0) {
-        return -1;
+    const sptr<RefBase> former = Services::Get().Set(static_cast<uint64_t>(systemAbilityId), object);
+    if (former != nullptr) {
+        Notices::Post([former] {});
     }
-    const long number = std::strtol(name.c_str() + prefix.size(), nullptr, 10);
-    const bool isExact = number >= 0 && number <= LAST_SYSTEM_ABILITY_ID && name == prefix + std::to_string(number);
-    return isExact ? static_cast<int32_t>(number) : -1;
-}
-
-// Gives the object's last reference, if it is one, to the notice thread: a destructor there holds up nobody.
-void LetGo(sptr<IRemoteObject> object)
-{
-    if (object != nullptr) {
-        Transport::Notices::Post([released = std::move(object)] {});
-    }
+    return former != nullptr;
 }
 
 } // namespace
 
-SystemAbilityManager& SystemAbilityManager::Get()
-{
-    static const auto& manager = *new sptr<SystemAbilityManager>(new SystemAbilityManager());
-    return *manager;
-}
-
 SystemAbilityManager::SystemAbilityManager()
 {
-    Bus::Get().SetObservers(
-        [this](const std::string& name, const std::string& from, const std::string& to) {
-            const int32_t systemAbilityId = NumberOf(name);
-            if (systemAbilityId >= 0) {
-                ChangeOwner(systemAbilityId, from, to);
-            }
-        },
-        [this] { LoseAll(); });
+    Peers::Get(); // Which hears of everything first.
+    Bus::Get().Observe(*this);
 }
 
 bool SystemAbilityManager::IsUsable()
 {
-    return Transport::Process::IsUsable() && (!Bus::IsConfigured() || Bus::Get().Connect());
+    if (HasBus() && Transport::Process::IsUsable()) {
+        Bus::Get().Start();
+    }
+    return Transport::Process::IsUsable() && Bus::GetAddress() != Bus::Address::MALFORMED;
 }
 
 sptr<IRemoteObject> SystemAbilityManager::GetSystemAbility(int32_t systemAbilityId)
 {
-    if (!IsValid(systemAbilityId) || !IsUsable()) {
+    if (!IsSystemAbilityId(systemAbilityId) || !IsUsable()) {
         return nullptr;
     }
-    sptr<IRemoteObject> object = Exports::Get().FindService(systemAbilityId);
-    if (object == nullptr && Bus::IsConfigured()) {
-        const auto owner = Bus::Get().OwnerOf(NameOf(systemAbilityId));
-        // Who has yet to hear of the former one's end would hear from the next one before.
-        if (owner != nullptr && IsEndTold(systemAbilityId)) {
-            object = owner->ProxyOf(static_cast<uint64_t>(systemAbilityId), false);
+    const auto id = static_cast<uint64_t>(systemAbilityId);
+    const sptr<RefBase> own = Services::Get().Find(id);
+    if (!HasBus() || (own != nullptr && Bus::Get().IsUp())) {
+        return AsRemote(own);
+    }
+    const auto owner = Bus::Get().Ask([&] {
+        const std::string name = Bus::Get().OwnerOf(NameOf(systemAbilityId)).value_or("");
+        return name.empty() ? nullptr : Peers::Get().Meet(name);
+    });
+    {
+        const MutexLock lock(mutex_);
+        if (owner == nullptr || removals_.count(systemAbilityId) > 0) {
+            return nullptr; // Nobody hears from the next one before the former one's end.
         }
     }
-    return object;
+    return AsRemote(owner->ProxyOf(id, false));
 }
 
 sptr<IRemoteObject> SystemAbilityManager::CheckSystemAbility(int32_t systemAbilityId)
@@ -103,23 +92,35 @@ sptr<IRemoteObject> SystemAbilityManager::CheckSystemAbility(int32_t systemAbili
 int32_t SystemAbilityManager::AddSystemAbility(
     int32_t systemAbilityId, const sptr<IRemoteObject>& ability, const SAExtraProp& /* extraProp */)
 {
-    if (!IsValid(systemAbilityId) || ability == nullptr) {
+    if (ability == nullptr) {
+        return ERR_NULL_ABILITY;
+    }
+    if (!IsSystemAbilityId(systemAbilityId)) {
         return ERR_INVALID_VALUE;
     }
     if (!IsUsable()) {
         return ERR_DEAD_OBJECT;
     }
-    std::lock_guard<std::mutex> lock(changeMutex_);
+    const MutexLock changing(changeMutex_);
     // There to be called before anyone can know of it.
-    sptr<IRemoteObject> former = Exports::Get().AddService(systemAbilityId, ability);
-    int error = ERR_NONE;
-    if (!Bus::IsConfigured()) {
-        ChangeOwner(systemAbilityId, "", THIS_PROCESS);
-    } else if (former == nullptr) { // Else the name is this process's already.
-        error = Bus::Get().RequestName(NameOf(systemAbilityId));
+    const int32_t error = Replace(systemAbilityId, ability) ? ERR_NONE : Own(systemAbilityId);
+    if (error != ERR_NONE) {
+        Replace(systemAbilityId, nullptr);
+        // Should the name have been granted after all, or the bus have come meanwhile.
+        Bus::Get().Ask([&] { return Bus::Get().ReleaseName(NameOf(systemAbilityId)); });
     }
-    LetGo(error != ERR_NONE ? Exports::Get().RemoveService(systemAbilityId) : std::move(former));
     return error;
+}
+
+int32_t SystemAbilityManager::Own(int32_t systemAbilityId)
+{
+    const std::string name = NameOf(systemAbilityId);
+    if (!HasBus()) {
+        OnOwnerChange(name, "", THIS_PROCESS);
+        return ERR_NONE;
+    }
+    const auto isOwn = Bus::Get().Ask([&] { return Bus::Get().RequestName(name); });
+    return !isOwn.has_value() ? ERR_DEAD_OBJECT : *isOwn ? ERR_NONE : ERR_PERMISSION_DENIED;
 }
 
 int32_t SystemAbilityManager::RemoveSystemAbility(int32_t systemAbilityId)
@@ -127,44 +128,44 @@ int32_t SystemAbilityManager::RemoveSystemAbility(int32_t systemAbilityId)
     if (!IsUsable()) {
         return ERR_DEAD_OBJECT;
     }
-    std::lock_guard<std::mutex> lock(changeMutex_);
-    if (Exports::Get().FindService(systemAbilityId) == nullptr) {
+    const MutexLock changing(changeMutex_);
+    const std::string name = NameOf(systemAbilityId);
+    if (Services::Get().Find(static_cast<uint64_t>(systemAbilityId)) == nullptr) {
         return ERR_INVALID_VALUE;
     }
-    const int error = Bus::IsConfigured() ? Bus::Get().ReleaseName(NameOf(systemAbilityId)) : ERR_NONE;
-    LetGo(Exports::Get().RemoveService(systemAbilityId));
-    if (!Bus::IsConfigured()) {
-        ChangeOwner(systemAbilityId, THIS_PROCESS, "");
+    const bool isReleased = !HasBus() || Bus::Get().Ask([&] { return Bus::Get().ReleaseName(name); });
+    Replace(systemAbilityId, nullptr);
+    if (!HasBus()) {
+        OnOwnerChange(name, THIS_PROCESS, "");
     }
-    return error;
+    return isReleased ? ERR_NONE : ERR_DEAD_OBJECT;
 }
 
 int32_t SystemAbilityManager::SubscribeSystemAbility(
     int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener)
 {
-    if (!IsValid(systemAbilityId) || listener == nullptr) {
+    if (!IsSystemAbilityId(systemAbilityId) || listener == nullptr) {
         return ERR_INVALID_VALUE;
     }
     if (!IsUsable()) {
         return ERR_DEAD_OBJECT;
     }
-    std::lock_guard<std::mutex> lock(mutex_);
-    const auto [known, isNew] = availabilities_.try_emplace(systemAbilityId);
-    Availability& availability = known->second;
-    if (FindListener(availability, listener) != availability.subscriptions.end()) {
-        return ERR_NONE;
+    {
+        const MutexLock lock(mutex_);
+        Availability& availability = availabilities_[systemAbilityId];
+        if (Find(availability, listener) != availability.subscriptions.end()) {
+            return ERR_NONE;
+        }
+        availability.subscriptions.push_back({listener, ++lastSubscription_});
+        if (availability.isUp) {
+            Announce(systemAbilityId, true, availability.subscriptions.back());
+        }
     }
-    availability.subscriptions.push_back({listener, ++lastSubscription_});
-    if (!availability.told.empty()) {
-        Tell(systemAbilityId, availability.subscriptions.back(), ISystemAbilityStatusChange::ON_ADD_SYSTEM_ABILITY);
-    } else if (isNew && Bus::IsConfigured()) {
-        Bus::Get().Post([this, systemAbilityId] {
-            Bus::Get().AskOwner(NameOf(systemAbilityId),
-                [this, systemAbilityId](const std::string& owner) { ChangeOwner(systemAbilityId, "", owner); });
+    if (HasBus()) {
+        Bus::Get().Ask([&] { // Where there is none yet, once there is.
+            Watch(systemAbilityId);
+            return true;
         });
-    } else if (isNew && Exports::Get().FindService(systemAbilityId) != nullptr) {
-        availability.owner = THIS_PROCESS;
-        TellChanges(systemAbilityId, availability);
     }
     return ERR_NONE;
 }
@@ -175,121 +176,129 @@ int32_t SystemAbilityManager::UnSubscribeSystemAbility(
     if (!Transport::Process::IsUsable()) {
         return ERR_DEAD_OBJECT;
     }
-    sptr<ISystemAbilityStatusChange> removed; // Destroyed after the lock is released.
-    std::lock_guard<std::mutex> lock(mutex_);
+    sptr<ISystemAbilityStatusChange> removed; // Destroyed after the lock.
+    const MutexLock lock(mutex_);
     const auto known = availabilities_.find(systemAbilityId);
-    if (known == availabilities_.end()) {
-        return ERR_INVALID_VALUE;
+    if (known != availabilities_.end()) {
+        const auto found = Find(known->second, listener);
+        if (found != known->second.subscriptions.end()) {
+            removed = std::move(found->listener);
+            known->second.subscriptions.erase(found);
+        }
     }
-    const auto found = FindListener(known->second, listener);
-    if (found == known->second.subscriptions.end()) {
-        return ERR_INVALID_VALUE;
-    }
-    removed = std::move(found->listener);
-    known->second.subscriptions.erase(found);
     return ERR_NONE;
 }
 
-std::vector<SystemAbilityManager::Subscription>::iterator SystemAbilityManager::FindListener(
+bool SystemAbilityManager::OnJoined()
+{
+    for (const auto& [number, service] : Services::Get().GetAll()) {
+        const auto id = static_cast<int32_t>(number);
+        if (!Bus::Get().RequestName(NameOf(id)).value_or(false)) { // Another process is the service by now.
+            Replace(id, nullptr);
+        }
+    }
+    std::vector<int32_t> ids;
+    {
+        const MutexLock lock(mutex_);
+        for (const auto& [id, availability] : availabilities_) {
+            ids.push_back(id);
+        }
+    }
+    for (const int32_t id : ids) {
+        Watch(id);
+    }
+    return true;
+}
+
+void SystemAbilityManager::OnLost()
+{
+    const MutexLock lock(mutex_);
+    for (const auto& [id, availability] : availabilities_) {
+        SetAvailable(id, false);
+    }
+}
+
+void SystemAbilityManager::OnOwnerChange(const std::string& name, const std::string& from, const std::string& to)
+{
+    if (name.rfind(NAME_PREFIX, 0) != 0) {
+        return;
+    }
+    const int32_t id = std::stoi(name.substr(NAME_PREFIX.size()));
+    const auto rest = Peers::Get().TakeLeave(from);
+    const MutexLock lock(mutex_);
+    if (!from.empty()) {
+        SetAvailable(id, false, rest);
+    }
+    if (!to.empty()) {
+        SetAvailable(id, true);
+    }
+}
+
+void SystemAbilityManager::Watch(int32_t systemAbilityId)
+{
+    if (!Bus::Get().Watch(NameOf(systemAbilityId)).empty()) {
+        const MutexLock lock(mutex_);
+        SetAvailable(systemAbilityId, true);
+    }
+}
+
+std::vector<SystemAbilityManager::Subscription>::iterator SystemAbilityManager::Find(
     Availability& availability, const sptr<ISystemAbilityStatusChange>& listener)
 {
     return std::find_if(availability.subscriptions.begin(), availability.subscriptions.end(),
         [&listener](const Subscription& subscription) { return subscription.listener == listener; });
 }
 
-sptr<IRemoteObject> SystemAbilityManager::AsObject()
+void SystemAbilityManager::SetAvailable(int32_t systemAbilityId, bool isUp, const Transport::Inbound::Rest& rest)
 {
-    return nullptr;
-}
-
-void SystemAbilityManager::ChangeOwner(int32_t systemAbilityId, const std::string& from, const std::string& to)
-{
-    const bool mayHaveDied = !from.empty() && Bus::IsConfigured();
-    {
-        std::lock_guard<std::mutex> lock(mutex_);
-        const auto known = availabilities_.find(systemAbilityId);
-        if (known == availabilities_.end()) {
-            return;
-        }
-        known->second.owner = to;
-        known->second.leaving += mayHaveDied ? 1 : 0;
-        TellChanges(systemAbilityId, known->second);
-    }
-    if (!mayHaveDied) {
+    Availability& availability = availabilities_[systemAbilityId];
+    if (std::exchange(availability.isUp, isUp) == isUp) {
         return;
     }
-    // No event of a service that died may come after the news of its removal.
-    Bus::Get().AfterLastWords(from, [this, systemAbilityId] {
-        std::lock_guard<std::mutex> lock(mutex_);
-        Availability& availability = availabilities_.at(systemAbilityId);
-        --availability.leaving;
-        TellChanges(systemAbilityId, availability);
-    });
-}
-
-void SystemAbilityManager::LoseAll()
-{
-    std::lock_guard<std::mutex> lock(mutex_);
-    for (auto& [systemAbilityId, availability] : availabilities_) {
-        availability.owner.clear();
-        TellChanges(systemAbilityId, availability);
+    if (!isUp) { // What the service has sent comes before the news of its end.
+        removals_.insert(systemAbilityId);
+        Notices::Post([rest] { Transport::Inbound::Get().Await(rest); });
     }
-}
-
-void SystemAbilityManager::TellChanges(int32_t systemAbilityId, Availability& availability)
-{
-    if (availability.leaving > 0 || availability.told == availability.owner) {
-        return;
+    for (const Subscription& subscription : availability.subscriptions) {
+        Announce(systemAbilityId, isUp, subscription);
     }
-    const auto tellAll = [&](uint32_t code) {
-        for (const Subscription& subscription : availability.subscriptions) {
-            Tell(systemAbilityId, subscription, code);
-        }
-    };
-    if (!availability.told.empty()) {
-        tellAll(ISystemAbilityStatusChange::ON_REMOVE_SYSTEM_ABILITY);
-        ++availability.untold;
-        Transport::Notices::Post([this, &availability] { // Availabilities stay where they are, for good.
-            std::lock_guard<std::mutex> lock(mutex_);
-            --availability.untold;
+    if (!isUp) {
+        Notices::Post([this, systemAbilityId] {
+            const MutexLock lock(mutex_);
+            removals_.erase(removals_.find(systemAbilityId));
         });
     }
-    if (!availability.owner.empty()) {
-        tellAll(ISystemAbilityStatusChange::ON_ADD_SYSTEM_ABILITY);
-    }
-    availability.told = availability.owner;
 }
 
-void SystemAbilityManager::Tell(int32_t systemAbilityId, const Subscription& subscription, uint32_t code)
+void SystemAbilityManager::Announce(int32_t systemAbilityId, bool isUp, const Subscription& subscription)
 {
-    Transport::Notices::Post([this, systemAbilityId, subscription, code] {
-        const sptr<IRemoteObject> object = subscription.listener->AsObject();
-        if (object == nullptr || !IsSubscribed(systemAbilityId, subscription)) {
-            return;
+    Notices::Post([this, systemAbilityId, isUp, subscription] {
+        if (IsSubscribed(systemAbilityId, subscription)) {
+            const auto announce = isUp ? &ISystemAbilityStatusChange::OnAddSystemAbility
+                                       : &ISystemAbilityStatusChange::OnRemoveSystemAbility;
+            (*subscription.listener.*announce)(systemAbilityId, "");
         }
-        MessageParcel data;
-        MessageParcel reply;
-        MessageOption option;
-        data.WriteInterfaceToken(ISystemAbilityStatusChange::GetDescriptor());
-        data.WriteInt32(systemAbilityId);
-        data.WriteString("");
-        object->SendRequest(code, data, reply, option);
     });
-}
-
-bool SystemAbilityManager::IsEndTold(int32_t systemAbilityId)
-{
-    std::lock_guard<std::mutex> lock(mutex_);
-    const auto known = availabilities_.find(systemAbilityId);
-    return known == availabilities_.end() || (known->second.leaving == 0 && known->second.untold == 0);
 }
 
 bool SystemAbilityManager::IsSubscribed(int32_t systemAbilityId, const Subscription& subscription)
 {
-    std::lock_guard<std::mutex> lock(mutex_);
-    Availability& availability = availabilities_.at(systemAbilityId);
-    const auto found = FindListener(availability, subscription.listener);
+    const MutexLock lock(mutex_);
+    Availability& availability = availabilities_[systemAbilityId];
+    const auto found = Find(availability, subscription.listener);
     return found != availability.subscriptions.end() && found->number == subscription.number;
+}
+
+SystemAbilityManagerClient& SystemAbilityManagerClient::GetInstance()
+{
+    static SystemAbilityManagerClient client;
+    return client;
+}
+
+sptr<ISystemAbilityManager> SystemAbilityManagerClient::GetSystemAbilityManager()
+{
+    static Transport::NeverDestroyed<sptr<ISystemAbilityManager>> manager(new SystemAbilityManager());
+    return SystemAbilityManager::IsUsable() ? *manager : nullptr;
 }
 
 } // namespace OHOS

@@ -3,25 +3,28 @@
 #define SYSTEM_ABILITY_MANAGER_H
 
 #include <map>
-#include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
+#include "bus.h"
 #include "if_system_ability_manager.h"
+#include "inbound.h"
+#include "mutex.h"
 
 namespace OHOS {
 
 /**
- * This process's view of the services: its own, and, where there is a bus, everybody's as bus names. Availability is
- * told as changes of what was told last; what it is told from is the owner of the service's name.
+ * This process's view of the services: its own, and, where there is a bus, everybody's as bus names. Every change of a
+ * name's owner is announced as what it is: a removal, an addition, or one after the other. Any thread may call what is
+ * of ISystemAbilityManager.
  */
-class SystemAbilityManager : public ISystemAbilityManager {
+class SystemAbilityManager : public ISystemAbilityManager, private Transport::Bus::Observer {
 public:
-    /** Never destroyed. */
-    static SystemAbilityManager& Get();
+    SystemAbilityManager();
 
-    /** Whether services can be reached at all; connects to the bus if need be. */
-    bool IsUsable();
+    /** Whether there can be services at all. Has the bus joined if need be. */
+    static bool IsUsable();
 
     sptr<IRemoteObject> GetSystemAbility(int32_t systemAbilityId) override;
     sptr<IRemoteObject> CheckSystemAbility(int32_t systemAbilityId) override;
@@ -33,7 +36,7 @@ public:
         int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener) override;
 
     /** Null: there is no such object on this host. */
-    sptr<IRemoteObject> AsObject() override;
+    sptr<IRemoteObject> AsObject() override { return nullptr; }
 
 private:
     struct Subscription {
@@ -41,30 +44,29 @@ private:
         uint64_t number; // A later one of the same listener has another.
     };
 
-    /** What is known of a service that was ever subscribed to. An owner is a unique bus name; empty for none. */
     struct Availability {
-        std::string owner;
-        std::string told;
-        int leaving = 0; // Owners whose last words are awaited before anything is told.
-        int untold = 0;  // Removals that a listener is yet to hear of.
+        bool isUp = false; // As was last announced, or is about to be.
         std::vector<Subscription> subscriptions;
     };
 
-    SystemAbilityManager();
+    // In a turn with the bus; without one, on the thread that adds or removes.
+    bool OnJoined() override;
+    void OnLost() override;
+    void OnOwnerChange(const std::string& name, const std::string& from, const std::string& to) override;
+    void Watch(int32_t systemAbilityId);
 
-    static std::vector<Subscription>::iterator FindListener(
+    static std::vector<Subscription>::iterator Find(
         Availability& availability, const sptr<ISystemAbilityStatusChange>& listener);
-    void ChangeOwner(int32_t systemAbilityId, const std::string& from, const std::string& to);
-    void LoseAll();
-    void TellChanges(int32_t systemAbilityId, Availability& availability);
-    void Tell(int32_t systemAbilityId, const Subscription& subscription, uint32_t code);
+    int32_t Own(int32_t systemAbilityId);
+    void SetAvailable(int32_t systemAbilityId, bool isUp, const Transport::Inbound::Rest& rest = {}) REQUIRES(mutex_);
+    void Announce(int32_t systemAbilityId, bool isUp, const Subscription& subscription);
     bool IsSubscribed(int32_t systemAbilityId, const Subscription& subscription);
-    bool IsEndTold(int32_t systemAbilityId);
 
-    std::mutex changeMutex_; // Held while a service of this process comes or goes.
-    std::mutex mutex_;       // Guards what follows.
-    std::map<int32_t, Availability> availabilities_;
-    uint64_t lastSubscription_ = 0;
+    Transport::Mutex changeMutex_; // Held while a service of this process comes or goes.
+    Transport::Mutex mutex_;
+    std::map<int32_t, Availability> availabilities_ GUARDED_BY(mutex_);
+    std::multiset<int32_t> removals_ GUARDED_BY(mutex_); // That a listener is yet to hear of.
+    uint64_t lastSubscription_ GUARDED_BY(mutex_) = 0;
 };
 
 } // namespace OHOS

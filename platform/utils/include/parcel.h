@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
 
 #include "refbase.h"
@@ -39,14 +40,14 @@ public:
     virtual ~Parcel();
 
     /** Bytes written, padding included. */
-    size_t GetDataSize() const;
+    size_t GetDataSize() const { return dataSize_; }
 
     /** Bytes from the read cursor to the end, and from the start to it. */
-    size_t GetReadableBytes() const;
-    size_t GetReadPosition() const;
+    size_t GetReadableBytes() const { return dataSize_ - readPosition_; }
+    size_t GetReadPosition() const { return readPosition_; }
 
     /** Bytes that GetDataSize() may reach: 204800 at first. */
-    size_t GetMaxCapacity() const;
+    size_t GetMaxCapacity() const { return maxCapacity_; }
 
     /** Raises the maximum capacity. False, and no change, unless `maxCapacity` is greater. */
     bool SetMaxCapacity(size_t maxCapacity);
@@ -55,19 +56,19 @@ public:
     bool RewindRead(size_t position);
 
     /** Address of the bytes, which belong to the parcel and may move at the next write; 0 before the first one. */
-    uintptr_t GetData() const;
+    uintptr_t GetData() const { return reinterpret_cast<uintptr_t>(data_); }
 
-    bool WriteBool(bool value);
+    bool WriteBool(bool value) { return WriteInt32(value ? 1 : 0); }
     bool WriteInt32(int32_t value);
-    bool WriteUint32(uint32_t value);
-    bool WriteInt64(int64_t value);
-    bool WriteUint64(uint64_t value);
-    bool WriteFloat(float value);
-    bool WriteDouble(double value);
+    bool WriteUint32(uint32_t value) { return Write(value); }
+    bool WriteInt64(int64_t value) { return Write(value); }
+    bool WriteUint64(uint64_t value) { return Write(value); }
+    bool WriteFloat(float value) { return Write(value); }
+    bool WriteDouble(double value) { return Write(value); }
 
     /** The length as int32, the characters, a NUL. False, too, for more than INT32_MAX characters. */
-    bool WriteString(const std::string& value);
-    bool WriteString16(const std::u16string& value);
+    bool WriteString(const std::string& value) { return Write(value); }
+    bool WriteString16(const std::u16string& value) { return Write(value); }
 
     /** An int32 1 and the object's Marshalling; an int32 0 for null, which in the second form never fails. */
     bool WriteParcelable(const Parcelable* object);
@@ -77,26 +78,26 @@ public:
     bool WriteBuffer(const void* data, size_t size);
 
     bool ReadBool(bool& value);
-    bool ReadInt32(int32_t& value);
-    bool ReadUint32(uint32_t& value);
-    bool ReadInt64(int64_t& value);
-    bool ReadUint64(uint64_t& value);
-    bool ReadFloat(float& value);
-    bool ReadDouble(double& value);
+    bool ReadInt32(int32_t& value) { return Read(value); }
+    bool ReadUint32(uint32_t& value) { return Read(value); }
+    bool ReadInt64(int64_t& value) { return Read(value); }
+    bool ReadUint64(uint64_t& value) { return Read(value); }
+    bool ReadFloat(float& value) { return Read(value); }
+    bool ReadDouble(double& value) { return Read(value); }
 
     /** After a length below 0 or of INT32_MAX, which stands for no string, the cursor stays past the length. */
-    bool ReadString(std::string& value);
-    bool ReadString16(std::u16string& value);
+    bool ReadString(std::string& value) { return Read(value); }
+    bool ReadString16(std::u16string& value) { return Read(value); }
 
-    bool ReadBool();
-    int32_t ReadInt32();
-    uint32_t ReadUint32();
-    int64_t ReadInt64();
-    uint64_t ReadUint64();
-    float ReadFloat();
-    double ReadDouble();
-    std::string ReadString();
-    std::u16string ReadString16();
+    bool ReadBool() { return ReadInt32() != 0; }
+    int32_t ReadInt32() { return ReadOrEmpty<int32_t>(); }
+    uint32_t ReadUint32() { return ReadOrEmpty<uint32_t>(); }
+    int64_t ReadInt64() { return ReadOrEmpty<int64_t>(); }
+    uint64_t ReadUint64() { return ReadOrEmpty<uint64_t>(); }
+    float ReadFloat() { return ReadOrEmpty<float>(); }
+    double ReadDouble() { return ReadOrEmpty<double>(); }
+    std::string ReadString() { return ReadOrEmpty<std::string>(); }
+    std::u16string ReadString16() { return ReadOrEmpty<std::u16string>(); }
 
     /** A new object that the caller owns; null if null was written, or if the flag or the object is malformed. */
     template <typename T>
@@ -122,24 +123,29 @@ protected:
     void Truncate(size_t size);
 
     /** Ends writing: what came from outside is only read. */
-    void SetReceived();
+    void SetReceived() { received_ = true; }
 
     /** Moves the read cursor past `size` bytes and their padding. False, and no change, if there are fewer. */
-    bool Skip(size_t size);
+    bool Skip(size_t size) { return Take(size) != nullptr; }
 
     /** True if any byte from `begin` up to `end` is a remote object's; a plain parcel has none. */
-    virtual bool HasObject(size_t begin, size_t end) const;
+    virtual bool HasObject(size_t /* begin */, size_t /* end */) const { return false; }
 
 private:
     const uint8_t* Take(size_t size);
     template <typename T>
-    bool Write(T value);
+    bool Write(T value)
+    {
+        return WriteBuffer(&value, sizeof(value));
+    }
+    template <typename Char>
+    bool Write(const std::basic_string<Char>& text);
     template <typename T>
     bool Read(T& value);
     template <typename Char>
-    bool Write(const std::basic_string<Char>& text);
-    template <typename Char>
     bool Read(std::basic_string<Char>& text);
+    template <typename T>
+    T ReadOrEmpty();
 
     uint8_t* data_ = nullptr;
     size_t dataSize_ = 0;
@@ -148,6 +154,25 @@ private:
     size_t readPosition_ = 0;
     bool received_ = false;
 };
+
+template <typename T>
+bool Parcel::Read(T& value)
+{
+    const uint8_t* begin = Take(sizeof(value));
+    if (begin == nullptr || HasObject(readPosition_ - sizeof(value), readPosition_)) {
+        return false;
+    }
+    std::memcpy(&value, begin, sizeof(value));
+    return true;
+}
+
+template <typename T>
+T Parcel::ReadOrEmpty()
+{
+    T value{};
+    Read(value);
+    return value;
+}
 
 } // namespace OHOS
 

@@ -16,18 +16,18 @@ namespace OHOS {
 class RefCounter {
 public:
     /** Adds a strong reference. True if it is the first one. */
-    bool IncStrong();
+    bool IncStrong() { return strong_.fetch_add(1, std::memory_order_relaxed) == 0; }
 
     /** Adds a strong reference if there is one already. False, and no change, if there is none. */
     bool TryIncStrong();
 
-    /** Takes a strong reference away. True if it was the last one. */
-    bool DecStrong();
+    /** Takes a strong reference away. True if it was the last one: what every holder did has happened before. */
+    bool DecStrong() { return strong_.fetch_sub(1, std::memory_order_acq_rel) == 1; }
 
-    int GetStrong() const;
+    int GetStrong() const { return strong_.load(std::memory_order_relaxed); }
 
     /** Adds a weak reference. */
-    void IncWeak();
+    void IncWeak() { weak_.fetch_add(1, std::memory_order_relaxed); }
 
     /** Takes a weak reference away, and with the last one the counter itself. */
     void DecWeak();
@@ -46,8 +46,8 @@ private:
 class RefBase {
 public:
     RefBase() = default;
-    RefBase(const RefBase& other) noexcept;
-    RefBase& operator=(const RefBase& other) noexcept;
+    RefBase(const RefBase& /* other */) noexcept {}
+    RefBase& operator=(const RefBase& /* other */) noexcept { return *this; } // NOLINT(*-unhandled-self-assignment)
     virtual ~RefBase();
 
     /** Adds a strong reference. `objectId` identifies its holder to the hooks. */
@@ -63,10 +63,10 @@ public:
     RefCounter* GetRefCounter() const;
 
     /** Called with the first strong reference, on the thread that takes it. */
-    virtual void OnFirstStrongRef(const void* objectId);
+    virtual void OnFirstStrongRef(const void* /* objectId */) {}
 
     /** Called when the last strong reference has gone, before the object is deleted: make no new one from here. */
-    virtual void OnLastStrongRef(const void* objectId);
+    virtual void OnLastStrongRef(const void* /* objectId */) {}
 
 private:
     mutable std::atomic<RefCounter*> counter_{nullptr};
@@ -129,25 +129,13 @@ public:
     }
 
     /** The object, still owned by the sptr; null if there is none. */
-    T* GetRefPtr() const
-    {
-        return object_;
-    }
+    T* GetRefPtr() const { return object_; }
 
-    operator T*() const
-    {
-        return object_;
-    }
+    operator T*() const { return object_; }
 
-    T& operator*() const
-    {
-        return *object_;
-    }
+    T& operator*() const { return *object_; }
 
-    T* operator->() const
-    {
-        return object_;
-    }
+    T* operator->() const { return object_; }
 
 private:
     template <typename U>
@@ -167,15 +155,9 @@ public:
     wptr() = default;
 
     /** `object` must be alive, or null. */
-    wptr(T* object) : object_(object), counter_(object != nullptr ? object->GetRefCounter() : nullptr)
-    {
-        IncWeak();
-    }
+    wptr(T* object) : object_(object), counter_(object != nullptr ? object->GetRefCounter() : nullptr) { IncWeak(); }
 
-    wptr(const wptr& other) : object_(other.object_), counter_(other.counter_)
-    {
-        IncWeak();
-    }
+    wptr(const wptr& other) : object_(other.object_), counter_(other.counter_) { IncWeak(); }
 
     wptr(wptr&& other) noexcept : object_(other.object_), counter_(std::exchange(other.counter_, nullptr)) {}
 
@@ -214,26 +196,14 @@ public:
     }
 
     /** The object; null where promote would give null. It may end at any time: to be compared, not to be followed. */
-    T* GetRefPtr() const
-    {
-        return counter_ != nullptr && counter_->GetStrong() > 0 ? object_ : nullptr;
-    }
+    T* GetRefPtr() const { return counter_ != nullptr && counter_->GetStrong() > 0 ? object_ : nullptr; }
 
     /** Compares what GetRefPtr gives, so that a reference to a dead object equals null. */
-    bool operator==(const wptr& other) const
-    {
-        return GetRefPtr() == other.GetRefPtr();
-    }
+    bool operator==(const wptr& other) const { return GetRefPtr() == other.GetRefPtr(); }
 
-    bool operator==(const sptr<T>& other) const
-    {
-        return GetRefPtr() == other.GetRefPtr();
-    }
+    bool operator==(const sptr<T>& other) const { return GetRefPtr() == other.GetRefPtr(); }
 
-    bool operator==(const T* other) const
-    {
-        return GetRefPtr() == other;
-    }
+    bool operator==(const T* other) const { return GetRefPtr() == other; }
 
     template <typename Other>
     bool operator!=(const Other& other) const

@@ -14,37 +14,11 @@ constexpr size_t FIRST_CAPACITY = 256;
 
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "items are copied as the host keeps them");
 
-size_t PaddingOf(size_t size)
-{
-    return (ALIGNMENT - size % ALIGNMENT) % ALIGNMENT;
-}
+size_t PaddingOf(size_t size) { return (ALIGNMENT - size % ALIGNMENT) % ALIGNMENT; }
 
 } // namespace
 
-Parcel::~Parcel()
-{
-    std::free(data_);
-}
-
-size_t Parcel::GetDataSize() const
-{
-    return dataSize_;
-}
-
-size_t Parcel::GetReadableBytes() const
-{
-    return dataSize_ - readPosition_;
-}
-
-size_t Parcel::GetReadPosition() const
-{
-    return readPosition_;
-}
-
-size_t Parcel::GetMaxCapacity() const
-{
-    return maxCapacity_;
-}
+Parcel::~Parcel() { std::free(data_); }
 
 bool Parcel::SetMaxCapacity(size_t maxCapacity)
 {
@@ -62,11 +36,6 @@ bool Parcel::RewindRead(size_t position)
     }
     readPosition_ = position;
     return true;
-}
-
-uintptr_t Parcel::GetData() const
-{
-    return reinterpret_cast<uintptr_t>(data_);
 }
 
 uint8_t* Parcel::Extend(size_t size)
@@ -99,16 +68,6 @@ void Parcel::Truncate(size_t size)
     readPosition_ = std::min(readPosition_, dataSize_);
 }
 
-void Parcel::SetReceived()
-{
-    received_ = true;
-}
-
-bool Parcel::HasObject(size_t /* begin */, size_t /* end */) const
-{
-    return false;
-}
-
 const uint8_t* Parcel::Take(size_t size)
 {
     const size_t readable = GetReadableBytes();
@@ -118,33 +77,6 @@ const uint8_t* Parcel::Take(size_t size)
     const uint8_t* begin = data_ + readPosition_;
     readPosition_ += size + std::min(PaddingOf(size), readable - size);
     return begin;
-}
-
-bool Parcel::Skip(size_t size)
-{
-    return Take(size) != nullptr;
-}
-
-template <typename T>
-bool Parcel::Write(T value)
-{
-    uint8_t* begin = Extend(sizeof(value));
-    if (begin == nullptr) {
-        return false;
-    }
-    std::memcpy(begin, &value, sizeof(value));
-    return true;
-}
-
-template <typename T>
-bool Parcel::Read(T& value)
-{
-    const uint8_t* begin = Take(sizeof(value));
-    if (begin == nullptr || HasObject(readPosition_ - sizeof(value), readPosition_)) {
-        return false;
-    }
-    std::memcpy(&value, begin, sizeof(value));
-    return true;
 }
 
 template <typename Char>
@@ -181,10 +113,12 @@ bool Parcel::Read(std::basic_string<Char>& text)
     return false;
 }
 
-bool Parcel::WriteBool(bool value)
-{
-    return Write<int32_t>(value ? 1 : 0);
-}
+template bool Parcel::Write(const std::string& text);
+template bool Parcel::Write(const std::u16string& text);
+template bool Parcel::Read(std::string& text);
+template bool Parcel::Read(std::u16string& text);
+
+bool Parcel::WriteInt32(int32_t value) { return Write(value); }
 
 bool Parcel::ReadBool(bool& value)
 {
@@ -195,39 +129,6 @@ bool Parcel::ReadBool(bool& value)
     value = number != 0;
     return true;
 }
-
-bool Parcel::ReadBool()
-{
-    return ReadInt32() != 0;
-}
-
-// The three functions of one kind of item: its name, its type, how that is handed over.
-#define PARCEL_ITEM(Name, Type, Argument)                                                                              \
-    bool Parcel::Write##Name(Argument value)                                                                           \
-    {                                                                                                                  \
-        return Write(value);                                                                                           \
-    }                                                                                                                  \
-    bool Parcel::Read##Name(Type& value) /* NOLINT(bugprone-macro-parentheses): a type takes none */                   \
-    {                                                                                                                  \
-        return Read(value);                                                                                            \
-    }                                                                                                                  \
-    Type Parcel::Read##Name()                                                                                          \
-    {                                                                                                                  \
-        Type value{};                                                                                                  \
-        Read(value);                                                                                                   \
-        return value;                                                                                                  \
-    }
-
-PARCEL_ITEM(Int32, int32_t, int32_t)
-PARCEL_ITEM(Uint32, uint32_t, uint32_t)
-PARCEL_ITEM(Int64, int64_t, int64_t)
-PARCEL_ITEM(Uint64, uint64_t, uint64_t)
-PARCEL_ITEM(Float, float, float)
-PARCEL_ITEM(Double, double, double)
-PARCEL_ITEM(String, std::string, const std::string&)
-PARCEL_ITEM(String16, std::u16string, const std::u16string&)
-
-#undef PARCEL_ITEM
 
 bool Parcel::WriteParcelable(const Parcelable* object)
 {

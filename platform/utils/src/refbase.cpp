@@ -3,11 +3,6 @@
 
 namespace OHOS {
 
-bool RefCounter::IncStrong()
-{
-    return strong_.fetch_add(1, std::memory_order_relaxed) == 0;
-}
-
 bool RefCounter::TryIncStrong()
 {
     int count = strong_.load(std::memory_order_relaxed);
@@ -20,35 +15,11 @@ bool RefCounter::TryIncStrong()
     return false;
 }
 
-bool RefCounter::DecStrong()
-{
-    // What every holder did to the object must have happened before the last one deletes it.
-    return strong_.fetch_sub(1, std::memory_order_acq_rel) == 1;
-}
-
-int RefCounter::GetStrong() const
-{
-    return strong_.load(std::memory_order_relaxed);
-}
-
-void RefCounter::IncWeak()
-{
-    weak_.fetch_add(1, std::memory_order_relaxed);
-}
-
 void RefCounter::DecWeak()
 {
     if (weak_.fetch_sub(1, std::memory_order_acq_rel) == 1) {
         delete this;
     }
-}
-
-RefBase::RefBase(const RefBase& /* other */) noexcept {}
-
-// Counts belong to the object and not to its value, so there is nothing to assign.
-RefBase& RefBase::operator=(const RefBase& /* other */) noexcept // NOLINT(bugprone-unhandled-self-assignment)
-{
-    return *this;
 }
 
 RefBase::~RefBase()
@@ -93,9 +64,5 @@ int RefBase::GetSptrRefCount() const
     const RefCounter* counter = counter_.load(std::memory_order_acquire);
     return counter != nullptr ? counter->GetStrong() : 0;
 }
-
-void RefBase::OnFirstStrongRef(const void* /* objectId */) {}
-
-void RefBase::OnLastStrongRef(const void* /* objectId */) {}
 
 } // namespace OHOS

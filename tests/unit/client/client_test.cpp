@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <array>
 #include <cstdlib>
 #include <future>
 
@@ -31,26 +32,26 @@ void PrivacyIndicatorClient::WithSystemAbilityProxy(
 }
 
 // A program's own definition comes before that of its libraries.
-uid_t IPCSkeleton::GetCallingUid()
-{
-    return g_user;
-}
+uid_t IPCSkeleton::GetCallingUid() { return g_user; }
 
 namespace {
 
-const std::string START_SWITCH =
-    Line('I', "RegisterPrivacyIndicatorSwitchListener: start RegisterPrivacyIndicatorSwitchListener in client.");
+const Lines START_SWITCH = {
+    Line('I', "RegisterPrivacyIndicatorSwitchListener: start RegisterPrivacyIndicatorSwitchListener in client.")};
 const std::string START_DISPATCH =
     Line('I', "DispatchOnIndicatorSwitchChanged: start DispatchOnIndicatorSwitchChanged in client.");
-const Lines NOTHING;
+const std::string START_EVENT =
+    Line('I', "DispatchOnPrivacyEventChanged: start DispatchOnPrivacyEventChanged in client.");
+
+Lines Failure(const std::string& function, const std::string& message = "proxy is nullptr, please check.")
+{
+    return {Line('E', function + ": " + message)};
+}
 
 // A listener of both kinds.
 class Listener : public Indicator::IndicatorSwitchListener, public Privacy::PrivacyEventListener {
 public:
-    void OnSwitchChanged(const IndicatorData& indicatorData) override
-    {
-        hear(indicatorData.ToString());
-    }
+    void OnSwitchChanged(const IndicatorData& indicatorData) override { hear(indicatorData.ToString()); }
 
     void OnPrivacyEventChanged(const std::string& dataType, const std::vector<PrivacyEventRemindInfo>& infos) override
     {
@@ -67,54 +68,62 @@ public:
     {
         g_service = service;
         g_atGate = [] {};
-        first->hear = [this](const auto& text) { heard[0].push_back("1 " + text); };
-        second->hear = [this](const auto& text) { heard[1].push_back("2 " + text); };
+        first->hear = [](const auto& text) { Journal::Add("1 " + text); };
+        second->hear = [](const auto& text) { Journal::Add("2 " + text); };
     }
 
 protected:
-    // What both listeners heard since the last time.
-    Lines Heard()
+    // What a call has returned, and what has happened since the last time.
+    static void Expect(int32_t returned, int32_t result, const Lines& lines)
     {
-        return std::exchange(heard[0], {}) + std::exchange(heard[1], {});
+        EXPECT_EQ(returned, result);
+        EXPECT_EQ(Journal::Take(), lines);
+    }
+
+    // What happens when a switch changes, or the event comes: the listeners that hear of it, in the client's order.
+    static Lines Switched(const std::string& listeners)
+    {
+        Lines lines;
+        for (const char listener : listeners) {
+            lines = lines + Lines{START_DISPATCH, listener + (" " + DATA.text)};
+        }
+        return lines;
+    }
+
+    static Lines Notified(const std::string& listeners, const std::string& type)
+    {
+        Lines lines;
+        for (const char listener : listeners) {
+            lines = lines + Lines{START_EVENT, Line('D', "DispatchOnPrivacyEventChanged: '" + REMIND_INFO.text + "'"),
+                                listener + (" " + type + " 1 " + REMIND_INFO.text)};
+        }
+        return lines;
     }
 
     Lines Switch()
     {
         client.DispatchOnIndicatorSwitchChanged(data);
-        return Heard();
+        return Journal::Take();
     }
 
     Lines Event(const std::string& type)
     {
         client.DispatchOnPrivacyEventChanged(type, {info});
-        return Heard();
-    }
-
-    // What a call has returned, asked of the service, and logged.
-    void Expect(int32_t returned, int32_t result, const Lines& calls, const Lines& lines = {})
-    {
-        EXPECT_EQ(returned, result);
-        EXPECT_EQ(service->Take(), calls);
-        EXPECT_EQ(log.Take(), lines);
+        return Journal::Take();
     }
 
     const sptr<FakeService> service = new FakeService();
     PrivacyIndicatorClient& client = PrivacyIndicatorClient::GetInstance();
     const sptr<PrivacyIndicatorClient::PrivacyIndicatorServiceListener> notices =
         new PrivacyIndicatorClient::PrivacyIndicatorServiceListener();
-    const std::shared_ptr<Listener> first = std::make_shared<Listener>();
-    const std::shared_ptr<Listener> second = std::make_shared<Listener>();
-    Lines heard[2];
+    // In this order in the client's sets, too, which go by the address.
+    const std::shared_ptr<std::array<Listener, 2>> listeners = std::make_shared<std::array<Listener, 2>>();
+    const std::shared_ptr<Listener> first{listeners, &listeners->at(0)};
+    const std::shared_ptr<Listener> second{listeners, &listeners->at(1)};
     const IndicatorData data = *Read<IndicatorData>(DATA.bytes);
     const PrivacyEventRemindInfo info = *Read<PrivacyEventRemindInfo>(REMIND_INFO.bytes);
-    const std::string event = " 1 " + REMIND_INFO.text;
-    LogCapture log;
+    Journal journal;
 };
-
-std::string Failure(const std::string& function, const std::string& message = "proxy is nullptr, please check.")
-{
-    return Line('E', function + ": " + message);
-}
 
 TEST_F(ClientTest, ARequestReachesTheServiceAsItWasMadeAndBringsBackItsCodeAndRecords)
 {
@@ -123,39 +132,42 @@ TEST_F(ClientTest, ARequestReachesTheServiceAsItWasMadeAndBringsBackItsCodeAndRe
     for (const bool isThere : {true, false}) {
         g_service = isThere ? service : nullptr;
         // `record` is logged for each one in the vector, which held one before.
-        const auto expect = [&](int32_t returned, const std::string& call, const Lines& begin,
-                                const std::string& function, const Lines& record = {}, const Lines& end = {}) {
-            const Lines more = isThere ? record : Lines();
-            Expect(returned, isThere ? -4711 : 0, isThere ? Lines{call} : Lines(),
-                begin + (isThere ? Lines() : Lines{Failure(function)}) + record + more + end);
+        const auto expect = [isThere](int32_t returned, const Lines& begin, const Bytes& call,
+                                const std::string& function, const Lines& record = {}) {
+            Expect(returned, isThere ? -4711 : 0,
+                begin + (isThere ? Lines{call} : Failure(function)) + record + (isThere ? record : Lines()));
         };
         std::vector<PrivacyEventDetail> details{*Read<PrivacyEventDetail>(DETAIL.bytes)};
-        expect(client.GetPrivacyEventDetails(8, details), "Details 8", {}, "GetPrivacyEventDetails",
+        expect(client.GetPrivacyEventDetails(8, details), {}, "Details" + I32(8), "GetPrivacyEventDetails",
             {Line('D', "GetPrivacyEventDetails: '" + DETAIL.text + "'")});
         details.resize(1);
-        expect(client.GetPrivacyEventDetailsByPrivacySensorType(-4, PrivacySensorType::LOCATION, details),
-            "Details -4 2", {}, "GetPrivacyEventDetails",
+        expect(client.GetPrivacyEventDetailsByPrivacySensorType(-4, PrivacySensorType::LOCATION, details), {},
+            "DetailsOf" + I32(-4) + I32(2), "GetPrivacyEventDetails",
             {Line('I', "GetPrivacyEventDetailsByPrivacySensorType: '" + DETAIL.text + "'")});
         std::vector<IndicatorData> indicators{data};
-        expect(client.GetActiveIndicators(indicators), "Active", {}, "GetActiveIndicators",
+        expect(client.GetActiveIndicators(indicators), {}, "Active", "GetActiveIndicators",
             {Line('D', "GetActiveIndicators: '" + DATA.text + "'")});
         IndicatorPosition position = *Read<IndicatorPosition>(POSITION.bytes);
         IndicatorSize size = *Read<IndicatorSize>(SIZE.bytes);
         PrivacySensorType sensor = PrivacySensorType::LOCATION;
         g_atGate = [&] { position = {}, size = {}, sensor = {}; }; // What was handed over is what counts.
-        expect(client.TurnOnIndicator(sensor, position, size, 3), "On 2" + POSITION.text + SIZE.text + "3",
-            {Line('I', "TurnOnIndicator: TurnOnIndicator")}, "TurnOnIndicator");
+        expect(client.TurnOnIndicator(sensor, position, size, 3), {Line('I', "TurnOnIndicator: TurnOnIndicator")},
+            "On" + I32(2) + POSITION.bytes + SIZE.bytes + I32(3), "TurnOnIndicator");
         g_atGate = [] {};
-        expect(client.TurnOffIndicator(PrivacySensorType::LOCATION, 100), "Off 2 100",
-            {Line('I', "TurnOffIndicator: TurnOffIndicator")}, "TurnOnIndicator");
+        expect(client.TurnOffIndicator(PrivacySensorType::LOCATION, 100),
+            {Line('I', "TurnOffIndicator: TurnOffIndicator")}, "Off" + I32(2) + I32(100), "TurnOnIndicator");
+        expect(client.NotifyPowerEvent(1), {Line('I', "NotifyPowerEvent: event: 1")}, "Power" + I32(1),
+            "NotifyPowerEvent");
         std::vector<PermissionUsageDuration> durations(1);
-        expect(client.GetPermissionUsageDurationSummary(*Read<PermissionUsageDurationQuery>(QUERY.bytes), durations),
-            "Usage " + QUERY.text,
-            {Line('I', "GetPermissionUsageDurationSummary: start GetPermissionUsageDurationSummary in client.")},
-            "GetPermissionUsageDurationSummary", {},
-            {Line('I', "GetPermissionUsageDurationSummary: stop GetPermissionUsageDurationSummary in client.")});
+        const auto line = [](const std::string& message) {
+            return Lines{Line('I', "GetPermissionUsageDurationSummary: " + message + " in client.")};
+        };
+        Expect(client.GetPermissionUsageDurationSummary(*Read<PermissionUsageDurationQuery>(QUERY.bytes), durations),
+            isThere ? -4711 : 0,
+            line("start GetPermissionUsageDurationSummary") +
+                (isThere ? Lines{"Usage" + QUERY.bytes} : Failure("GetPermissionUsageDurationSummary")) +
+                line("stop GetPermissionUsageDurationSummary"));
         EXPECT_EQ(durations.size(), isThere ? 2U : 1U);
-        expect(client.NotifyPowerEvent(1), "Power 1", {Line('I', "NotifyPowerEvent: event: 1")}, "NotifyPowerEvent");
     }
 }
 
@@ -163,24 +175,22 @@ TEST_F(ClientTest, WithoutAServiceOrAListenerAnErrorIsLogged)
 {
     client.RegisterPrivacyIndicatorSwitchListener(first); // So that there is a stub.
     client.UnregisterPrivacyIndicatorSwitchListener(first);
-    service->Take();
-    log.Take();
+    Journal::Take();
     g_service = nullptr;
-    const std::string registerEvent = "RegisterPrivacyEventListener";
-    const std::string unregisterEvent = "UnregisterPrivacyEventListener";
-    const std::string registerSwitch = "RegisterPrivacyIndicatorSwitchListener";
-    const std::string unregisterSwitch = "UnregisterPrivacyIndicatorSwitchListener";
-    Expect(client.RegisterPrivacyEventListener("A", first), 0, {}, {Failure(registerEvent)});
-    Expect(client.UnregisterPrivacyEventListener(first), 0, {}, {Failure(unregisterEvent)});
-    Expect(client.RegisterPrivacyIndicatorSwitchListener(first), 0, {}, {START_SWITCH, Failure(registerSwitch)});
-    Expect(client.UnregisterPrivacyIndicatorSwitchListener(first), 0, {}, {Failure(unregisterSwitch)});
-    const std::string nullEvent = "privacyEventListener is null!";
-    Expect(client.RegisterPrivacyEventListener("A", nullptr), -1, {}, {Failure(registerEvent, nullEvent)});
-    Expect(client.UnregisterPrivacyEventListener(nullptr), -1, {}, {Failure(unregisterEvent, nullEvent)});
-    Expect(client.RegisterPrivacyIndicatorSwitchListener(nullptr), -1, {},
-        {START_SWITCH, Failure(registerSwitch, "listener is null!")});
-    Expect(client.UnregisterPrivacyIndicatorSwitchListener(nullptr), -1, {},
-        {Failure(unregisterSwitch, "listener is null!")});
+    for (const auto& [listener, result] : {std::make_pair(first, 0), {nullptr, -1}}) {
+        const auto failure = [isNull = listener == nullptr](const std::string& function, const std::string& name) {
+            return isNull ? Failure(function, name + " is null!") : Failure(function);
+        };
+        const std::string event = "privacyEventListener";
+        Expect(
+            client.RegisterPrivacyEventListener("A", listener), result, failure("RegisterPrivacyEventListener", event));
+        Expect(
+            client.UnregisterPrivacyEventListener(listener), result, failure("UnregisterPrivacyEventListener", event));
+        Expect(client.RegisterPrivacyIndicatorSwitchListener(listener), result,
+            START_SWITCH + failure("RegisterPrivacyIndicatorSwitchListener", "listener"));
+        Expect(client.UnregisterPrivacyIndicatorSwitchListener(listener), result,
+            failure("UnregisterPrivacyIndicatorSwitchListener", "listener"));
+    }
 }
 
 TEST_F(ClientTest, SwitchListenersShareOneRegistration)
@@ -190,71 +200,69 @@ TEST_F(ClientTest, SwitchListenersShareOneRegistration)
         Expect(client.UnregisterPrivacyIndicatorSwitchListener(first), 0, {"UnregisterSwitch"});
         EXPECT_EQ(service->listenerObject, nullptr);
         Failing::nthNew = 1;
-        Expect(client.RegisterPrivacyIndicatorSwitchListener(first), -1, {},
-            {START_SWITCH, Line('E', "RegisterPrivacyIndicatorSwitchListener: failed to create privacy indicator "
-                                     "switch listener stub")});
-        EXPECT_EQ(Switch(), NOTHING);
-        Expect(client.RegisterPrivacyIndicatorSwitchListener(first), 0, {"RegisterSwitch"},
-            {START_SWITCH, Line('I', "IndicatorSwitchListenerStub: create IndicatorSwitchListenerStub")});
+        Expect(client.RegisterPrivacyIndicatorSwitchListener(first), -1,
+            START_SWITCH + Failure("RegisterPrivacyIndicatorSwitchListener",
+                               "failed to create privacy indicator switch listener stub"));
+        EXPECT_EQ(Switch(), Switched(""));
+        Expect(client.RegisterPrivacyIndicatorSwitchListener(first), 0,
+            START_SWITCH +
+                Lines{Line('I', "IndicatorSwitchListenerStub: create IndicatorSwitchListenerStub"), "RegisterSwitch"});
         const sptr<IRemoteObject> stub = service->listenerObject;
         EXPECT_NE(stub, nullptr);
-        Expect(client.RegisterPrivacyIndicatorSwitchListener(first), 0, {}, {START_SWITCH});
-        Expect(client.RegisterPrivacyIndicatorSwitchListener(second), 0, {}, {START_SWITCH});
-        EXPECT_EQ(Switch(), (Lines{"1 " + DATA.text, "2 " + DATA.text}));
-        EXPECT_EQ(log.Take(), (Lines{START_DISPATCH, START_DISPATCH}));
+        Expect(client.RegisterPrivacyIndicatorSwitchListener(first), 0, START_SWITCH);
+        Expect(client.RegisterPrivacyIndicatorSwitchListener(second), 0, START_SWITCH);
+        EXPECT_EQ(Switch(), Switched("12"));
         Expect(client.UnregisterPrivacyIndicatorSwitchListener(first), 0, {});
         service->result = -9;
         Expect(client.UnregisterPrivacyIndicatorSwitchListener(second), -9, {"UnregisterSwitch"});
         EXPECT_EQ(service->listenerObject, stub);
-        EXPECT_EQ(Switch(), NOTHING);
+        EXPECT_EQ(Switch(), Switched(""));
         // A code of the service's keeps no listener out.
-        Expect(client.RegisterPrivacyIndicatorSwitchListener(second), -9, {"RegisterSwitch"}, {START_SWITCH});
+        Expect(client.RegisterPrivacyIndicatorSwitchListener(second), -9, START_SWITCH + Lines{"RegisterSwitch"});
         EXPECT_EQ(service->listenerObject, stub);
         second->hear = [this](const auto& text) { // It may register event listeners.
             EXPECT_EQ(text, DATA.text);
             EXPECT_EQ(client.RegisterPrivacyEventListener("A", second), -9);
         };
         iface_cast<SwitchListener>(stub)->OnSwitchChanged(data);
-        EXPECT_EQ(service->Take(), Lines{"RegisterEvent A"});
+        EXPECT_EQ(Journal::Take().back(), "RegisterEvent A");
     });
 }
 
 TEST_F(ClientTest, EventListenersShareOneRegistrationPerType)
 {
     InNewProcess([this] {
+        const auto registered = [](const std::string& type) { return Lines{"RegisterEvent " + type}; };
         Failing::nthNew = 1;
-        Expect(client.RegisterPrivacyEventListener("A", first), -1, {},
-            {Line('E', "RegisterPrivacyEventListener: failed to create privacy indicator listener stub")});
-        EXPECT_EQ(Event("A"), NOTHING);
+        Expect(client.RegisterPrivacyEventListener("A", first), -1,
+            Failure("RegisterPrivacyEventListener", "failed to create privacy indicator listener stub"));
+        EXPECT_EQ(Event("A"), Notified("", "A"));
         // The dispatch has left an empty entry, which does not stand in the way of a registration.
-        Expect(client.RegisterPrivacyEventListener("A", first), 0, {"RegisterEvent A"});
+        Expect(client.RegisterPrivacyEventListener("A", first), 0, registered("A"));
         const sptr<IRemoteObject> stubA = service->listenerObject;
         Expect(client.RegisterPrivacyEventListener("A", second), 0, {});
-        Expect(client.RegisterPrivacyEventListener("B", first), 0, {"RegisterEvent B"});
+        Expect(client.RegisterPrivacyEventListener("B", first), 0, registered("B"));
         const sptr<IRemoteObject> stubB = service->listenerObject;
         EXPECT_TRUE(stubA != nullptr && stubB != nullptr && stubA != stubB);
         iface_cast<EventListener>(stubB)->OnPrivacyEventChanged("A", {info});
-        EXPECT_EQ(Heard(), (Lines{"1 A" + event, "2 A" + event}));
+        EXPECT_EQ(Journal::Take(), Notified("12", "A"));
 
         // Each call takes it out of one type, in their order; only a type left empty is the service's business.
-        log.Take();
         Expect(client.UnregisterPrivacyEventListener(first), 0, {});
-        EXPECT_EQ(Event("A") + Event("B"), (Lines{"2 A" + event, "1 B" + event}));
-        log.Take();
+        EXPECT_EQ(Event("A") + Event("B"), Notified("2", "A") + Notified("1", "B"));
         service->result = 22;
         Expect(client.UnregisterPrivacyEventListener(first), 22, {"UnregisterEvent"});
         EXPECT_EQ(service->listenerObject, stubB);
-        Expect(client.UnregisterPrivacyEventListener(first), -1, {},
+        Expect(client.UnregisterPrivacyEventListener(first), -1,
             {Line('W', "UnregisterPrivacyEventListener: dataType '' is empty callback!")});
 
         // A code of the service's keeps no listener out.
-        Expect(client.RegisterPrivacyEventListener("B", second), 22, {"RegisterEvent B"});
+        Expect(client.RegisterPrivacyEventListener("B", second), 22, registered("B"));
         EXPECT_EQ(service->listenerObject, stubB);
-        EXPECT_EQ(Event("B"), Lines{"2 B" + event});
+        EXPECT_EQ(Event("B"), Notified("2", "B"));
 
         // One that is not registered counts as one of the empty type.
-        log.Take();
-        Expect(client.RegisterPrivacyEventListener("", second), 22, {"RegisterEvent "});
+        Expect(client.RegisterPrivacyEventListener("", second), 22, registered(""));
         const sptr<IRemoteObject> unnamed = service->listenerObject;
         Expect(client.UnregisterPrivacyEventListener(first), 22, {"UnregisterEvent"});
         EXPECT_EQ(service->listenerObject, unnamed);
@@ -268,38 +276,29 @@ TEST_F(ClientTest, TheServicesEndTurnsEverySensorOff)
         client.RegisterPrivacyEventListener("sensorStateChange", first);
         client.RegisterPrivacyEventListener("sensorStateChange", second);
         client.RegisterPrivacyEventListener("another", second);
-        Lines before[2]; // What is logged before each call of an event listener, and the call.
-        const auto hearEvent = [this](Lines& lines) {
-            return [this, &lines](const std::string& text) { lines = log.Take() + Lines{text}; };
-        };
-        first->hear = [this, &before, hearEvent](const std::string& text) {
-            text[0] == 'I' ? heard[0].push_back(text) : hearEvent(before[0])(text);
-        };
-        second->hear = hearEvent(before[1]);
-        log.Take();
+        Journal::Take();
         notices->OnAddSystemAbility(66091, ""); // Another one's.
         notices->OnRemoveSystemAbility(-1, "");
         notices->OnRemoveSystemAbility(66090, "");
-        Lines switches;
-        Lines called = {Line('I', "DispatchOnPrivacyEventChanged: start DispatchOnPrivacyEventChanged in client.")};
-        for (const std::string sensor : {"0", "1", "2"}) {
-            switches.push_back("Indicator{privacySensorType=" + sensor +
-                               ", state=1, positionX=0.000000, positionY=0.000000, width=0.000000, height=0.000000, "
-                               "color='#000000', animationType=0}");
-            called.push_back(Line(
-                'D', "DispatchOnPrivacyEventChanged: 'PrivacyEventRemindInfo='', uid=-1, privacySensorType=" + sensor +
-                         ", privacyAccessState=2, remindFlag=0}'"));
-        }
-        called.push_back("sensorStateChange 3 PrivacyEventRemindInfo='', uid=-1, privacySensorType=0, "
-                         "privacyAccessState=2, remindFlag=0}");
-        const Lines begin = {Line('I', "OnAddSystemAbility: OnAddSystemAbility: saId=66091"),
+        Lines expected = {Line('I', "OnAddSystemAbility: OnAddSystemAbility: saId=66091"),
             Line('I', "OnRemoveSystemAbility: OnRemoveSystemAbility: saId=-1"),
-            Line('I', "OnRemoveSystemAbility: OnRemoveSystemAbility: saId=66090"), START_DISPATCH, START_DISPATCH,
-            START_DISPATCH};
-        EXPECT_EQ(heard[0], switches);
-        EXPECT_EQ(before[first < second ? 0 : 1], begin + called); // In the order of their addresses.
-        EXPECT_EQ(before[first < second ? 1 : 0], called);
-        EXPECT_EQ(log.Take(), NOTHING);
+            Line('I', "OnRemoveSystemAbility: OnRemoveSystemAbility: saId=66090")};
+        Lines event = {START_EVENT};
+        const auto infoOf = [](const std::string& sensor) {
+            return "PrivacyEventRemindInfo='', uid=-1, privacySensorType=" + sensor +
+                   ", privacyAccessState=2, remindFlag=0}";
+        };
+        for (const std::string sensor : {"0", "1", "2"}) {
+            expected = expected +
+                       Lines{START_DISPATCH, "1 Indicator{privacySensorType=" + sensor +
+                                                 ", state=1, positionX=0.000000, positionY=0.000000, width=0.000000, "
+                                                 "height=0.000000, color='#000000', animationType=0}"};
+            event.push_back(Line('D', "DispatchOnPrivacyEventChanged: '" + infoOf(sensor) + "'"));
+        }
+        for (const std::string listener : {"1", "2"}) {
+            expected = expected + event + Lines{listener + " sensorStateChange 3 " + infoOf("0")};
+        }
+        EXPECT_EQ(Journal::Take(), expected);
     });
 }
 
@@ -307,57 +306,51 @@ TEST_F(ClientTest, ARegistryIsLockedWhileItIsUsed)
 {
     using Step = std::function<int32_t()>;
     std::future<int32_t> other;
-    const auto expectWaiting = [&other](const Step& step) {
-        other = std::async(std::launch::async, step);
-        EXPECT_EQ(other.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
-    };
-    const auto expectAllWaiting = [&](const Step& add, const Step& remove, const auto& addAgain, const auto& dispatch) {
-        first->hear = second->hear = [&](const std::string& /* text */) { expectWaiting(remove); };
-        g_atGate = [&] {
+    const auto expectAllWaiting = [&](const Step& add, const Step& remove, const std::vector<Step>& others) {
+        const std::function<void()> wait = [&] {
             g_atGate = [] {};
-            expectWaiting(remove);
+            other = std::async(std::launch::async, remove);
+            EXPECT_EQ(other.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
         };
-        const auto atGate = g_atGate;
-        EXPECT_EQ(add(), 0);
-        EXPECT_EQ(other.get(), 0);
-        EXPECT_EQ(add(), 0);
-        g_atGate = atGate;
-        addAgain();
-        EXPECT_EQ(other.get(), 0);
-        EXPECT_EQ(add(), 0);
-        dispatch();
-        EXPECT_EQ(other.get(), 0);
+        first->hear = second->hear = [&wait](const std::string& /* text */) { wait(); };
+        for (size_t i = 0; i < others.size(); ++i) {
+            g_atGate = [] {};
+            EXPECT_EQ(i == 0 ? 0 : add(), 0); // The first of them adds it itself.
+            g_atGate = wait;
+            EXPECT_EQ(others[i](), 0);
+            EXPECT_EQ(other.get(), 0);
+        }
     };
-    expectAllWaiting([this] { return client.RegisterPrivacyIndicatorSwitchListener(first); },
-        [this] { return client.UnregisterPrivacyIndicatorSwitchListener(first); },
-        [this] { client.ReRegisterPrivacyIndicatorSwitchListener(); },
-        [this] { client.DispatchOnIndicatorSwitchChanged(data); });
-    expectAllWaiting([this] { return client.RegisterPrivacyEventListener("A", second); },
-        [this] { return client.UnregisterPrivacyEventListener(second); },
-        [this] { client.ReRegisterPrivacyEventListener(); },
-        [this] { client.DispatchOnPrivacyEventChanged("A", {info}); });
+    const Step addSwitch = [this] { return client.RegisterPrivacyIndicatorSwitchListener(first); };
+    const Step addEvent = [this] { return client.RegisterPrivacyEventListener("A", second); };
+    expectAllWaiting(addSwitch, [this] { return client.UnregisterPrivacyIndicatorSwitchListener(first); },
+        {addSwitch, [this] { return client.ReRegisterPrivacyIndicatorSwitchListener(), 0; },
+            [this] { return client.DispatchOnIndicatorSwitchChanged(data), 0; }});
+    expectAllWaiting(addEvent, [this] { return client.UnregisterPrivacyEventListener(second); },
+        {addEvent, [this] { return client.ReRegisterPrivacyEventListener(), 0; },
+            [this] { return client.DispatchOnPrivacyEventChanged("A", {info}), 0; }});
 }
 
 TEST_F(ClientTest, TheReportersPowerEventIsReportedAgainBeforeTheStubs)
 {
-    // When the service comes: whose event is remembered, which one is sent again, and the calls of the service.
-    const auto expectComing = [this](const std::string& user, const Lines& again, const Lines& calls) {
-        service->Take();
-        log.Take();
+    // When the service comes: whose event is remembered, which one is sent again, and the calls about the stubs.
+    const auto expectComing = [this](const std::string& user, std::optional<int32_t> again, const Lines& switches,
+                                  const Lines& events) {
+        Journal::Take();
         notices->OnAddSystemAbility(66090, "");
-        EXPECT_EQ(service->Take(), calls);
-        EXPECT_EQ(log.Take(), Lines{Line('I', "OnAddSystemAbility: OnAddSystemAbility: saId=66090")} +
-                                  Lines{Line('I', "NotifyPowerEventByCache: uid: " + user)} + again +
-                                  Lines{Line('I', "ReRegisterPrivacyIndicatorSwitchListener: begin.")} +
-                                  Lines{Line('I', "ReRegisterPrivacyEventListener: begin.")});
+        const std::string number = std::to_string(again.value_or(-1));
+        const Lines sent = {Line('I', "NotifyPowerEventByCache: To notify current event: " + number),
+            Line('I', "NotifyPowerEvent: event: " + number), "Power" + I32(again.value_or(-1))};
+        EXPECT_EQ(Journal::Take(), Lines{Line('I', "OnAddSystemAbility: OnAddSystemAbility: saId=66090")} +
+                                       Lines{Line('I', "NotifyPowerEventByCache: uid: " + user)} +
+                                       (again ? sent : Lines()) +
+                                       Lines{Line('I', "ReRegisterPrivacyIndicatorSwitchListener: begin.")} + switches +
+                                       Lines{Line('I', "ReRegisterPrivacyEventListener: begin.")} + events);
     };
-    const auto again = [](const std::string& number) {
-        return Lines{Line('I', "NotifyPowerEventByCache: To notify current event: " + number),
-            Line('I', "NotifyPowerEvent: event: " + number)};
-    };
-    const Lines stubs = {"RegisterSwitch", "RegisterEvent A", "RegisterEvent B"};
+    const Lines switches = {"RegisterSwitch"};
+    const Lines events = {"RegisterEvent A", "RegisterEvent B"};
     InNewProcess([&] {
-        expectComing("0", {}, {});
+        expectComing("0", {}, {}, {});
         g_user = 3036;
         EXPECT_EQ(NotifyPowerEvent(1), 0);
         client.RegisterPrivacyEventListener("B", first);
@@ -365,24 +358,22 @@ TEST_F(ClientTest, TheReportersPowerEventIsReportedAgainBeforeTheStubs)
         client.RegisterPrivacyIndicatorSwitchListener(first);
         client.UnregisterPrivacyIndicatorSwitchListener(first); // What was ever registered is registered again.
         client.UnregisterPrivacyEventListener(first);
-        service->Take();
-        log.Take();
-        Expect(NotifyPowerEvent(2), -1, {},
-            {Line('E', "UpdateEvent: error event: 2"), Line('I', "NotifyPowerEvent: event: 2"),
-                Line('E', "NotifyPowerEvent: error event: 2")});
-        for (const int32_t invalid : {-1, 256, INT32_MIN, INT32_MAX}) {
-            EXPECT_EQ(client.NotifyPowerEvent(invalid), -1);
+        Journal::Take();
+        for (const std::string number : {"2", "-1", "256", "-2147483648", "2147483647"}) {
+            Expect(NotifyPowerEvent(std::stoi(number)), -1,
+                {Line('E', "UpdateEvent: error event: " + number), Line('I', "NotifyPowerEvent: event: " + number),
+                    Line('E', "NotifyPowerEvent: error event: " + number)});
         }
         client.NotifyPowerEvent(0); // A report to the service alone is not remembered.
         g_user = 3037;              // Another caller now: the event is still the reporter's.
-        expectComing("3036", again("1"), Lines{"Power 1"} + stubs);
-        service->result = -9;                                       // Keeps none of the next ones back.
-        expectComing("3036", again("1"), Lines{"Power 1"} + stubs); // Nor is the replay itself.
+        expectComing("3036", 1, switches, events);
+        service->result = -9;                      // Keeps none of the next ones back.
+        expectComing("3036", 1, switches, events); // Nor is the replay itself.
         NotifyPowerEvent(0);
-        expectComing("3037", {}, stubs);
+        expectComing("3037", {}, switches, events);
         g_user = 3036;
         NotifyPowerEvent(0);
-        expectComing("3036", again("0"), Lines{"Power 0"} + stubs);
+        expectComing("3036", 0, switches, events);
     });
 }
 
@@ -390,22 +381,23 @@ TEST_F(ClientTest, ASubscriptionThatFailsIsLogged)
 {
     const auto manager = SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
     const std::string code = std::to_string(manager->SubscribeSystemAbility(66090, nullptr));
+    const Lines begin = {Line('D', "SubscribePrivacyIndicatorAbility: SubscribePrivacyIndicatorAbility")};
+    const std::string function = "SubscribePrivacyIndicatorAbility";
     Failing::nthNew = 1; // The listener.
     client.SubscribePrivacyIndicatorAbility();
-    EXPECT_EQ(log.Take(), (Lines{Line('D', "SubscribePrivacyIndicatorAbility: SubscribePrivacyIndicatorAbility"),
-                              Failure("SubscribePrivacyIndicatorAbility",
-                                  "SubscribeSystemAbility for sa: 66090 failed!, ret: " + code)}));
+    EXPECT_EQ(Journal::Take(), begin + Failure(function, "SubscribeSystemAbility for sa: 66090 failed!, ret: " + code));
 }
 
 TEST(SubscriptionTest, NeedsAManager)
 {
     InNewProcess([] {
         setenv("OHOS_BUS_ADDRESS", "malformed", 1);
-        LogCapture log;
+        const Journal journal;
         PrivacyIndicatorClient::GetInstance().InitializeProxy();
-        EXPECT_EQ(log.Take(), (Lines{Line('D', "SubscribePrivacyIndicatorAbility: SubscribePrivacyIndicatorAbility"),
-                                  Failure("SubscribePrivacyIndicatorAbility", "saMgrProxy is null!"),
-                                  Failure("InitializeProxy", "SAM is nullptr, please check.")}));
+        EXPECT_EQ(
+            Journal::Take(), Lines{Line('D', "SubscribePrivacyIndicatorAbility: SubscribePrivacyIndicatorAbility")} +
+                                 Failure("SubscribePrivacyIndicatorAbility", "saMgrProxy is null!") +
+                                 Failure("InitializeProxy", "SAM is nullptr, please check."));
     });
 }
 
@@ -415,8 +407,8 @@ TEST_F(ClientTest, ARequestNeedsNoMemoryOfItsOwn)
         std::vector<IndicatorData> indicators;
         g_atGate = [] { Failing::everyNew = false; };
         Failing::everyNew = true;
-        EXPECT_EQ(client.GetActiveIndicators(indicators), 0);
-        EXPECT_EQ(service->Take(), Lines{"Active"});
+        const int32_t result = client.GetActiveIndicators(indicators);
+        Expect(result, 0, {"Active"});
     });
 }
 

@@ -11,10 +11,7 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test {
 namespace {
 
-Lines Initialize(char level, const std::string& message)
-{
-    return {Line(level, "InitializeProxy: " + message)};
-}
+Lines Initialize(char level, const std::string& message) { return {Line(level, "InitializeProxy: " + message)}; }
 
 const Lines NEW_RECIPIENT = Initialize('I', "new deathRecipient");
 const Lines SUCCESS = Initialize('I', "LoadSystemAbility succeed");
@@ -49,11 +46,11 @@ protected:
     // What the steps log, but for the lines about the service's coming, which another thread logs.
     Lines Logged(const std::vector<std::function<void()>>& steps)
     {
-        log.Take();
+        Journal::Take();
         for (const auto& step : steps) {
             step();
         }
-        Lines lines = log.Take();
+        Lines lines = Journal::Take();
         const auto isOther = [](const std::string& line) {
             return line.find("Proxy: ") == std::string::npos && line.find("Indicator: ") == std::string::npos;
         };
@@ -69,7 +66,7 @@ protected:
     int32_t expected = 7; // What the calls return.
     PrivacyIndicatorClient& client = PrivacyIndicatorClient::GetInstance();
     const sptr<ISystemAbilityManager> manager = SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
-    LogCapture log;
+    Journal journal;
 };
 
 TEST_F(VariantTest, ProxyIsKeptAsLongAsTheServiceLives)
@@ -158,24 +155,16 @@ TEST_F(DeviceTest, WithoutAServiceACallIsRunAndReturnsSuccess)
 TEST_F(DeviceTest, AListenerThatGoesAtExitMayCallTheClient)
 {
     struct Listener : Indicator::IndicatorSwitchListener {
-        explicit Listener(std::function<void()> atEnd) : end(std::move(atEnd)) {}
-
-        ~Listener() override
-        {
-            end();
-        }
-
         void OnSwitchChanged(const IndicatorData& /* data */) override {}
-
-        const std::function<void()> end;
     };
-    const auto other = std::make_shared<Listener>([] {});
+    const auto end = [this, other = std::make_shared<Listener>()](Listener* listener) {
+        delete listener;
+        Journal::Take();
+        client.UnregisterPrivacyIndicatorSwitchListener(other); // The registry is whole, and empty already.
+        _exit(Journal::Take().empty() ? 1 : 0);
+    };
     const auto registerAndExit = [&] {
-        client.RegisterPrivacyIndicatorSwitchListener(std::make_shared<Listener>([&] {
-            log.Take();
-            client.UnregisterPrivacyIndicatorSwitchListener(other); // The registry is whole, and empty already.
-            _exit(log.Take().empty() ? 1 : 0);
-        }));
+        client.RegisterPrivacyIndicatorSwitchListener(std::shared_ptr<Listener>(new Listener(), end));
         std::exit(2);
     };
     GTEST_FLAG_SET(death_test_style, "threadsafe");

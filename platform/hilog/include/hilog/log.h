@@ -62,16 +62,6 @@ struct HiLogLabel {
     const char* tag;
 };
 
-/** HiLogPrint with a label, one function a level. */
-class HiLog {
-public:
-    static int Debug(const HiLogLabel& label, const char* fmt, ...);
-    static int Info(const HiLogLabel& label, const char* fmt, ...);
-    static int Warn(const HiLogLabel& label, const char* fmt, ...);
-    static int Error(const HiLogLabel& label, const char* fmt, ...);
-    static int Fatal(const HiLogLabel& label, const char* fmt, ...);
-};
-
 } // namespace OHOS::HiviewDFX
 #endif
 

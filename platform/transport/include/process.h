@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef PROCESS_H
+#define PROCESS_H
+
+#include <functional>
+
+namespace OHOS::Transport {
+
+/** This process's own life: what may still be begun, and the platform's threads. Any thread may call anything. */
+class Process {
+public:
+    /** False once the process is on its way out, and in the child of a fork. */
+    static bool IsUsable();
+
+    /** A request or a notice under way. Exit waits for those begun, for 1 s at most, and lets no other begin. */
+    class Activity {
+    public:
+        Activity();
+        Activity(const Activity&) = delete;
+        Activity& operator=(const Activity&) = delete;
+        ~Activity();
+
+        /** False if it may not begin. */
+        explicit operator bool() const { return begun_; }
+
+    private:
+        const bool begun_;
+    };
+
+    /**
+     * To be called when a user's code has run on a platform thread, and before anybody knows. Where another thread has
+     * loaded the library, the main thread's thread-locals are out of reach; but what is registered last runs first at
+     * exit, before the end of the objects that were called until then.
+     */
+    static void WatchExit();
+
+    /** Runs `body` on a detached thread that takes no signals but those of a crash. False if there is no thread. */
+    static bool StartThread(std::function<void()> body);
+
+    /** True in the child of a fork, where nobody may take a lock of the stand-in: its holder may be gone. */
+    static bool IsForked();
+
+    /** In the child of a fork: from now on nothing works. */
+    static void MarkForked();
+};
+
+} // namespace OHOS::Transport
+
+#endif // PROCESS_H

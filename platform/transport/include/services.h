@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef SERVICES_H
+#define SERVICES_H
+
+#include <cstdint>
+#include <map>
+#include <utility>
+
+#include "mutex.h"
+#include "never_destroyed.h"
+#include "refbase.h"
+
+namespace OHOS::Transport {
+
+/** The services of this process by number, held strongly: any peer may call them. Any thread may call anything. */
+class Services {
+public:
+    static Services& Get()
+    {
+        static NeverDestroyed<Services> services;
+        return *services;
+    }
+
+    /** Makes `object` the service of that number, or with null takes it away. The former one is for the caller to end.
+     */
+    [[nodiscard]] sptr<RefBase> Set(uint64_t number, const sptr<RefBase>& object)
+    {
+        const MutexLock lock(mutex_);
+        sptr<RefBase> former = std::exchange(services_[number], object);
+        if (object == nullptr) {
+            services_.erase(number);
+        }
+        return former;
+    }
+
+    /** Null if there is no such service here. */
+    sptr<RefBase> Find(uint64_t number)
+    {
+        const MutexLock lock(mutex_);
+        const auto found = services_.find(number);
+        return found != services_.end() ? found->second : nullptr;
+    }
+
+    std::map<uint64_t, sptr<RefBase>> GetAll()
+    {
+        const MutexLock lock(mutex_);
+        return services_;
+    }
+
+private:
+    Mutex mutex_;
+    std::map<uint64_t, sptr<RefBase>> services_ GUARDED_BY(mutex_);
+};
+
+} // namespace OHOS::Transport
+
+#endif // SERVICES_H

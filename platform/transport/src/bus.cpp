@@ -1,0 +1,247 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "bus.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <systemd/sd-bus.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <thread>
+#include <utility>
+
+#include "never_destroyed.h"
+#include "notices.h"
+#include "process.h"
+
+namespace OHOS::Transport {
+
+namespace {
+
+constexpr const char* ADDRESS_VARIABLE = "OHOS_BUS_ADDRESS";
+constexpr const char* DAEMON = "org.freedesktop.DBus";
+constexpr const char* DAEMON_PATH = "/org/freedesktop/DBus";
+constexpr std::chrono::seconds PATIENCE{8};
+constexpr std::chrono::milliseconds NEXT_TRY{500};
+constexpr std::chrono::milliseconds PAUSE{100};
+
+// Other kinds of addresses start programs or go over the network.
+Bus::Address ReadAddress()
+{
+    const char* const value = secure_getenv(ADDRESS_VARIABLE);
+    const std::string address = value != nullptr ? value : "";
+    for (const std::string key : {"unix:path=", "unix:abstract="}) {
+        if (address.compare(0, key.size(), key) == 0 && address.size() > key.size() && address[key.size()] != ',' &&
+            address.find(';') == std::string::npos) {
+            return Bus::Address::GIVEN;
+        }
+    }
+    return address.empty() ? Bus::Address::NONE : Bus::Address::MALFORMED;
+}
+
+} // namespace
+
+Bus& Bus::Get()
+{
+    static NeverDestroyed<Bus> bus;
+    return *bus;
+}
+
+Bus::Address Bus::GetAddress()
+{
+    static const Address address = ReadAddress();
+    return address;
+}
+
+bool Bus::Start()
+{
+    const auto deadline = Clock::now() + PATIENCE;
+    MutexLock lock(mutex_);
+    if (!isStarted_ && GetAddress() == Address::GIVEN) {
+        isStarted_ = Notices::Start() && Process::StartThread([this] { Run(); });
+    }
+    while (isStarted_ && !hasBegun_ && begun_.WaitUntil(lock, deadline)) {
+    }
+    return isStarted_;
+}
+
+Bus::Turn::Turn(Bus& bus) : bus_(bus), lock_(bus.turn_, std::defer_lock)
+{
+    if (Process::IsUsable()) {
+        static_cast<void>(lock_.try_lock_for(PATIENCE));
+    }
+}
+
+Bus::Turn::~Turn()
+{
+    if (lock_) {
+        bus_.AnnounceChanges();
+    }
+}
+
+void Bus::Run()
+{
+    while (Process::IsUsable()) {
+        pollfd wait{-1, POLLIN, 0};
+        {
+            const Turn turn(*this);
+            {
+                const MutexLock lock(mutex_);
+                hasBegun_ = true;
+                begun_.NotifyAll();
+            }
+            if (turn && (bus_ != nullptr ? !ReadNews() : !Connect())) {
+                Leave();
+            }
+            wait.fd = fd_.Get();
+        }
+        const auto timeout = wait.fd >= 0 ? -1 : static_cast<int>(NEXT_TRY.count());
+        if (poll(&wait, 1, timeout) < 0) {
+            std::this_thread::sleep_for(PAUSE); // The limit of descriptors is 0.
+        }
+    }
+}
+
+bool Bus::Connect()
+{
+    const auto deadline = Clock::now() + PATIENCE;
+    if (sd_bus_new(&bus_) < 0 || sd_bus_set_address(bus_, secure_getenv(ADDRESS_VARIABLE)) < 0 ||
+        sd_bus_set_bus_client(bus_, 1) < 0 ||
+        sd_bus_set_method_call_timeout(bus_, std::chrono::microseconds(PATIENCE).count()) < 0) {
+        return false;
+    }
+    fd_ = Descriptor::Open([this] { return sd_bus_start(bus_) >= 0 ? sd_bus_get_fd(bus_) : -1; });
+    while (fd_ && ReadNews() && sd_bus_is_ready(bus_) == 0 && Clock::now() < deadline) {
+        sd_bus_wait(bus_, std::chrono::microseconds(PAUSE).count());
+    }
+    const char* name = nullptr;
+    sd_id128_t id{};
+    if (!fd_ || sd_bus_is_ready(bus_) <= 0 || sd_bus_get_unique_name(bus_, &name) < 0 ||
+        sd_bus_get_bus_id(bus_, &id) < 0) {
+        return false;
+    }
+    std::array<char, SD_ID128_STRING_MAX> text{};
+    ownName_ = name;
+    id_ = sd_id128_to_string(id, text.data());
+    isUp_ = true;
+    return std::all_of(observers_.begin(), observers_.end(), [](Observer* observer) { return observer->OnJoined(); });
+}
+
+// False if the connection has ended.
+bool Bus::ReadNews()
+{
+    int done = 0;
+    do {
+        done = sd_bus_process(bus_, nullptr);
+    } while (done > 0 || done == -EINTR);
+    return done >= 0 || done == -EAGAIN;
+}
+
+void Bus::Leave()
+{
+    watched_.clear();
+    changes_.clear();
+    fd_.CloseBy([this] { sd_bus_close(bus_); });
+    bus_ = sd_bus_unref(bus_);
+    if (isUp_.exchange(false)) {
+        for (Observer* observer : observers_) {
+            observer->OnLost();
+        }
+    }
+}
+
+// What the daemon said before its last answer waits in sd-bus after that.
+void Bus::ReadQueued()
+{
+    uint64_t queued = 0;
+    while (isUp_ && sd_bus_get_n_queued_read(bus_, &queued) >= 0 && queued > 0 && sd_bus_process(bus_, nullptr) > 0) {
+    }
+}
+
+void Bus::AnnounceChanges()
+{
+    for (ReadQueued(); !changes_.empty(); ReadQueued()) { // Observers ask, and so make more wait.
+        const Change change = std::move(changes_.front());
+        changes_.pop_front();
+        for (Observer* observer : observers_) {
+            observer->OnOwnerChange(change.name, change.from, change.to);
+        }
+        if (change.name[0] == ':') {
+            Unwatch(change.name); // It never comes again.
+        }
+    }
+}
+
+std::string Bus::Watch(const std::string& name)
+{
+    const std::string rule = std::string("type='signal',sender='") + DAEMON + "',path='" + DAEMON_PATH +
+                             "',interface='" + DAEMON + "',member='NameOwnerChanged',arg0='" + name + "'";
+    const auto hear = [](sd_bus_message* signal, void* self, sd_bus_error* /* error */) {
+        static_cast<Bus*>(self)->Hear(signal);
+        return 0;
+    };
+    sd_bus_slot* slot = nullptr;
+    if (watched_.count(name) == 0 && sd_bus_add_match(bus_, &slot, rule.c_str(), hear, this) < 0) {
+        return "";
+    }
+    const auto owner = OwnerOf(name);
+    ReadQueued(); // The changes until then are in the answer.
+    if (slot != nullptr) {
+        watched_.emplace(name, std::shared_ptr<sd_bus_slot>(slot, sd_bus_slot_unref));
+    }
+    if (!owner.has_value()) {
+        shutdown(fd_.Get(), SHUT_RDWR);
+    }
+    return owner.value_or("");
+}
+
+void Bus::Hear(sd_bus_message* signal)
+{
+    const char* name = nullptr;
+    const char* from = nullptr;
+    const char* to = nullptr;
+    const char* const sender = sd_bus_message_get_sender(signal);
+    if (sender != nullptr && std::string(sender) == DAEMON &&
+        sd_bus_message_read(signal, "sss", &name, &from, &to) > 0 && watched_.count(name) != 0) {
+        changes_.push_back({name, from, to});
+    }
+}
+
+std::optional<std::string> Bus::OwnerOf(const std::string& name)
+{
+    sd_bus_error error{};
+    sd_bus_message* reply = nullptr;
+    const char* owner = nullptr;
+    std::optional<std::string> found;
+    sd_bus_call_method(bus_, DAEMON, DAEMON_PATH, DAEMON, "GetNameOwner", &error, &reply, "s", name.c_str());
+    if (sd_bus_error_has_name(&error, SD_BUS_ERROR_NAME_HAS_NO_OWNER) > 0) {
+        found = "";
+    } else if (reply != nullptr && sd_bus_message_read(reply, "s", &owner) > 0) {
+        found = owner;
+    }
+    sd_bus_message_unref(reply);
+    sd_bus_error_free(&error);
+    return found;
+}
+
+bool Bus::GetCredentials(const std::string& name, pid_t& pid, uid_t& uid)
+{
+    sd_bus_creds* found = nullptr;
+    const bool isFound = sd_bus_get_name_creds(bus_, name.c_str(), SD_BUS_CREDS_PID | SD_BUS_CREDS_EUID, &found) >= 0 &&
+                         sd_bus_creds_get_pid(found, &pid) >= 0 && sd_bus_creds_get_euid(found, &uid) >= 0;
+    sd_bus_creds_unref(found);
+    return isFound;
+}
+
+std::optional<bool> Bus::RequestName(const std::string& name)
+{
+    const int result = sd_bus_request_name(bus_, name.c_str(), 0);
+    const bool isAnswered = result != -ETIMEDOUT && sd_bus_is_open(bus_) > 0;
+    return isAnswered ? std::optional(result >= 0 || result == -EALREADY) : std::nullopt;
+}
+
+bool Bus::ReleaseName(const std::string& name) { return sd_bus_release_name(bus_, name.c_str()) >= 0; }
+
+} // namespace OHOS::Transport

@@ -1,0 +1,287 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <csignal>
+#include <future>
+#include <list>
+#include <memory>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "call_connections.h"
+#include "connection.h"
+#include "fake_table.h"
+#include "one_way_connection.h"
+#include "parcel_message.h"
+#include "pins.h"
+#include "transport_error.h"
+
+namespace OHOS::Transport::Test {
+namespace {
+
+using namespace std::chrono_literals;
+
+// Two ends of a connection.
+struct Pair {
+    Pair()
+    {
+        int fds[2];
+        EXPECT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, fds), 0);
+        ours = Descriptor::Open([&] { return fds[0]; });
+        theirs = Descriptor::Open([&] { return fds[1]; });
+    }
+
+    Descriptor ours;
+    Descriptor theirs;
+};
+
+std::string Packet(const Descriptor& socket)
+{
+    std::string bytes(4096, '\0');
+    const ssize_t size = recv(socket.Get(), bytes.data(), bytes.size(), MSG_DONTWAIT);
+    return bytes.substr(0, static_cast<size_t>(std::max<ssize_t>(size, 0)));
+}
+
+TEST(PinsTest, AnObjectIsHeldAsLongAsItIsPinned)
+{
+    Pins pins;
+    const sptr<RefBase> first = new IPCObjectStub();
+    const sptr<RefBase> second = new IPCObjectStub();
+    EXPECT_EQ(pins.Pin(first), 0x01000000U);
+    EXPECT_EQ(pins.Pin(second), 0x01000001U);
+    EXPECT_EQ(pins.Pin(first), 0x01000000U);
+    EXPECT_EQ(pins.Find(0x01000001), second);
+    EXPECT_EQ(pins.Find(0x01000002), nullptr);
+    EXPECT_EQ(pins.Unpin(0x01000000, 1), nullptr);
+    EXPECT_EQ(first->GetSptrRefCount(), 2);
+    EXPECT_EQ(pins.Unpin(0x01000000, 5), first); // More than there are.
+    EXPECT_EQ(pins.Unpin(0x01000000, 1), nullptr);
+    EXPECT_EQ(first->GetSptrRefCount(), 1);
+    EXPECT_EQ(pins.Pin(first), 0x01000002U); // No id comes twice.
+    EXPECT_EQ(pins.Close(), (std::vector<sptr<RefBase>>{second, first}));
+    EXPECT_EQ(pins.Pin(first), 0U);
+    EXPECT_EQ(pins.Find(0x01000002), nullptr);
+}
+
+// Connections whose making can be refused.
+class CallConnectionsTest : public testing::Test {
+protected:
+    CallConnections connections_{[this](int& error) {
+        ++asked_;
+        error = error_;
+        return error_ == 0 ? std::move(pairs_.emplace_back().ours) : Descriptor();
+    }};
+    std::list<Pair> pairs_;
+    std::atomic<int> error_{0};
+    std::atomic<int> asked_{0};
+};
+
+TEST_F(CallConnectionsTest, ACallTakesTheIdleOneAndNoMoreThanThereMayBe)
+{
+    int error = 0;
+    std::vector<std::unique_ptr<Connection>> taken;
+    for (size_t i = 0; i < CallConnections::MAX; ++i) {
+        taken.push_back(connections_.Take(Clock::now(), error));
+        ASSERT_NE(taken.back(), nullptr);
+    }
+    EXPECT_EQ(connections_.Take(Clock::now() + 20ms, error), nullptr);
+    EXPECT_EQ(error, 110);
+    Connection* const last = taken.back().get();
+    connections_.Return(std::move(taken.back()), true);
+    taken.back() = connections_.Take(Clock::now(), error);
+    EXPECT_EQ(taken.back().get(), last);
+    connections_.Return(std::move(taken.back()), false);
+    taken.back() = connections_.Take(Clock::now(), error);
+    EXPECT_EQ(asked_, 32);
+    connections_.Close(); // Ends those under way.
+    char byte = 0;
+    EXPECT_EQ(recv(taken.front()->Get(), &byte, 1, 0), 0);
+    EXPECT_EQ(connections_.Take(Clock::now(), error), nullptr);
+    EXPECT_EQ(error, 32);
+    for (auto& connection : taken) {
+        connections_.Return(std::move(connection), true);
+    }
+}
+
+TEST_F(CallConnectionsTest, OneThatIsReturnedIsAsGoodAsOneThatCannotBeMade)
+{
+    for (const int failure : {BUFFER_FULL, NO_DESCRIPTOR, NO_MEMORY}) {
+        int error = 0;
+        error_ = 0;
+        std::unique_ptr<Connection> only = connections_.Take(Clock::now(), error);
+        error_ = failure;
+        const int before = asked_;
+        auto waiting = std::async(std::launch::async, [&] {
+            int mine = 0;
+            return connections_.Take(Clock::now() + 20s, mine);
+        });
+        while (asked_ == before) {
+            std::this_thread::yield();
+        }
+        connections_.Return(std::move(only), true);
+        only = waiting.get();
+        ASSERT_NE(only, nullptr) << failure;
+        connections_.Return(std::move(only), false);
+        EXPECT_EQ(connections_.Take(Clock::now() + 20ms, error), nullptr);
+        EXPECT_EQ(error, failure == BUFFER_FULL ? TIMED_OUT : failure); // There is none to wait for.
+    }
+}
+
+TEST(ConnectionTest, AWaitEndsAtItsDeadlineThoughSignalsComeMeanwhile)
+{
+    std::signal(SIGUSR1, [](int) {});
+    Pair pair;
+    Connection connection(std::move(pair.ours));
+    Message message;
+    const auto begin = Clock::now();
+    EXPECT_EQ(connection.Receive(message, begin + 30ms), 110);
+    EXPECT_GE(Clock::now(), begin + 30ms);
+    std::atomic<bool> isOver{false};
+    const pthread_t receiver = pthread_self();
+    std::thread other([&] {
+        while (!isOver) {
+            pthread_kill(receiver, SIGUSR1);
+            std::this_thread::sleep_for(5ms);
+        }
+    });
+    const auto again = Clock::now();
+    EXPECT_EQ(connection.Receive(message, again + 300ms), 110);
+    EXPECT_GE(Clock::now(), again + 300ms);
+    isOver = true;
+    other.join();
+    EXPECT_LT(Clock::now(), again + 5s); // It would never end, if each signal began it anew.
+}
+
+TEST(OneWayConnectionTest, WhatFindsNoRoomIsRefusedAndReleasesGoWithTheNextCall)
+{
+    std::list<Pair> pairs;
+    OneWayConnection connection([&](int& error) {
+        error = 0;
+        return std::move(pairs.emplace_back().ours);
+    });
+    Message call;
+    call.header.kind = Header::CALL;
+    call.header.flags = Header::ONE_WAY;
+    int sent = 0;
+    while (connection.Send(call) == 0) {
+        ++sent;
+    }
+    EXPECT_EQ(connection.Send(call), 105);
+    connection.Release(7, 2);
+    connection.Release(8, 1);
+    while (sent > 0) {
+        EXPECT_EQ(Packet(pairs.front().theirs).size(), 32U);
+        --sent;
+    }
+    EXPECT_EQ(connection.Send(call), 0);
+    // Kind 3, two handles, whose position is the number of references; from the header to the end.
+    EXPECT_EQ(
+        Packet(pairs.front().theirs), std::string("\3\0\0\0\0\0\0\0\0\0\0\0\2\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0"
+                                                  "\1\0\0\0\2\0\0\0\7\0\0\0\0\0\0\0\1\0\0\0\1\0\0\0\10\0\0\0\0\0\0\0",
+                                          64));
+    EXPECT_EQ(Packet(pairs.front().theirs).size(), 32U);
+    pairs.front().theirs = {}; // The peer hangs up: nothing was sent, and it is called anew.
+    EXPECT_EQ(connection.Send(call), 0);
+    EXPECT_EQ(Packet(pairs.back().theirs).size(), 32U);
+    connection.Close();
+    EXPECT_EQ(connection.Send(call), 32);
+    EXPECT_EQ(pairs.size(), 2U);
+}
+
+class ParcelMessageTest : public testing::Test {
+protected:
+    ParcelMessageTest()
+    {
+        table_.objects = {{0x01000000, own_}};
+        parcel_.WriteInt32(5);
+        parcel_.WriteRemoteObject(own_);
+    }
+
+    const sptr<IPCObjectStub> own_ = new IPCObjectStub();
+    FakeTable table_;
+    MessageParcel parcel_;
+};
+
+TEST_F(ParcelMessageTest, AnObjectIsAHandleAndComesBackAsItself)
+{
+    Pair pair;
+    {
+        ParcelMessage sent(table_, parcel_);
+        EXPECT_EQ(sent.error, 0);
+        sent.message.header.kind = Header::CALL;
+        sent.message.header.number = 9;
+        EXPECT_EQ(sent.message.Send(pair.ours.Get()), 0);
+    }
+    EXPECT_EQ(table_.pins[0x01000000], 1);
+    std::string bytes = Packet(pair.theirs);
+    EXPECT_EQ(bytes, std::string("\1\0\0\0\0\0\0\0\0\0\0\0\1\0\0\0\0\0\0\0\0\0\0\0\34\0\0\0\11\0\0\0"
+                                 "\0\0\0\0\4\0\0\0\0\0\0\1\0\0\0\0\5\0\0\0",
+                         52) +
+                         std::string(24, '\0'));
+    bytes[32] = 1; // The receiver's own, as when it comes home.
+    Message message;
+    MessageParcel back;
+    back.WriteInt32(4); // What is there stays.
+    ASSERT_TRUE(message.Parse(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()));
+    EXPECT_EQ(ParcelMessage::Read(message, table_, back), 0);
+    EXPECT_EQ(back.ReadInt32(), 4);
+    EXPECT_EQ(back.ReadInt32(), 5);
+    EXPECT_EQ(back.ReadRemoteObject(), own_);
+    EXPECT_EQ(back.ReadRemoteObject(), nullptr);
+    message.handles[0].id = 1; // Not known here.
+    EXPECT_EQ(ParcelMessage::Read(message, table_, back), 111);
+    message.handles[0].owner = Handle::SENDER;
+    MessageParcel next;
+    EXPECT_EQ(ParcelMessage::Read(message, table_, next), 0);
+    ASSERT_EQ(table_.received.size(), 1U);
+    EXPECT_EQ(table_.received[0].first, 1U);
+}
+
+TEST_F(ParcelMessageTest, WhatIsNotSentIsTakenBack)
+{
+    {
+        const ParcelMessage message(table_, parcel_);
+        EXPECT_EQ(table_.pins[0x01000000], 1);
+    }
+    EXPECT_EQ(table_.pins[0x01000000], 0);
+    parcel_.WriteRemoteObject(new IPCObjectStub()); // Which the table cannot pin, as if the peer were gone.
+    EXPECT_EQ(ParcelMessage(table_, parcel_).error, 32);
+    EXPECT_EQ(table_.pins[0x01000000], 0);
+    MessageParcel many;
+    many.SetMaxCapacity(size_t{4} << 20);
+    for (size_t i = 0; i <= MAX_HANDLES; ++i) {
+        many.WriteRemoteObject(own_);
+    }
+    EXPECT_EQ(ParcelMessage(table_, many).error, 90);
+    EXPECT_EQ(table_.pins[0x01000000], 0);
+}
+
+TEST(MessageOptionTest, SettersPutInOrderWhatTheConstructorKeeps)
+{
+    MessageOption option = {MessageOption::TF_SYNC, -3};
+    EXPECT_EQ(option.GetWaitTime(), -3);
+    option.SetWaitTime(0);
+    EXPECT_EQ(option.GetWaitTime(), 8);
+    option.SetWaitTime(3001);
+    EXPECT_EQ(option.GetWaitTime(), 3000);
+    option.SetFlags(MessageOption::TF_ASYNC);
+    option.SetFlags(2);
+    EXPECT_EQ(option.GetFlags(), 3);
+}
+
+TEST(InterfaceTokenTest, ATokenThatDoesNotFitLeavesNoHalfOfItsHead)
+{
+    MessageParcel parcel;
+    const std::string filler(204796, 'x');
+    EXPECT_TRUE(parcel.WriteBuffer(filler.data(), filler.size()));
+    EXPECT_FALSE(parcel.WriteInterfaceToken(u"token"));
+    EXPECT_EQ(parcel.GetDataSize(), filler.size());
+}
+
+} // namespace
+} // namespace OHOS::Transport::Test
