@@ -101,21 +101,29 @@ private:
         std::string to;
     };
 
-    /** One thread's turn with the connection, unless it does not come. At its end what was heard is announced. */
+    /** One thread's turn with the connection, unless it does not come. */
     class Turn {
     public:
-        explicit Turn(Bus& bus);
+        explicit Turn(Bus& bus) : bus_(bus), isTaken_(bus.TakeTurn()) {}
         Turn(const Turn&) = delete;
         Turn& operator=(const Turn&) = delete;
-        ~Turn();
 
-        explicit operator bool() const { return lock_.owns_lock(); }
+        ~Turn()
+        {
+            if (isTaken_) {
+                bus_.EndTurn();
+            }
+        }
+
+        explicit operator bool() const { return isTaken_; }
 
     private:
         Bus& bus_;
-        std::unique_lock<std::timed_mutex> lock_;
+        const bool isTaken_;
     };
 
+    bool TakeTurn();
+    void EndTurn();
     void Run();
     bool Connect();
     bool ReadNews();
@@ -128,12 +136,11 @@ private:
     std::atomic<bool> isUp_{false};
 
     Mutex mutex_;
-    Condition begun_;
+    Condition turnEnded_;
     bool isStarted_ GUARDED_BY(mutex_) = false;
-    bool hasBegun_ GUARDED_BY(mutex_) = false; // The bus thread has had its first turn, or has it.
+    bool isTurnTaken_ GUARDED_BY(mutex_) = false;
 
-    // Held by whoever has the turn, and so guards the rest. A std::timed_mutex, which the checker does not know.
-    std::timed_mutex turn_;
+    // For whoever has the turn.
     sd_bus* bus_ = nullptr; // Null while there is none.
     Descriptor fd_;         // The connection's.
     std::string ownName_;

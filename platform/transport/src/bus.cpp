@@ -57,48 +57,49 @@ Bus::Address Bus::GetAddress()
 
 bool Bus::Start()
 {
-    const auto deadline = Clock::now() + PATIENCE;
-    MutexLock lock(mutex_);
+    const MutexLock lock(mutex_);
     if (!isStarted_ && GetAddress() == Address::GIVEN) {
         isStarted_ = Notices::Start() && Process::StartThread([this] { Run(); });
-    }
-    while (isStarted_ && !hasBegun_ && begun_.WaitUntil(lock, deadline)) {
+        isTurnTaken_ = isStarted_; // For that thread, so that whoever asks now waits for it to join the bus.
     }
     return isStarted_;
 }
 
-Bus::Turn::Turn(Bus& bus) : bus_(bus), lock_(bus.turn_, std::defer_lock)
+bool Bus::TakeTurn()
 {
-    if (Process::IsUsable()) {
-        static_cast<void>(lock_.try_lock_for(PATIENCE));
+    const auto deadline = Clock::now() + PATIENCE;
+    if (!Process::IsUsable()) {
+        return false;
     }
+    MutexLock lock(mutex_);
+    while (isTurnTaken_) {
+        if (!turnEnded_.WaitUntil(lock, deadline)) {
+            return false;
+        }
+    }
+    return isTurnTaken_ = true;
 }
 
-Bus::Turn::~Turn()
+void Bus::EndTurn()
 {
-    if (lock_) {
-        bus_.AnnounceChanges();
-    }
+    AnnounceChanges();
+    const MutexLock lock(mutex_);
+    isTurnTaken_ = false;
+    turnEnded_.NotifyAll();
 }
 
 void Bus::Run()
 {
-    while (Process::IsUsable()) {
+    for (bool hasTurn = true; Process::IsUsable(); hasTurn = TakeTurn()) {
         pollfd wait{-1, POLLIN, 0};
-        {
-            const Turn turn(*this);
-            {
-                const MutexLock lock(mutex_);
-                hasBegun_ = true;
-                begun_.NotifyAll();
-            }
-            if (turn && (bus_ != nullptr ? !ReadNews() : !Connect())) {
+        if (hasTurn) {
+            if (bus_ != nullptr ? !ReadNews() : !Connect()) {
                 Leave();
             }
             wait.fd = fd_.Get();
+            EndTurn();
         }
-        const auto timeout = wait.fd >= 0 ? -1 : static_cast<int>(NEXT_TRY.count());
-        if (poll(&wait, 1, timeout) < 0) {
+        if (poll(&wait, 1, wait.fd >= 0 ? -1 : static_cast<int>(NEXT_TRY.count())) < 0) {
             std::this_thread::sleep_for(PAUSE); // The limit of descriptors is 0.
         }
     }
