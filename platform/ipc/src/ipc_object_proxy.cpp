@@ -27,7 +27,7 @@ int IPCObjectProxy::SendRequest(uint32_t code, MessageParcel& data, MessageParce
         return IPC_PROXY_INVALID_CODE_ERR;
     }
     const auto deadline = Transport::Clock::now() + std::chrono::seconds(std::max(option.GetWaitTime(), 0));
-    if (IsObjectDead()) {
+    if (!Transport::Process::IsUsable() || IsObjectDead()) {
         return ERR_DEAD_OBJECT;
     }
     ParcelMessage sent(*peer_, data);

@@ -22,6 +22,7 @@ ParcelMessage::ParcelMessage(Transport::ObjectTable& table, const MessageParcel&
         error = Transport::TOO_LARGE;
         return;
     }
+    message.handles.reserve(parcel.objects_.size());
     for (const auto& [position, object] : parcel.objects_) {
         Handle handle{Handle::SENDER, static_cast<uint32_t>(position), 0};
         error = Export(object, handle);

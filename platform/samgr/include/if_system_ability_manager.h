@@ -28,7 +28,7 @@ public:
         std::u16string permission;
     };
 
-    /** The service's object, or null. Asks the bus for at most 8 s, never the service; null at once without a bus. */
+    /** The service's object, or null. Asks the bus, never the service; null at once without one. */
     virtual sptr<IRemoteObject> GetSystemAbility(int32_t systemAbilityId) = 0;
     virtual sptr<IRemoteObject> CheckSystemAbility(int32_t systemAbilityId) = 0;
 

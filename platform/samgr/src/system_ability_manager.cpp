@@ -38,11 +38,12 @@ sptr<IRemoteObject> AsRemote(const sptr<RefBase>& object) { return dynamic_cast<
 // goes to the notice thread: a destructor there holds up nobody. False if there was none.
 bool Replace(int32_t systemAbilityId, const sptr<IRemoteObject>& object)
 {
-    const sptr<RefBase> former = Services::Get().Set(static_cast<uint64_t>(systemAbilityId), object);
-    if (former != nullptr) {
-        Notices::Post([former] {});
+    sptr<RefBase> former = Services::Get().Set(static_cast<uint64_t>(systemAbilityId), object);
+    if (former == nullptr) {
+        return false;
     }
-    return former != nullptr;
+    Notices::Post([dropped = std::move(former)] {});
+    return true;
 }
 
 } // namespace
@@ -133,12 +134,12 @@ int32_t SystemAbilityManager::RemoveSystemAbility(int32_t systemAbilityId)
     if (Services::Get().Find(static_cast<uint64_t>(systemAbilityId)) == nullptr) {
         return ERR_INVALID_VALUE;
     }
-    const bool isReleased = !HasBus() || Bus::Get().Ask([&] { return Bus::Get().ReleaseName(name); });
-    Replace(systemAbilityId, nullptr);
+    Replace(systemAbilityId, nullptr); // First, so that it is not registered again with a bus that comes meanwhile.
     if (!HasBus()) {
         OnOwnerChange(name, THIS_PROCESS, "");
+        return ERR_NONE;
     }
-    return isReleased ? ERR_NONE : ERR_DEAD_OBJECT;
+    return Bus::Get().Ask([&] { return Bus::Get().ReleaseName(name); }) ? ERR_NONE : ERR_DEAD_OBJECT;
 }
 
 int32_t SystemAbilityManager::SubscribeSystemAbility(
@@ -191,9 +192,13 @@ int32_t SystemAbilityManager::UnSubscribeSystemAbility(
 
 bool SystemAbilityManager::OnJoined()
 {
-    for (const auto& [number, service] : Services::Get().GetAll()) {
+    for (const uint64_t number : Services::Get().GetNumbers()) {
         const auto id = static_cast<int32_t>(number);
-        if (!Bus::Get().RequestName(NameOf(id)).value_or(false)) { // Another process is the service by now.
+        const auto isOwn = Bus::Get().RequestName(NameOf(id));
+        if (!isOwn.has_value()) {
+            return false;
+        }
+        if (!*isOwn) { // Another process is the service by now.
             Replace(id, nullptr);
         }
     }

@@ -28,9 +28,9 @@ public:
     };
 
     /**
-     * To be called when a user's code has run on a platform thread, and before anybody knows. Where another thread has
-     * loaded the library, the main thread's thread-locals are out of reach; but what is registered last runs first at
-     * exit, before the end of the objects that were called until then.
+     * To be called when a user's code has run on a platform thread, before its caller or the next notice goes on. The
+     * main thread's thread-locals end an exit's callbacks, but not where another thread has loaded the library or
+     * exits. Then what was registered last runs first, before the end of the objects that were called until then.
      */
     static void WatchExit();
 

@@ -2,9 +2,11 @@
 #ifndef SERVICES_H
 #define SERVICES_H
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <utility>
+#include <vector>
 
 #include "mutex.h"
 #include "never_destroyed.h"
@@ -41,10 +43,25 @@ public:
         return found != services_.end() ? found->second : nullptr;
     }
 
-    std::map<uint64_t, sptr<RefBase>> GetAll()
+    /** The number of a service, so that it is one object to a peer however that came by it. False for another object.
+     */
+    bool FindNumber(const sptr<RefBase>& object, uint64_t& number)
     {
         const MutexLock lock(mutex_);
-        return services_;
+        const auto found = std::find_if(
+            services_.begin(), services_.end(), [&](const auto& service) { return service.second == object; });
+        number = found != services_.end() ? found->first : 0;
+        return found != services_.end();
+    }
+
+    std::vector<uint64_t> GetNumbers()
+    {
+        const MutexLock lock(mutex_);
+        std::vector<uint64_t> numbers;
+        for (const auto& [number, service] : services_) {
+            numbers.push_back(number);
+        }
+        return numbers;
     }
 
 private:

@@ -133,11 +133,9 @@ bool Bus::Connect()
 // False if the connection has ended.
 bool Bus::ReadNews()
 {
-    int done = 0;
-    do {
-        done = sd_bus_process(bus_, nullptr);
-    } while (done > 0 || done == -EINTR);
-    return done >= 0 || done == -EAGAIN;
+    while (sd_bus_is_open(bus_) > 0 && sd_bus_process(bus_, nullptr) > 0) {
+    }
+    return sd_bus_is_open(bus_) > 0; // Where it is not, sd-bus would close the descriptor, which is Leave's.
 }
 
 void Bus::Leave()
@@ -157,7 +155,8 @@ void Bus::Leave()
 void Bus::ReadQueued()
 {
     uint64_t queued = 0;
-    while (isUp_ && sd_bus_get_n_queued_read(bus_, &queued) >= 0 && queued > 0 && sd_bus_process(bus_, nullptr) > 0) {
+    while (isUp_ && sd_bus_is_open(bus_) > 0 && sd_bus_get_n_queued_read(bus_, &queued) >= 0 && queued > 0 &&
+           sd_bus_process(bus_, nullptr) > 0) {
     }
 }
 
@@ -184,10 +183,11 @@ std::string Bus::Watch(const std::string& name)
         return 0;
     };
     sd_bus_slot* slot = nullptr;
-    if (watched_.count(name) == 0 && sd_bus_add_match(bus_, &slot, rule.c_str(), hear, this) < 0) {
+    const int matched = watched_.count(name) == 0 ? sd_bus_add_match(bus_, &slot, rule.c_str(), hear, this) : 0;
+    if (matched < 0 && matched != -ETIMEDOUT) {
         return "";
     }
-    const auto owner = OwnerOf(name);
+    const auto owner = matched >= 0 ? OwnerOf(name) : std::nullopt;
     ReadQueued(); // The changes until then are in the answer.
     if (slot != nullptr) {
         watched_.emplace(name, std::shared_ptr<sd_bus_slot>(slot, sd_bus_slot_unref));

@@ -89,13 +89,15 @@ bool Inbound::Serve(const std::shared_ptr<ServedConnection>& connection, const L
         const bool isOfUser = other->maker.uid == connection->maker.uid;
         const bool isOfProcess = other->maker.pid == connection->maker.pid;
         ofUser += isOfUser ? 1 : 0;
-        ofProcess += isOfUser && isOfProcess ? 1 : 0;
         if (isOfProcess && other->isHungUp) {
-            former.connections.push_back(other);
+            former.connections.push_back(other); // And not counted: the process has none of these any more.
+        } else if (isOfUser && isOfProcess) {
+            ++ofProcess;
         }
     }
-    const auto serve = [this, connection, introduce = listener.introduce, former] {
-        connection->Run(introduce, [this, &former] { Await(former); });
+    std::function<void()> awaitFormer = [this, former] { Await(former); };
+    const auto serve = [this, connection, introduce = listener.introduce, awaitFormer]() mutable {
+        connection->Run(introduce, std::exchange(awaitFormer, nullptr));
         if (!Process::IsForked()) {
             Remove(connection);
             connection->connection.HangUp(); // The peer may connect anew.

@@ -122,12 +122,8 @@ void Peer::Forget(const RefBase* proxy, uint64_t id) noexcept
 
 bool Peer::Pin(const sptr<RefBase>& object, uint64_t& id)
 {
-    for (const auto& [number, service] : Services::Get().GetAll()) {
-        // Known by its number, so that it is one object to the peer however it came by it.
-        if (service == object) {
-            id = number;
-            return true;
-        }
+    if (Services::Get().FindNumber(object, id)) {
+        return true;
     }
     id = pins_.Pin(object);
     return id != 0;
@@ -136,8 +132,8 @@ bool Peer::Pin(const sptr<RefBase>& object, uint64_t& id)
 void Peer::Unpin(uint64_t id, uint32_t count)
 {
     // It may be the last reference, and this thread may hold what its destructor locks.
-    if (const sptr<RefBase> object = pins_.Unpin(id, count)) {
-        Notices::Post([object] {});
+    if (sptr<RefBase> object = pins_.Unpin(id, count)) {
+        Notices::Post([dropped = std::move(object)] {});
     }
 }
 

@@ -56,7 +56,7 @@ struct ExitGuard {
     }
 };
 
-const bool IS_LOADED_BY_MAIN = [] {
+[[maybe_unused]] const bool IS_LOADED_BY_MAIN = [] {
     thread_local ExitGuard guard;
     guard.isArmed = getpid() == gettid();
     return guard.isArmed;
@@ -80,7 +80,7 @@ Process::Activity::~Activity()
 void Process::WatchExit()
 {
     const unsigned count = ++g_callbacks;
-    if (!IS_LOADED_BY_MAIN && (count & (count - 1)) == 0) { // After 1, 2, 4, 8... of them.
+    if ((count & (count - 1)) == 0) { // After 1, 2, 4, 8... of them.
         std::atexit(BeginExit);
     }
 }

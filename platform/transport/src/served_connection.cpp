@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "served_connection.h"
 
+#include <poll.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
 #include <array>
 #include <utility>
 
@@ -16,6 +20,13 @@ ServedConnection::ServedConnection(Descriptor socket) : connection(std::move(soc
 {
     socklen_t size = sizeof(maker);
     getsockopt(connection.Get(), SOL_SOCKET, SO_PEERCRED, &maker, &size);
+    process_ = Descriptor::Open([this] { return static_cast<int>(syscall(SYS_pidfd_open, maker.pid, 0)); });
+}
+
+bool ServedConnection::IsMakerAlive() const
+{
+    pollfd end{process_.Get(), POLLIN, 0};
+    return process_ && poll(&end, 1, 0) == 0;
 }
 
 void ServedConnection::Run(const Introduce& introduce, std::function<void()> awaitFormer)
@@ -23,7 +34,9 @@ void ServedConnection::Run(const Introduce& introduce, std::function<void()> awa
     std::array<char, Introduction::MAX_NAME> name{};
     const size_t size = connection.ReceiveRaw(name.data(), name.size());
     const std::shared_ptr<Peer> peer = introduce(std::string(name.data(), size), maker.pid);
-    if (peer == nullptr) {
+    const bool isMaker = IsMakerAlive(); // Else another process may have its pid by now, and its socket.
+    process_ = {};
+    if (peer == nullptr || !isMaker) {
         Refuse();
         return;
     }
