@@ -116,29 +116,6 @@ void Push(int generation, int first, int count)
     }
 }
 
-using ClientTest = PeerTest;
-
-TEST_F(ClientTest, AnAppLivesOnWithoutABusAndGoesOnWithTheNextOne)
-{
-    Helper& app = Start(ListenToAll);
-    Helper& service = Start(Publish);
-    service.Await("1 a, 1 sensorStateChange, 1 switch, ", Registered);
-    KillDaemon();
-    EXPECT_EQ(app.Events(4), (std::vector<std::string>{USES_OFF, SWITCHES_OFF[0], SWITCHES_OFF[1], SWITCHES_OFF[2]}));
-    const std::string address = std::exchange(busAddress_, "");
-    Helper& lone = Start();
-    for (Helper* helper : {&app, &lone}) {
-        helper->Expect("0", GetActive);
-        helper->Expect("0", [] { return Client().NotifyPowerEvent(1); });
-        helper->Expect("0", [] { return Listen("location"); });
-    }
-    StartDaemon();
-    service.Await("1 a, 1 location, 1 sensorStateChange, 1 switch, ", Registered);
-    service.Ask([] { Push(1, 2, 1); });
-    EXPECT_EQ(app.Events(2), (std::vector<std::string>{"e 0 1 1 2", "s 0 0 1 2"}));
-    app.Expect("0", GetActive);
-}
-
 // The storm: a service that ends and is started again and again, and apps that do not leave it in peace.
 
 std::atomic<bool> g_isStorm{false};
