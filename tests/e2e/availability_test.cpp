@@ -77,7 +77,7 @@ TEST_F(AvailabilityTest, AServiceIsOfOneProcessAtATime)
     rival.Expect("0", [] { return Serve(100); });
     caller.Expect("0", [] { return Find("s", 100); });
     caller.Expect("0 remote", [] { return Call("s", TAKE, "x"); });
-    rival.Expect("0 hello", [] { return Call("x", ECHO, "hello"); });
+    rival.Expect("0 hello", [] { return Call("x", REPEAT, "hello"); });
 }
 
 TEST_F(AvailabilityTest, WithoutABusAProcessHasItsOwnServicesAndWithAMalformedAddressNone)

@@ -5,12 +5,14 @@
 #include <gtest/gtest.h>
 #include <linux/close_range.h>
 #include <poll.h>
+#include <pty.h>
 #include <pwd.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utmp.h>
 
 #include <algorithm>
 #include <array>
@@ -50,13 +52,16 @@ bool AwaitThat(F isSo)
  */
 class Helper {
 public:
-    /** Without a command, a fork. It gets `busAddress` as OHOS_BUS_ADDRESS; none where it is empty. */
-    Helper(const std::vector<std::string>& command, const std::string& busAddress)
+    /** Without a command, a fork. It gets `busAddress` as OHOS_BUS_ADDRESS; none where it is empty. Its input and
+     * output are a socket, or a terminal that it is in front of. */
+    Helper(const std::vector<std::string>& command, const std::string& busAddress, bool isOnTerminal = false)
     {
         int ends[2];
         const timeval patience{PATIENCE_S, 0};
-        if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0 ||
-            setsockopt(ends[0], SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience)) != 0) {
+        const winsize size{24, 80, 0, 0};
+        if (isOnTerminal ? openpty(&ends[0], &ends[1], nullptr, nullptr, &size) != 0
+                         : socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0 ||
+                               setsockopt(ends[0], SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience)) != 0) {
             std::abort();
         }
         std::vector<char*> arguments(command.size() + 1);
@@ -66,8 +71,7 @@ public:
         pid_ = fork();
         if (pid_ == 0) {
             prctl(PR_SET_PDEATHSIG, SIGKILL);
-            dup2(ends[1], STDIN_FILENO);
-            dup2(ends[1], STDOUT_FILENO);
+            isOnTerminal ? login_tty(ends[1]) : dup2(ends[1], STDIN_FILENO) + dup2(ends[1], STDOUT_FILENO);
             syscall(SYS_close_range, STDERR_FILENO + 1, ~0U, 0);
             setenv("HILOG_LEVEL", "OFF", 1);
             busAddress.empty() ? unsetenv("OHOS_BUS_ADDRESS") : setenv("OHOS_BUS_ADDRESS", busAddress.c_str(), 1);
@@ -218,6 +222,9 @@ public:
 
     pid_t Pid() const { return pid_; }
 
+protected:
+    int line_ = -1; // To its standard input and output.
+
 private:
     /** Functions are where they are here, and the captures are copied. */
     struct Request {
@@ -275,7 +282,6 @@ private:
     }
 
     pid_t pid_ = -1;             // -1 once it has ended.
-    int line_ = -1;              // To its standard input and output.
     std::FILE* input_ = nullptr; // What comes on the line, which it closes.
     std::deque<std::string> events_;
 };
@@ -336,6 +342,21 @@ protected:
     {
         daemon_ = nullptr;
         std::filesystem::remove(folder_ + "/bus");
+    }
+
+    /** What a shell's command prints on either stream, and "= " and its exit code at the end. */
+    std::string Run(const std::string& command) const
+    {
+        setenv("OHOS_BUS_ADDRESS", busAddress_.c_str(), 1);
+        setenv("HILOG_LEVEL", "OFF", 1);
+        std::FILE* const shell = popen(("{ " + command + "; } 2>&1 </dev/null; echo \"= $?\"").c_str(), "re");
+        std::string output;
+        char bytes[4096];
+        while (const size_t size = std::fread(bytes, 1, sizeof(bytes), shell)) {
+            output.append(bytes, size);
+        }
+        pclose(shell);
+        return output;
     }
 
     std::string folder_;     // Goes, with all in it.

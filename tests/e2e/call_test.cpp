@@ -47,10 +47,10 @@ TEST_F(CallTest, ACallBringsBackTheAnswerOrTheError)
 {
     Helper& service = Start([] { Serve(100); });
     Helper& caller = Start([] { Find("s", 100); });
-    caller.Expect("0 hello", [] { return Call("s", ECHO, "hello"); });
+    caller.Expect("0 hello", [] { return Call("s", REPEAT, "hello"); });
     for (const auto& [size, result] :
         {std::make_pair(204787, "0 x"), {1048560, "90"}}) { // A parcel at first; too much.
-        caller.Expect(result, [size = size] { return Call("s", ECHO, std::string(size, 'x')).substr(0, 3); });
+        caller.Expect(result, [size = size] { return Call("s", REPEAT, std::string(size, 'x')).substr(0, 3); });
     }
     const std::string other = Identity(caller);
     caller.Expect("0 " + other + " 0 " + Identity(service) + " " + other, [] { return Call("s", CALL_BACK, "me"); });
@@ -61,7 +61,7 @@ TEST_F(CallTest, ACallBringsBackTheAnswerOrTheError)
     caller.Expect("305", [] { return Call("s", 99); });
     caller.Expect("204", [] { return Call("s", 0x01000000); });
     service.Expect("0", [] { return Unserve(100); });
-    caller.Expect("111", [] { return Call("s", ECHO); });
+    caller.Expect("111", [] { return Call("s", REPEAT); });
 }
 
 TEST_F(CallTest, AnObjectIsOnePointerHoweverItCame)
@@ -75,7 +75,7 @@ TEST_F(CallTest, AnObjectIsOnePointerHoweverItCame)
     caller.Expect("0 same", [] { return Call("s", GIVE, "y"); });
     caller.Expect("0 same", [] { return Call("s", TAKE, "y"); });
     caller.Expect("0 same", [] { return Call("s", GIVE, "me"); }); // The service itself, found and handed over.
-    service.Expect("0 hello", [] { return Call("y", ECHO, "hello"); });
+    service.Expect("0 hello", [] { return Call("y", REPEAT, "hello"); });
 }
 
 TEST_F(CallTest, AnObjectLivesAsLongAsAPeerHoldsIt)
@@ -123,7 +123,7 @@ TEST_F(CallTest, AnObjectIsHandedOnByItsOwnerOnly)
     Helper& caller = Start([] { Find("s", 100), Find("m", 200); });
     caller.Expect("125", [] { return Call("m", TAKE, "s"); });
     caller.Expect("125", [] { return Call("m", GIVE, "x"); });
-    middle.Expect("0 hello", [] { return Call("x", ECHO, "hello"); });
+    middle.Expect("0 hello", [] { return Call("x", REPEAT, "hello"); });
 }
 
 TEST_F(CallTest, ACallToAStoppedProcessEndsWithItsWaitOrWithTheProcess)
@@ -133,7 +133,7 @@ TEST_F(CallTest, ACallToAStoppedProcessEndsWithItsWaitOrWithTheProcess)
     service.Signal(SIGSTOP);
     for (const bool isConnected : {false, true}) {
         const auto begin = Clock::now();
-        caller.Expect("110", [] { return Call("s", ECHO); });
+        caller.Expect("110", [] { return Call("s", REPEAT); });
         EXPECT_GE(Clock::now() - begin, std::chrono::milliseconds(1900)) << isConnected;
         EXPECT_LT(Clock::now() - begin, std::chrono::milliseconds(3900)) << isConnected; // Not twice its wait.
         service.Signal(SIGCONT);
@@ -142,7 +142,7 @@ TEST_F(CallTest, ACallToAStoppedProcessEndsWithItsWaitOrWithTheProcess)
         service.Signal(SIGSTOP);
     }
     caller.Ask([] { SetWait(600); });
-    caller.Begin([] { return Call("s", ECHO); });
+    caller.Begin([] { return Call("s", REPEAT); });
     service.Kill();
     caller.Hears({"done 32"});
 }
@@ -175,7 +175,7 @@ TEST_F(CallTest, ASlowReceiverHoldsNobodyUpAndGetsInOrderWhatWasTaken)
         taken.push_back(std::stoi(sent));
     }
     EXPECT_LT(taken[2], 1000);
-    caller.Expect("0 hello", [] { return Call("s", ECHO, "hello"); });
+    caller.Expect("0 hello", [] { return Call("s", REPEAT, "hello"); });
     caller.Ask([] { Drop("x"); }); // Its release has to wait.
     service.Ask(Release);
     for (const int count : taken) {
@@ -192,42 +192,42 @@ TEST_F(CallTest, NothingWorksInTheChildOfAForkAndAllGoesOnInTheParent)
 {
     Helper& service = Start([] { Serve(100); });
     Helper& caller = Start([] { Serve(200), Find("s", 100), Mourn("s"); });
-    service.Ask([] { Find("c", 200), Call("c", ECHO); });
-    caller.Ask([] { Call("s", ECHO); });
+    service.Ask([] { Find("c", 200), Call("c", REPEAT); });
+    caller.Ask([] { Call("s", REPEAT); });
     service.Ask([] {
         if (fork() == 0) {
-            Helper::Tell("child: " + Find("c", 200) + ", " + Call("c", ECHO) + ", " + Send("c", 1));
+            Helper::Tell("child: " + Find("c", 200) + ", " + Call("c", REPEAT) + ", " + Send("c", 1));
             pollfd wait{STDIN_FILENO, 0, 0}; // Stays as long as there is somebody to stay for.
             poll(&wait, 1, -1);
             _exit(0);
         }
     });
     service.Hears({"child: no manager, 32, 0 then 32"});
-    service.Expect("0", [] { return Call("c", ECHO); });
-    caller.Expect("0", [] { return Call("s", ECHO); });
+    service.Expect("0", [] { return Call("c", REPEAT); });
+    caller.Expect("0", [] { return Call("s", REPEAT); });
     service.Kill(); // The child lives on.
     caller.Hears({"dead s"});
-    caller.Expect("32", [] { return Call("s", ECHO); });
+    caller.Expect("32", [] { return Call("s", REPEAT); });
 }
 
 TEST_F(CallTest, WithoutADescriptorAConnectionFailsAndNothingElse)
 {
     Helper& service = Start([] { Serve(100); });
     Start([] { Serve(200); });
-    Helper& caller = Start([] { Find("s", 100), Find("other", 200), Call("other", ECHO), LimitDescriptors(3); });
-    caller.Expect("24", [] { return Call("s", ECHO); });
+    Helper& caller = Start([] { Find("s", 100), Find("other", 200), Call("other", REPEAT), LimitDescriptors(3); });
+    caller.Expect("24", [] { return Call("s", REPEAT); });
     caller.Expect("0 then 24", [] { return Send("s", 1); });
     caller.Expect("0", [] { return Find("s", 100); }); // The bus needs none.
-    caller.Expect("0 hello", [] { return Call("other", ECHO, "hello"); });
+    caller.Expect("0 hello", [] { return Call("other", REPEAT, "hello"); });
     caller.Ask([] { LimitDescriptors(4096); });
-    caller.Expect("0 hello", [] { return Call("s", ECHO, "hello"); });
+    caller.Expect("0 hello", [] { return Call("s", REPEAT, "hello"); });
     Helper& passing = Start([] { Find("s", 100), Make("x"), Call("s", TAKE, "x"); });
     service.Ask([] { Mourn("x"), LimitDescriptors(0); });
     passing.Kill();
     service.Hears({"dead x"}); // News still comes.
     Helper& late = Start([] { Find("s", 100), SetWait(600); });
-    late.Begin([] { return Call("s", ECHO, "late"); });
-    caller.Expect("0 hello", [] { return Call("s", ECHO, "hello"); });
+    late.Begin([] { return Call("s", REPEAT, "late"); });
+    caller.Expect("0 hello", [] { return Call("s", REPEAT, "hello"); });
     service.Expect("0", [] { // Of half a second, which no thread spins through.
         const std::clock_t before = std::clock();
         usleep(500'000);
@@ -253,7 +253,7 @@ TEST_F(CallTest, AFailedAllocationEndsTheProcessOrLeavesEverythingWorking)
             }
             g_failingNew = 0;
             Find("s", 100);
-            return Call("s", ECHO, "hello");
+            return Call("s", REPEAT, "hello");
         });
         caller.EndInput();
         const int end = caller.AwaitEnd();

@@ -47,7 +47,7 @@ TEST_F(DeathTest, LastEventsComeBeforeTheNewsOfADeathAndOfASuccessor)
     service_.Expect("50 then 0", [] { return Send("x", 50); });
     service_.Kill();
     caller_.Await("1", [] { return IsDead("s"); });
-    caller_.Expect("32", [] { return Call("s", ECHO); }); // Calls do not wait for that.
+    caller_.Expect("32", [] { return Call("s", REPEAT); }); // Calls do not wait for that.
     successor.Await("0", [] { return Serve(100); });
     caller_.Ask(Release);
     ExpectEvents(caller_, "x", 50);
@@ -67,8 +67,8 @@ TEST_F(DeathTest, LastEventsOfAServiceThatEndsCleanlyComeBeforeTheNewsOfItsEnd)
     service_.Expect("1 then 0", [] { return Send("x", 1); });
     caller_.Hears({"x 0"});
     caller_.Await("0", [] { return Find("s", 100); });
-    caller_.Expect("0 hello", [] { return Call("s", ECHO, "hello"); });
-    service_.Expect("0 hello", [] { return Call("x", ECHO, "hello"); });
+    caller_.Expect("0 hello", [] { return Call("s", REPEAT, "hello"); });
+    service_.Expect("0 hello", [] { return Call("x", REPEAT, "hello"); });
 }
 
 TEST_F(DeathTest, TheNewsOfAnEndDoesNotWaitForeverForAReaderOfLastEvents)
@@ -99,7 +99,7 @@ TEST_F(DeathTest, ARefusedConnectionProvesADeath)
     Helper& other = Start([] { Find("s", 100), Mourn("s"); }); // Has yet to connect.
     daemon_->Signal(SIGSTOP);                                  // So that it brings no news.
     service_.Kill();
-    other.Expect("32", [] { return Call("s", ECHO); });
+    other.Expect("32", [] { return Call("s", REPEAT); });
     other.Expect("1", [] { return IsDead("s"); });
     other.Hears({"dead s"});
     daemon_->Signal(SIGCONT);

@@ -34,7 +34,7 @@ public:
     using BusTest::BusTest;
 
     /** What the objects serve. Every request carries a text, and some an object after it; so do the replies. */
-    enum Code : uint32_t { ECHO = 1, WHO, EVENT, TAKE, GIVE, DROP, CALL_BACK, WAIT, FAIL, FAIL_WITH_REPLY, CRASH };
+    enum Code : uint32_t { REPEAT = 1, WHO, EVENT, TAKE, GIVE, DROP, CALL_BACK, WAIT, FAIL, FAIL_WITH_REPLY, CRASH };
 
     static OHOS::sptr<OHOS::ISystemAbilityManager> Manager()
     {
@@ -109,9 +109,9 @@ public:
         const auto hammer = [&](size_t thread) {
             for (int i = 0; i < count; ++i) {
                 const std::string text = std::to_string(thread) + "/" + std::to_string(i);
-                const int oneWay = Request(target, ECHO, "", new Object(""), OHOS::MessageOption::TF_ASYNC).code;
+                const int oneWay = Request(target, REPEAT, "", new Object(""), OHOS::MessageOption::TF_ASYNC).code;
                 const OHOS::sptr<OHOS::IRemoteObject> object = new Object("");
-                const Answer echo = Request(target, ECHO, text, object);
+                const Answer echo = Request(target, REPEAT, text, object);
                 const Answer back = Request(target, CALL_BACK, "", Named("me"));
                 if ((oneWay != 0 && oneWay != 105) || echo.code != 0 || back.code != 0) {
                     ++failed;
@@ -196,7 +196,7 @@ private:
             const std::string text = data.ReadString();
             const Remote object = data.ReadRemoteObject();
             switch (code) {
-            case ECHO: // The object goes home while its last proxy here goes.
+            case REPEAT: // The object goes home while its last proxy here goes.
                 return Reply(reply, text, object);
             case WHO:
                 return Reply(reply, Who());

@@ -96,8 +96,7 @@ TEST_F(CtlTest, WhatATerminalGetsIsPrintable)
     Use("start location evil\033[41m 5");
     EXPECT_THAT(Run("until " + CTL + " events | grep -q evil; do :; done"), HasSubstr("= 0"));
     EXPECT_THAT(Run(CTL + " events location --raw"), HasSubstr("'evil\033[41m'"));
-    PseudoTerminal terminal(
-        {"sh", "-c", CTL + " events location --raw; " + CTL + " events location"}, {"OHOS_BUS_ADDRESS=" + busAddress_});
+    PseudoTerminal terminal({"sh", "-c", CTL + " events location --raw; " + CTL + " events location"}, busAddress_);
     EXPECT_EQ(terminal.AwaitEnd(), 0);
     EXPECT_THAT(terminal.Bytes(), HasSubstr("'evil\\x1b[41m'"));
     EXPECT_EQ(terminal.Bytes().find('\033'), std::string::npos);

@@ -12,24 +12,36 @@
 
 namespace {
 
-/** A service that watches a file which is not there at first, and a monitor. */
+/** A service that watches a file which is not there at first and one that is, and a monitor. */
 class FileWatchTest : public ToolsTest {
 protected:
     FileWatchTest()
     {
-        StartService("--watch camera=" + camera_);
+        std::ofstream(location_).close();
+        StartService("--watch camera=" + camera_ + " --watch location=" + location_);
         monitor_.emplace(std::vector<std::string>{MONITOR}, busAddress_);
         EXPECT_EQ(monitor_->ReadLine(), "listening");
     }
 
-    /** Makes the file, and waits until it is watched. */
-    void Create()
+    /** Makes the file, in the place of another one if there is one, of which the service says that. */
+    void Create(const std::string& said = " is there now")
     {
         std::ofstream(folder_ + "/new").close();
         std::filesystem::rename(folder_ + "/new", camera_);
-        // A client may register more than once.
-        EXPECT_EQ(LineWithout(" listener of process "), "indicator_service: " + camera_ + " is there now");
+        ExpectSaid(said);
     }
+
+    /** The service's next line is this, about the file. */
+    void ExpectSaid(const std::string& said)
+    {
+        std::string line;
+        do { // A client may register more than once.
+            line = service_->ReadLine();
+        } while (line.find(" listener of process ") != std::string::npos);
+        EXPECT_EQ(line, "indicator_service: " + camera_ + said);
+    }
+
+    static int Open(const std::string& path) { return open(path.c_str(), O_RDONLY | O_CLOEXEC); }
 
     /** The next use that the monitor prints. */
     std::string NextUse()
@@ -43,6 +55,7 @@ protected:
     }
 
     const std::string camera_ = folder_ + "/camera";
+    const std::string location_ = folder_ + "/location";
     std::optional<Helper> monitor_;
 };
 
@@ -50,12 +63,34 @@ TEST_F(FileWatchTest, AnAbsentFileIsWaitedForAndAnUnseenUseIsOfAnUnknownProcess)
 {
     Create();
     // Mapped, it is open without a descriptor that could be found.
-    const int file = open(camera_.c_str(), O_RDONLY | O_CLOEXEC);
+    const int file = Open(camera_);
     void* const mapping = mmap(nullptr, 1, PROT_READ, MAP_SHARED, file, 0);
     close(file);
     EXPECT_EQ(NextUse(), "camera by unknown process on");
     munmap(mapping, 1);
     EXPECT_EQ(NextUse(), "camera by unknown process off");
+}
+
+TEST_F(FileWatchTest, AFileIsFollowedThroughRemovalAndReplacementAndIsUsedOnceByAProcess)
+{
+    Create();
+    const int first = Open(camera_);
+    const int second = Open(camera_);
+    EXPECT_EQ(NextUse(), "camera by tools_tests on");
+    close(first);
+    const int other = Open(location_); // Which is told; the end of the first one is not.
+    EXPECT_EQ(NextUse(), "location by tools_tests on");
+    close(other);
+    EXPECT_EQ(NextUse(), "location by tools_tests off");
+    std::filesystem::remove(camera_);
+    ExpectSaid(" is gone: No such file or directory");
+    Create(" is back");
+    close(second); // It had the removed one open until now.
+    EXPECT_EQ(NextUse(), "camera by tools_tests off");
+    Create(" was replaced");
+    const int replaced = Open(camera_);
+    EXPECT_EQ(NextUse(), "camera by tools_tests on");
+    close(replaced);
 }
 
 TEST_F(FileWatchTest, AProgramThatBecomesAnotherOneIsNamedAnew)

@@ -12,16 +12,13 @@ namespace {
 constexpr const char* TAKE_SCREEN = "\033[?1049h\033[?25l";
 constexpr const char* GIVE_SCREEN = "\033[?25h\033[?1049l";
 
-class MonitorTest : public ToolsTest {
-protected:
-    std::vector<std::string> Settings() const { return {"OHOS_BUS_ADDRESS=" + busAddress_, "TERM=xterm", "PS1=$ "}; }
-};
+using MonitorTest = ToolsTest;
 
 TEST_F(MonitorTest, ABoardShowsHowThingsAreWhatHappensAndWhatIsUnknown)
 {
     StartService();
     Use("start camera com.example.chat 20010043");
-    PseudoTerminal monitor({MONITOR}, Settings());
+    PseudoTerminal monitor({"env", "TERM=xterm", MONITOR}, busAddress_);
     std::string board = monitor.AwaitBoard("camera      on     com.example.chat (20010043)");
     EXPECT_NE(board.find("\nmicrophone  off\nlocation    off\n"), std::string::npos) << board;
 
@@ -48,7 +45,7 @@ TEST_F(MonitorTest, ABoardShowsHowThingsAreWhatHappensAndWhatIsUnknown)
 TEST_F(MonitorTest, ABoardFitsTheTerminalAndLeavesItAsItWas)
 {
     StartService();
-    PseudoTerminal monitor({MONITOR}, Settings());
+    PseudoTerminal monitor({"env", "TERM=xterm", MONITOR}, busAddress_);
     const tcflag_t modes = monitor.LocalModes();
     monitor.AwaitBoard("location    off\n");
     EXPECT_EQ(monitor.LocalModes() & static_cast<tcflag_t>(ICANON | ECHO), 0U);
@@ -61,9 +58,7 @@ TEST_F(MonitorTest, ABoardFitsTheTerminalAndLeavesItAsItWas)
     EXPECT_EQ(end, GIVE_SCREEN);
     EXPECT_EQ(monitor.LocalModes(), modes);
 
-    auto settings = Settings();
-    settings.emplace_back("NO_COLOR=1");
-    PseudoTerminal plain({MONITOR}, settings);
+    PseudoTerminal plain({"env", "TERM=xterm", "NO_COLOR=1", MONITOR}, busAddress_);
     plain.AwaitBoard("location    off\n");
     EXPECT_THAT(plain.Bytes(), testing::Not(testing::ContainsRegex("\033\\[[0-9;]*m")));
     plain.Type("q");
@@ -73,7 +68,7 @@ TEST_F(MonitorTest, ABoardFitsTheTerminalAndLeavesItAsItWas)
 TEST_F(MonitorTest, ABoardKeepsOffATerminalThatItIsNotInFrontOf)
 {
     StartService();
-    PseudoTerminal shell({"bash", "--norc", "--noprofile", "-i"}, Settings());
+    PseudoTerminal shell({"env", "TERM=xterm", "PS1=$ ", "bash", "--norc", "--noprofile", "-i"}, busAddress_);
     shell.AwaitBytes("$ ");
     shell.Type(MONITOR + " & echo began=$((40 + 2))\n");
     shell.AwaitBytes("began=42");
@@ -107,10 +102,10 @@ TEST_F(MonitorTest, JsonIsAnObjectALine)
     Helper monitor({MONITOR, "--json"}, busAddress_);
     const auto next = [&monitor] { return nlohmann::json::parse(monitor.ReadLine()); };
     EXPECT_EQ(next()["event"], "service");
-    auto state = next();
-    EXPECT_EQ(state["event"], "state");
-    EXPECT_EQ(state["indicators"][0]["sensor"], "camera");
-    EXPECT_EQ(state["uses"][0]["bundleName"], "com.example.chat");
+    const auto now = next();
+    EXPECT_EQ(now["event"], "state");
+    EXPECT_EQ(now["indicators"][0]["sensor"], "camera");
+    EXPECT_EQ(now["uses"][0]["bundleName"], "com.example.chat");
     Use("start camera \"\xff 5");
     const auto use = next();
     EXPECT_EQ(use["event"], "use");

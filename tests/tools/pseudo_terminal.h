@@ -2,64 +2,28 @@
 #ifndef PSEUDO_TERMINAL_H
 #define PSEUDO_TERMINAL_H
 
-#include <gtest/gtest.h>
-#include <poll.h>
-#include <pty.h>
 #include <sys/ioctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <termios.h>
 
-#include <algorithm>
-#include <csignal>
-#include <string>
-#include <utility>
-#include <vector>
+#include "bus_test.h"
 
-/** A process on a terminal of its own, which it is in front of, and what that terminal shows. It ends with this object.
- */
-class PseudoTerminal {
+/** A program on a terminal of its own, which it is in front of, and what that terminal shows. */
+class PseudoTerminal : public Helper {
 public:
-    /** `settings` are NAME=VALUE, for its environment. */
-    PseudoTerminal(const std::vector<std::string>& command, const std::vector<std::string>& settings)
-    {
-        std::vector<char*> arguments(command.size() + 1);
-        std::transform(command.begin(), command.end(), arguments.begin(),
-            [](const std::string& argument) { return const_cast<char*>(argument.c_str()); });
-        const winsize size{24, 80, 0, 0};
-        process_ = forkpty(&terminal_, nullptr, nullptr, &size);
-        if (process_ == 0) {
-            for (const auto& setting : settings) {
-                putenv(const_cast<char*>(setting.c_str()));
-            }
-            execvp(arguments[0], arguments.data());
-            _exit(127);
-        }
-    }
-
-    PseudoTerminal(const PseudoTerminal&) = delete;
-    PseudoTerminal& operator=(const PseudoTerminal&) = delete;
-
-    ~PseudoTerminal()
-    {
-        if (process_ > 0) {
-            Signal(SIGKILL);
-            waitpid(process_, nullptr, 0);
-        }
-        close(terminal_);
-    }
+    PseudoTerminal(const std::vector<std::string>& command, const std::string& busAddress)
+        : Helper(command, busAddress, true)
+    {}
 
     void Type(const std::string& keys) const
     {
-        EXPECT_EQ(write(terminal_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
+        EXPECT_EQ(write(line_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
     }
 
     void Resize(unsigned short columns, unsigned short rows) const
     {
         const winsize size{rows, columns, 0, 0};
-        ioctl(terminal_, TIOCSWINSZ, &size);
+        ioctl(line_, TIOCSWINSZ, &size);
     }
-
-    void Signal(int signal) const { kill(process_, signal); }
 
     /** Reads until the board on the screen holds `text`. Returns the board: lines, without colours. */
     std::string AwaitBoard(const std::string& text)
@@ -92,14 +56,12 @@ public:
         awaited_ = found + text.size();
     }
 
-    /** Waits for the process's end. Its exit code, or -1 for a signal. */
+    /** Reads up to the end, and waits for it. */
     int AwaitEnd()
     {
         while (Read()) {
         }
-        int status = 0;
-        waitpid(std::exchange(process_, -1), &status, 0);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        return Helper::AwaitEnd();
     }
 
     /** All bytes that the terminal has got. */
@@ -109,13 +71,11 @@ public:
     tcflag_t LocalModes() const
     {
         termios modes{};
-        tcgetattr(terminal_, &modes);
+        tcgetattr(line_, &modes);
         return modes.c_lflag;
     }
 
 private:
-    static constexpr int PATIENCE = 20000; // Milliseconds.
-
     static std::string WithoutSequences(const std::string& text)
     {
         std::string plain;
@@ -133,14 +93,12 @@ private:
     bool Read()
     {
         char bytes[65536];
-        pollfd wait{terminal_, POLLIN, 0};
-        const ssize_t size = poll(&wait, 1, PATIENCE) > 0 ? read(terminal_, bytes, sizeof(bytes)) : 0;
+        pollfd wait{line_, POLLIN, 0};
+        const ssize_t size = poll(&wait, 1, PATIENCE_S * 1000) > 0 ? read(line_, bytes, sizeof(bytes)) : 0;
         bytes_.append(bytes, size > 0 ? static_cast<size_t>(size) : 0);
         return size > 0;
     }
 
-    pid_t process_ = -1;
-    int terminal_ = -1;
     std::string bytes_;
     size_t awaited_ = 0;
 };

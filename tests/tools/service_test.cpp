@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// The service that comes as an example, and programs that use it.
-#include <fcntl.h>
-
-#include <optional>
-
+// The example service and its listeners.
 #include "indicator_switch_listener_stub_impl.h"
-#include "peer_test.h"
 #include "privacy_event_listener_stub_impl.h"
 #include "privacy_indicator_service_intf.h"
+#include "tools_test.h"
 
 namespace {
 
@@ -42,20 +38,9 @@ int32_t RegisterForSwitches()
     return Service()->RegisterPrivacyIndicatorSwitchListener(listener);
 }
 
-class ExampleTest : public PeerTest {
-protected:
-    void StartService(const std::string& options = "")
-    {
-        const std::string command = "exec " EXAMPLES_DIR "/indicator_service " + options + " 2>&1";
-        service_.emplace(std::vector<std::string>{"sh", "-c", command}, busAddress_);
-        while (service_->ReadLine() != "ready" && !HasFailure()) { // Who has waited for it may come before that.
-        }
-    }
+using ServiceTest = ToolsTest;
 
-    std::optional<Helper> service_;
-};
-
-TEST_F(ExampleTest, OneProcessDoesNotTakeEveryListenersPlace)
+TEST_F(ServiceTest, OneProcessDoesNotTakeEveryListenersPlace)
 {
     StartService();
     Helper& greedy = Start();
@@ -66,7 +51,7 @@ TEST_F(ExampleTest, OneProcessDoesNotTakeEveryListenersPlace)
     Start().Expect("0", RegisterForUses);
 }
 
-TEST_F(ExampleTest, NothingWaitsForWhoDoesNotReadWhatIsPrinted)
+TEST_F(ServiceTest, NothingWaitsForWhoDoesNotReadWhatIsPrinted)
 {
     StartService();
     Helper& app = Start();
@@ -85,13 +70,13 @@ TEST_F(ExampleTest, NothingWaitsForWhoDoesNotReadWhatIsPrinted)
     EXPECT_EQ(line.substr(line.size() - std::string(" lines were not read)").size()), " lines were not read)");
 }
 
-TEST_F(ExampleTest, TheServiceEndsItsPushesBeforeItGoes)
+TEST_F(ServiceTest, TheServiceEndsItsPushesBeforeItGoes)
 {
     StartService();
     Helper& app = Start([] { PeerTest::Watch(66090), PeerTest::Hold(), RegisterForUses(), RegisterForSwitches(); });
     Helper& other = Start();
     app.Hears({"up 66090"});
-    service_->Input("start camera x 1\nstart microphone x 1\n");
+    Use("start camera x 1\nstart microphone x 1");
     EXPECT_EQ(app.Events(2), (std::vector<std::string>{"switch 0 0", "use 0 1 x"})); // Where they stay.
     service_->Signal(SIGTERM);
     other.Await("28", RegisterForUses); // No push begins any more, of either kind, and the service is still there.
@@ -101,10 +86,10 @@ TEST_F(ExampleTest, TheServiceEndsItsPushesBeforeItGoes)
     EXPECT_EQ(service_->AwaitEnd(), 0);
 }
 
-TEST_F(ExampleTest, AWatcherTriesAgainWhereTheServiceIsBackAndStandsStill)
+TEST_F(ServiceTest, AWatcherTriesAgainWhereTheServiceIsBackAndStandsStill)
 {
     StartService();
-    Helper watcher({"sh", "-c", "exec " EXAMPLES_DIR "/indicator_ctl watch 2>&1"}, busAddress_);
+    Helper watcher({"sh", "-c", "exec " + CTL + " watch 2>&1"}, busAddress_);
     const auto prints = [&watcher](std::initializer_list<const char*> lines) {
         for (const char* line : lines) {
             EXPECT_EQ(watcher.ReadLine(), line);
@@ -123,44 +108,6 @@ TEST_F(ExampleTest, AWatcherTriesAgainWhereTheServiceIsBackAndStandsStill)
     prints({"the service is back", "switch listener registered", "event listener registered"});
     watcher.Signal(SIGTERM);
     prints({"switch listener unregistered"});
-}
-
-TEST_F(ExampleTest, AWatchedFileIsFollowedThroughRemovalAndReplacementAndIsUsedOnceByAProcess)
-{
-    const std::string camera = folder_ + "/camera";
-    const std::string location = folder_ + "/location";
-    const auto create = [](const std::string& path) { std::ofstream(path).close(); };
-    const auto use = [](const std::string& path) { return open(path.c_str(), O_RDONLY | O_CLOEXEC); };
-    create(camera), create(location);
-    StartService("--watch camera=" + camera + " --watch location=" + location);
-    Helper& app = Start([] { RegisterForUses(), RegisterForSwitches(); });
-    const auto hears = [&app](const char* change, const std::string& access) {
-        EXPECT_EQ(app.Events(2), (std::vector<std::string>{change, access + " e2e_tests"}));
-    };
-    const auto serviceSays = [this](const std::string& line) { EXPECT_EQ(service_->ReadLine(), line); };
-    const std::string process = std::to_string(app.Pid());
-    serviceSays("event listener of process " + process);
-    serviceSays("switch listener of process " + process);
-    const int first = use(camera);
-    const int second = use(camera);
-    hears("switch 0 0", "use 0 1");
-    close(first);
-    const int other = use(location); // Which is told; the end of the first one is not.
-    hears("switch 2 0", "use 2 1");
-    close(other);
-    hears("switch 2 1", "use 2 2");
-    std::filesystem::remove(camera);
-    serviceSays("indicator_service: " + camera + " is gone: No such file or directory");
-    create(camera);
-    serviceSays("indicator_service: " + camera + " is back");
-    close(second); // It had the removed one open until now.
-    hears("switch 0 1", "use 0 2");
-    create(folder_ + "/other");
-    std::filesystem::rename(folder_ + "/other", camera);
-    serviceSays("indicator_service: " + camera + " was replaced");
-    const int replaced = use(camera);
-    hears("switch 0 0", "use 0 1");
-    close(replaced);
 }
 
 } // namespace
