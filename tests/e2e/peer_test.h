@@ -34,7 +34,7 @@ public:
     using BusTest::BusTest;
 
     /** What the objects serve. Every request carries a text, and some an object after it; so do the replies. */
-    enum Code : uint32_t { REPEAT = 1, WHO, EVENT, TAKE, GIVE, DROP, CALL_BACK, WAIT, FAIL, FAIL_WITH_REPLY, CRASH };
+    enum Code : uint32_t { REPEAT = 1, WHO, EVENT, TAKE, GIVE, CALL_BACK, WAIT, FAIL, FAIL_WITH_REPLY, CRASH };
 
     static OHOS::sptr<OHOS::ISystemAbilityManager> Manager()
     {
@@ -212,9 +212,6 @@ private:
                 const Remote given = Named(text);
                 return given != nullptr ? Reply(reply, text, given) : 22;
             }
-            case DROP:
-                Name(text, nullptr);
-                return 0;
             case CALL_BACK: {
                 const std::string before = Who();
                 const Answer inner = Request(object, WHO, "");
