@@ -8,14 +8,6 @@ class DeathTest : public PeerTest {
 protected:
     DeathTest() { caller_.Hears({"up 100"}); }
 
-    // The events that are numbered from 0 on.
-    static void ExpectEvents(Helper& helper, const std::string& object, int count)
-    {
-        for (int i = 0; i < count; ++i) {
-            ASSERT_EQ(helper.Event(), object + " " + std::to_string(i));
-        }
-    }
-
     Helper& service_ = Start([] { Serve(100); });
     Helper& caller_ = Start([] { Find("s", 100), Watch(100), Make("x"), Call("s", TAKE, "x"); });
 };

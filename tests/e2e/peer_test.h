@@ -19,8 +19,6 @@ struct PeerState {
     std::map<std::string, OHOS::sptr<OHOS::IRemoteObject>> objects;
     std::atomic<int> wait{8};
     std::atomic<int> alive{0};
-    std::map<std::string, OHOS::sptr<OHOS::IRemoteObject::DeathRecipient>> mourners;
-    std::map<std::string, OHOS::sptr<OHOS::ISystemAbilityStatusChange>> watchers;
     std::condition_variable released;
     bool isHeld = false;
 };
@@ -139,22 +137,24 @@ public:
     }
 
     /** Tells "dead NAME" at the object's death. False if it is refused. */
-    static bool Mourn(const char* name) { return Named(name)->AddDeathRecipient(Only<Mourner>(state.mourners, name)); }
+    static bool Mourn(const char* name) { return Named(name)->AddDeathRecipient(Only<Mourner>(name)); }
 
-    static bool Unmourn(const char* name)
-    {
-        return Named(name)->RemoveDeathRecipient(Only<Mourner>(state.mourners, name));
-    }
+    static bool Unmourn(const char* name) { return Named(name)->RemoveDeathRecipient(Only<Mourner>(name)); }
 
     /** Tells "up ID" and "down ID", with `tag` at the end; one with the tag "once" unsubscribes then. */
-    static void Watch(int32_t id, const char* tag = "")
-    {
-        Manager()->SubscribeSystemAbility(id, Only<Watcher>(state.watchers, tag));
-    }
+    static void Watch(int32_t id, const char* tag = "") { Manager()->SubscribeSystemAbility(id, Only<Watcher>(tag)); }
 
     static int Unwatch(int32_t id, const char* tag = "")
     {
-        return Manager()->UnSubscribeSystemAbility(id, Only<Watcher>(state.watchers, tag));
+        return Manager()->UnSubscribeSystemAbility(id, Only<Watcher>(tag));
+    }
+
+    /** Its next events are those of that object which are numbered from 0. */
+    static void ExpectEvents(Helper& helper, const std::string& object, int count)
+    {
+        for (int i = 0; i < count; ++i) {
+            ASSERT_EQ(helper.Event(), object + " " + std::to_string(i));
+        }
     }
 
     /** Until Release, WAIT (which tells "waiting"), events and notices wait where they are. */
@@ -277,13 +277,12 @@ private:
         const std::string tag_;
     };
 
-    // The only one of that name, from one of the maps above.
-    template <typename Made, typename Map>
-    static typename Map::mapped_type& Only(Map& map, const std::string& name)
+    // The only one of that name.
+    template <typename Observer>
+    static OHOS::sptr<Observer> Only(const std::string& name)
     {
-        auto& only = map[name];
-        only = only != nullptr ? only : typename Map::mapped_type(new Made(name));
-        return only;
+        static auto& all = *new std::map<std::string, OHOS::sptr<Observer>>();
+        return all.try_emplace(name, OHOS::sptr<Observer>(new Observer(name))).first->second;
     }
 
     static Remote Named(const std::string& name)
