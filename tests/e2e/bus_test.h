@@ -34,6 +34,13 @@
 /** Enough for what takes milliseconds, in a sanitizer's build on a busy machine. */
 constexpr int PATIENCE_S = 20;
 
+/** A number for `./dev soak`, which makes some tests longer. */
+inline int FromEnvironment(const char* name, int otherwise)
+{
+    const char* value = std::getenv(name);
+    return value != nullptr ? std::atoi(value) : otherwise;
+}
+
 /** Asks again and again until `isSo`. False if it is not in time. */
 template <typename F>
 bool AwaitThat(F isSo)

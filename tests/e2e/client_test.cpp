@@ -168,12 +168,6 @@ long CountHeap()
     return static_cast<long>(mallinfo2().uordblks);
 }
 
-int FromEnvironment(const char* name, int otherwise)
-{
-    const char* value = std::getenv(name);
-    return value != nullptr ? std::atoi(value) : otherwise;
-}
-
 class StormTest : public PeerTest {
 protected:
     enum Way { AT_ANY_TIME, STOPPED, IN_ITS_EVENTS, EARLY, CLEANLY, SLOWLY, WAYS }; // How a service ends.

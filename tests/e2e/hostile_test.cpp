@@ -30,11 +30,7 @@ const std::string REQUEST_NAME = "org.freedesktop.DBus.RequestName ";
 const std::string DENIED = "Error org.freedesktop.DBus.Error.AccessDenied:";
 
 // Of how many times an attack consists: more with HOSTILE_FACTOR, as in `./dev soak`.
-int Times(int count)
-{
-    const char* factor = std::getenv("HOSTILE_FACTOR");
-    return count * (factor != nullptr ? std::atoi(factor) : 1) / (IS_SANITIZED ? 10 : 1);
-}
+int Times(int count) { return count * FromEnvironment("HOSTILE_FACTOR", 1) / (IS_SANITIZED ? 10 : 1); }
 
 // Header, handles (four numbers each) and data of a message, whose sizes are filled in.
 Packet Message(
