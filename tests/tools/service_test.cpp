@@ -15,27 +15,35 @@ sptr<PrivacyIndicatorServiceIntf> Service()
     return iface_cast<PrivacyIndicatorServiceIntf>(PeerTest::Manager()->GetSystemAbility(PRIVACY_INDICATOR_SA_ID));
 }
 
-// Registers a listener that tells its events: "use SENSOR STATE NAME" or "switch SENSOR STATE". It is kept for good.
+// The listeners are kept for good: events may come during exit.
+template <typename T>
+sptr<T> Kept(const sptr<T>& listener)
+{
+    static auto& kept = *new std::vector<sptr<RefBase>>();
+    return kept.emplace_back(listener), listener;
+}
+
+// Registers a listener that prints its events: "use SENSOR STATE NAME" or "switch SENSOR STATE".
 int32_t RegisterForUses()
 {
-    const auto tell = [](const std::string& /* dataType */, const std::vector<Privacy::PrivacyEventRemindInfo>& infos) {
+    const auto print = [](const std::string& /* dataType */,
+                           const std::vector<Privacy::PrivacyEventRemindInfo>& infos) {
         const auto& info = infos.at(0);
         PeerTest::WaitWhileHeld("use " + std::to_string(info.privacySensorType) + " " +
                                 std::to_string(info.privacyAccessState) + " " + info.bundleName);
     };
-    auto& listener = *new sptr<Privacy::PrivacyEventListenerIntf>(new Privacy::PrivacyEventListenerStubImpl(tell));
-    return Service()->RegisterPrivacyEventListener("sensorStateChange", listener);
+    const sptr<Privacy::PrivacyEventListenerIntf> listener = new Privacy::PrivacyEventListenerStubImpl(print);
+    return Service()->RegisterPrivacyEventListener("sensorStateChange", Kept(listener));
 }
 
 int32_t RegisterForSwitches()
 {
-    const auto tell = [](const Indicator::IndicatorData& data) {
+    const auto print = [](const Indicator::IndicatorData& data) {
         PeerTest::WaitWhileHeld("switch " + std::to_string(static_cast<int>(data.privacySensorType)) + " " +
                                 std::to_string(static_cast<int>(data.state)));
     };
-    auto& listener =
-        *new sptr<Indicator::IndicatorSwitchListenerIntf>(new Indicator::IndicatorSwitchListenerStubImpl(tell));
-    return Service()->RegisterPrivacyIndicatorSwitchListener(listener);
+    const sptr<Indicator::IndicatorSwitchListenerIntf> listener = new Indicator::IndicatorSwitchListenerStubImpl(print);
+    return Service()->RegisterPrivacyIndicatorSwitchListener(Kept(listener));
 }
 
 using ServiceTest = ToolsTest;
