@@ -49,7 +49,7 @@ TEST_F(CallTest, ACallBringsBackTheAnswerOrTheError)
     Helper& caller = Start([] { Find("s", 100); });
     caller.Expect("0 hello", [] { return Call("s", REPEAT, "hello"); });
     for (const auto& [size, result] :
-        {std::make_pair(204787, "0 x"), {1048560, "90"}}) { // A parcel at first; too much.
+        {std::make_pair(size_t{204787}, "0 x"), {1048560, "90"}}) { // A parcel at first; too much.
         caller.Expect(result, [size = size] { return Call("s", REPEAT, std::string(size, 'x')).substr(0, 3); });
     }
     const std::string other = Identity(caller);

@@ -374,11 +374,11 @@ TEST_F(HostileTest, APeerThatIsCalledHarmsItsCallerOnly)
     answer("0 x", [&](uint32_t n) { return SendPacket(fd, reply(n)) && SendPacket(fd, reply(n + 1)); });
     answer("0 x", [&](uint32_t) { return false; }); // Answered before it was sent.
     answer("32", [&](uint32_t) { return shutdown(fd, SHUT_RDWR) != 0; });
-    answer("74", [&](uint32_t n) { return SendPacket(fd, reply(n + 1)) && false; });
-    answer("74", [&](uint32_t n) { return SendPart(fd, reply(n), 16, false) && false; });
-    answer("74", [&](uint32_t n) { return SendPart(fd, reply(n), 40, true) && false; });
-    answer("74", [&](uint32_t n) { return SendPacket(fd, Message(CALL, 1, n, {}, TEXT)) && false; });
-    answer("111", [&](uint32_t n) { return SendPacket(fd, Message(REPLY, 0, n, forged, data)) && false; });
+    answer("74", [&](uint32_t n) { return SendPacket(fd, reply(n + 1)), false; });
+    answer("74", [&](uint32_t n) { return SendPart(fd, reply(n), 16, false), false; });
+    answer("74", [&](uint32_t n) { return SendPart(fd, reply(n), 40, true), false; });
+    answer("74", [&](uint32_t n) { return SendPacket(fd, Message(CALL, 1, n, {}, TEXT)), false; });
+    answer("111", [&](uint32_t n) { return SendPacket(fd, Message(REPLY, 0, n, forged, data)), false; });
     answer("110", [&](uint32_t) { return false; });
     ExpectAllWell();
     victim_.Ask([] { Drop("x"); });

@@ -12,6 +12,7 @@
 #include "descriptor.h"
 #include "input.h"
 #include "parcel_message.h"
+#include "peer.h"
 #include "transport/fake_table.h"
 #include "transport_error.h"
 
@@ -102,8 +103,8 @@ bool IsSound(const Bytes& packet)
 }
 
 // What becomes of a message on its way back, and the error for it.
-enum Fate : uint8_t { SENT, CLOSED, FULL, TOO_LITTLE_BUFFER, TOO_MANY_OBJECTS, TOO_MUCH_DATA, GONE, FATES };
-constexpr int ERRORS[] = {0, DEAD, BUFFER_FULL, TOO_LARGE, TOO_LARGE, TOO_LARGE, DEAD};
+enum Fate : uint8_t { SENT, CLOSED, FULL, TOO_LITTLE_BUFFER, TOO_MANY_OBJECTS, TOO_MUCH_DATA, GONE, FOREIGN, FATES };
+constexpr int ERRORS[] = {0, DEAD, BUFFER_FULL, TOO_LARGE, TOO_LARGE, TOO_LARGE, DEAD, FOREIGN_OBJECT};
 
 void SendBack(const Message& received, MessageParcel& parcel, Test::FakeTable& table, Fate fate, const Bytes& expected)
 {
@@ -128,6 +129,14 @@ void SendBack(const Message& received, MessageParcel& parcel, Test::FakeTable& t
     } else if (fate == GONE) {
         table.objects.clear(); // So that nothing can be pinned.
     }
+    if (fate == FOREIGN) {
+        const auto connect = [](int& error) { return error = DEAD, Descriptor(); };
+        const auto peer = std::make_shared<Peer>(Identity(), 0, connect, [](const auto& /* peer */) {});
+        const sptr<RefBase> proxy = peer->ProxyOf(1, false);
+        large.WriteRemoteObject(dynamic_cast<IRemoteObject*>(proxy.GetRefPtr()));
+        const ParcelMessage home(*peer, large);
+        Require(home.error == 0 && home.HomeBound() == std::vector{proxy}, "a proxy can go to its own peer");
+    }
     for (size_t i = 0; fate == TOO_MANY_OBJECTS && i <= MAX_HANDLES; ++i) {
         large.WriteRemoteObject(new IPCObjectStub());
     }
@@ -140,7 +149,8 @@ void SendBack(const Message& received, MessageParcel& parcel, Test::FakeTable& t
     message.message.header.dataSize = sizes.dataSize;
     const int error = message.error != 0 ? message.error : message.message.Send(ours.Get());
     Require(error == 0 || error == ERRORS[fate], "a failure's code is the documented one");
-    Require(error != 0 || (fate != CLOSED && fate != FULL && fate != TOO_MANY_OBJECTS && fate != TOO_MUCH_DATA),
+    Require(error != 0 || (fate != CLOSED && fate != FULL && fate != TOO_MANY_OBJECTS && fate != TOO_MUCH_DATA &&
+                              fate != FOREIGN),
         "what cannot travel fails");
     Bytes sent(expected.size() + 1, '\0');
     const ssize_t got = error == 0 ? recv(theirs.Get(), sent.data(), sent.size(), MSG_DONTWAIT) : 0;

@@ -20,9 +20,7 @@ std::unique_ptr<Connection> CallConnections::Take(Clock::time_point deadline, in
     MutexLock lock(mutex_);
     for (;;) {
         error = BUFFER_FULL;
-        std::unique_ptr<Connection> connection = TryTake(error);
-        if (connection != nullptr) {
-            busy_.push_back(connection.get());
+        if (auto connection = TryTake(error)) {
             return connection;
         }
         // One under way will do as well as a new one, unless there can be no new one for good.
@@ -40,18 +38,21 @@ std::unique_ptr<Connection> CallConnections::Take(Clock::time_point deadline, in
 
 std::unique_ptr<Connection> CallConnections::TryTake(int& error)
 {
+    std::unique_ptr<Connection> connection;
     if (!idle_.empty()) {
-        std::unique_ptr<Connection> connection = std::move(idle_.back());
+        connection = std::move(idle_.back());
         idle_.pop_back();
-        return connection;
-    }
-    Descriptor made;
-    if (isClosed_) {
+    } else if (isClosed_) {
         error = DEAD;
     } else if (busy_.size() < MAX) {
-        made = connect_(error);
+        if (Descriptor made = connect_(error)) {
+            connection = std::make_unique<Connection>(std::move(made));
+        }
     }
-    return made ? std::make_unique<Connection>(std::move(made)) : nullptr;
+    if (connection != nullptr) {
+        busy_.push_back(connection.get());
+    }
+    return connection;
 }
 
 void CallConnections::Return(std::unique_ptr<Connection> connection, bool isUsable)
