@@ -1,22 +1,32 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 # The privacy indicator service, its callers and apps on the client at work, each in a process of its own:
-# `examples/demo.sh BUILD_DIR`. The same programs run on either variant of the library. Every step says what happens,
-# and shows what the programs then print; a line for each variant says whether all of it came.
+# `examples/demo.sh [--all] BUILD_DIR`. Every step says what happens, and shows what the programs then print; a line at
+# the end says whether all of it came. Without --all it is a device's story in four scenes; with it, everything, on
+# either variant of the library.
 set -euo pipefail
 
 here=$(dirname "$(readlink -f "$0")")
-if (($# == 1)); then
+what=scenes
+needed=(indicator_service indicator_ctl indicator_monitor)
+if [[ ${1:-} == --all ]]; then
+    what=all
+    needed+=(power_reporter)
+    shift
+fi
+if (($# == 1)) && [[ $1 != -* ]]; then
     # Once more, beside a bus that ends with it.
-    exec "$here/../platform/samgr/bin/ohos_bus" bash "$0" "$1" beside-bus
+    all=()
+    [[ $what == scenes ]] || all=(--all)
+    exec "$here/../platform/samgr/bin/ohos_bus" bash "$0" "${all[@]}" "$1" beside-bus
 elif [[ ${2:-} != beside-bus ]]; then
-    echo "usage: examples/demo.sh BUILD_DIR" >&2
+    echo "usage: examples/demo.sh [--all] BUILD_DIR" >&2
     exit 2
 fi
 
 build=$(readlink -f "$1")
 readonly programs=$build/examples
-for program in indicator_service indicator_ctl indicator_monitor power_reporter; do
+for program in "${needed[@]}"; do
     if [[ ! -x $programs/$program ]]; then
         echo "demo: there is no $program in $programs: build it first" >&2
         exit 1
@@ -263,6 +273,66 @@ has_ended()
 {
     ! kill -0 "$1" 2>/dev/null
 }
+
+# scene TITLE TEXT: a step that a reader has time to take in, and what there is to know about it.
+scene()
+{
+    # Nobody reads along where the output goes into a file.
+    ((steps == 0)) || [[ ! -t 1 ]] || sleep 4
+    step "$1"
+    fold -s -w 100 <<<"$2" | sed 's/^/   /'
+}
+
+scenes()
+{
+    variant device "a device"
+    scene "On. An application starts the camera." \
+        "The monitor is an app: it has registered a listener of each kind with the client, which has registered one \
+of its own with the service, in another process. The service hears of the camera here from its standard input."
+    run service indicator_service
+    expect service '^ready$'
+    run app indicator_monitor
+    expect app '^listening$'
+    expect service "^event listener of process ${process[app]}\$"
+    app "start camera com.example.chat 20010043"
+    expect app '  indicator  camera on$'
+    expect app '  use        camera by com.example.chat on$'
+    ctl "active" 0 '^Indicator\{privacySensorType=0, state=0,'
+
+    scene "Off. The application stops the camera." \
+        "One call for the indicator, one event for the use: the service sends each to every listener that it knows."
+    app "stop camera com.example.chat 20010043"
+    expect app '  indicator  camera off$'
+    expect app '  use        camera by com.example.chat off$'
+
+    scene "The service dies while the microphone is in use." \
+        "Nobody can say now what is in use. So the client itself reports to its listeners that all three sensors are \
+off, and a request fails at once."
+    app "start microphone com.example.chat 20010043"
+    expect app '  indicator  microphone on$'
+    stop service KILL 137
+    expect_in_order app '  indicator  camera off$' '  indicator  microphone off$' '  indicator  location off$' \
+        '  use        camera off, microphone off, location off$'
+    ctl "active" 3 'the service is not there$'
+
+    scene "The service is back." \
+        "The app does nothing. Its client hears that the service is there, registers its listeners again, and the \
+next use of a sensor arrives as before."
+    run service indicator_service
+    expect service "^event listener of process ${process[app]}\$"
+    app "start location com.example.maps 20210044"
+    expect app '  indicator  location on$'
+    expect app '  use        location by com.example.maps on$'
+
+    stop app INT 0
+    stop service TERM 0
+    verdict "four scenes"
+}
+
+if [[ $what == scenes ]]; then
+    scenes
+    exit $failed
+fi
 
 readonly log='^[^[]*\[[^]]*\]\[PrivacyIndicator\]' # The head of a line of the client's.
 readonly gate="${log}WithSystemAbilityProxy: emulator is not support\$"
