@@ -145,8 +145,13 @@ public:
     /** The next event. */
     std::string Event()
     {
-        const std::string event = events_.empty() ? ReadLine() : events_.front();
-        events_.erase(events_.begin(), events_.begin() + (events_.empty() ? 0 : 1));
+        std::string event;
+        if (events_.empty()) {
+            event = ReadLine();
+        } else {
+            event = events_.front();
+            events_.erase(events_.begin());
+        }
         return event.substr(std::min<size_t>(event.size(), 2));
     }
 

@@ -77,7 +77,11 @@ protected:
     /** Exactly these rows must, in this order. Each is given by how it begins. */
     void ExpectWrong(const char* faults, const std::vector<std::string>& rows)
     {
-        Start([faults] { Manager()->AddSystemAbility(PRIVACY_INDICATOR_SA_ID, new FaultyService(faults)); });
+        static FaultyService* service; // In the helper, whose manager holds it.
+        Helper& helper = Start([faults] {
+            service = new FaultyService(faults);
+            Manager()->AddSystemAbility(PRIVACY_INDICATOR_SA_ID, service);
+        });
         std::istringstream output(Run(CTL + " verify"));
         std::vector<std::string> wrong;
         std::string last;
@@ -89,6 +93,7 @@ protected:
         }
         EXPECT_EQ(last, "= 1");
         EXPECT_EQ(wrong, rows);
+        helper.Ask([] { service->Close(); }); // No thread of its outlives the helper's main().
     }
 
     const std::string called_ = "OnSwitchChanged                              ";
