@@ -276,7 +276,7 @@ private:
         Input({reinterpret_cast<const char*>(&request), sizeof(request)});
     }
 
-    [[noreturn]] static void Serve()
+    [[noreturn]] static void Serve() noexcept
     {
         {
             std::vector<std::future<void>> background; // Waits for all in the end.

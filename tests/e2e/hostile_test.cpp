@@ -2,6 +2,7 @@
 // What a process can do that keeps to no rule. It is the test's own: it uses nothing of the platform.
 #include <gmock/gmock.h>
 #include <sys/un.h>
+#include <sys/wait.h>
 #include <systemd/sd-bus.h>
 
 #include <random>
@@ -137,8 +138,8 @@ public:
         return fd;
     }
 
-    /** A connection to the service, on which it has said `name`, by default its own. It is closed in the end. */
-    int Connect(const std::string& name = "")
+    /** A connection to the service, on which it, or a child of its, has said `name`, by default its own. */
+    int Connect(const std::string& name = "", bool isSaidByChild = false)
     {
         sd_bus_creds* owner = nullptr;
         const char* victim = "";
@@ -149,7 +150,15 @@ public:
         connections_.push_back(Socket(victim, pid, false));
         sd_bus_creds_unref(owner);
         const std::string& said = name.empty() ? name_ : name;
-        send(connections_.back(), said.data(), said.size(), MSG_NOSIGNAL);
+        const auto say = [&] { return send(connections_.back(), said.data(), said.size(), MSG_NOSIGNAL); };
+        if (!isSaidByChild) {
+            say();
+        } else if (const pid_t child = fork(); child == 0) {
+            say();
+            _exit(0);
+        } else {
+            waitpid(child, nullptr, 0);
+        }
         return connections_.back();
     }
 
@@ -347,6 +356,7 @@ TEST_F(HostileTest, AConnectionIsOfWhoMadeIt)
              std::string(":1.0',arg1='"), std::string(VICTIM)}) {
         EXPECT_FALSE(IsServed(Attacker().Connect(name))) << name;
     }
+    EXPECT_FALSE(IsServed(Attacker().Connect("", true))); // Who shares its socket may outlive it.
     const Stranger other(busAddress_);
     EXPECT_TRUE(IsServed(Attacker().Connect(other.Name()))); // Another name of the same process is as good.
     ExpectAllWell();

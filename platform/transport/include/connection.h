@@ -27,9 +27,6 @@ public:
     /** Waits for a message, whose data stays until the next one. 0, DEAD, TIMED_OUT, BAD_MESSAGE or NO_MEMORY. */
     int Receive(Message& message, Clock::time_point deadline);
 
-    /** The first packet of all, which is no message: its size; 0 for an end, or for more than `size` bytes. */
-    size_t ReceiveRaw(void* bytes, size_t size);
-
     /** What has come is still there to be read; nothing more comes. */
     void HangUpReading();
 

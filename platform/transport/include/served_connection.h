@@ -37,10 +37,9 @@ public:
     std::atomic<bool> isStopped{false}; // Nothing more is served: what was not read is dropped.
 
 private:
-    bool IsMakerAlive() const;
+    std::string ReceiveName();
     bool Serve(const std::shared_ptr<Peer>& peer, const Message& message);
 
-    Descriptor process_;        // The maker's, until it is introduced.
     ObjectLayer::Objects kept_; // Until the peer has read the reply that they go home in. The thread's own.
 };
 

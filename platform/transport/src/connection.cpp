@@ -84,15 +84,6 @@ void Connection::SetTimeout(Clock::time_point deadline)
     }
 }
 
-size_t Connection::ReceiveRaw(void* bytes, size_t size)
-{
-    ssize_t received = -1;
-    do {
-        received = recv(Get(), bytes, size, MSG_TRUNC);
-    } while (received < 0 && errno == EINTR);
-    return received > 0 && static_cast<size_t>(received) <= size ? static_cast<size_t>(received) : 0;
-}
-
 void Connection::HangUpReading() { shutdown(Get(), SHUT_RD); }
 
 void Connection::HangUp() { shutdown(Get(), SHUT_RDWR); }

@@ -58,6 +58,8 @@ bool Introduction::IsName(const std::string& name)
 Descriptor Introduction::Listen(const Identity& self)
 {
     Descriptor made = NewSocket();
+    const int on = 1; // Accepted sockets take it over: the first packet comes with who has sent it.
+    setsockopt(made.Get(), SOL_SOCKET, SO_PASSCRED, &on, sizeof(on));
     return WithAddress(bind, made, self) == 0 && listen(made.Get(), BACKLOG) == 0 ? std::move(made) : Descriptor();
 }
 

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "served_connection.h"
 
-#include <poll.h>
-#include <sys/syscall.h>
-#include <unistd.h>
-
 #include <array>
+#include <cerrno>
+#include <cstring>
 #include <utility>
 
 #include "introduction.h"
@@ -20,23 +18,39 @@ ServedConnection::ServedConnection(Descriptor socket) : connection(std::move(soc
 {
     socklen_t size = sizeof(maker);
     getsockopt(connection.Get(), SOL_SOCKET, SO_PEERCRED, &maker, &size);
-    process_ = Descriptor::Open([this] { return static_cast<int>(syscall(SYS_pidfd_open, maker.pid, 0)); });
 }
 
-bool ServedConnection::IsMakerAlive() const
+// The first packet, which is no message. Empty unless its maker sent it itself: a process that shares the socket may
+// outlive the maker, whose pid may be another's by then.
+std::string ServedConnection::ReceiveName()
 {
-    pollfd end{process_.Get(), POLLIN, 0};
-    return process_ && poll(&end, 1, 0) == 0;
+    std::array<char, Introduction::MAX_NAME> name{};
+    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(ucred))> control{};
+    iovec part{name.data(), name.size()};
+    msghdr packet{};
+    packet.msg_iov = &part;
+    packet.msg_iovlen = 1;
+    packet.msg_control = control.data();
+    packet.msg_controllen = control.size();
+    ssize_t size = -1;
+    do {
+        size = recvmsg(connection.Get(), &packet, 0);
+    } while (size < 0 && errno == EINTR);
+    const int off = 0;
+    setsockopt(connection.Get(), SOL_SOCKET, SO_PASSCRED, &off, sizeof(off));
+    const bool isWhole = size > 0 && (packet.msg_flags & (MSG_TRUNC | MSG_CTRUNC)) == 0;
+    const cmsghdr* const header = isWhole ? CMSG_FIRSTHDR(&packet) : nullptr;
+    ucred sender{};
+    if (header != nullptr && header->cmsg_level == SOL_SOCKET && header->cmsg_type == SCM_CREDENTIALS) {
+        std::memcpy(&sender, CMSG_DATA(header), sizeof(sender));
+    }
+    return sender.pid != 0 && sender.pid == maker.pid ? std::string(name.data(), static_cast<size_t>(size)) : "";
 }
 
 void ServedConnection::Run(const Introduce& introduce, std::function<void()> awaitFormer)
 {
-    std::array<char, Introduction::MAX_NAME> name{};
-    const size_t size = connection.ReceiveRaw(name.data(), name.size());
-    const std::shared_ptr<Peer> peer = introduce(std::string(name.data(), size), maker.pid);
-    const bool isMaker = IsMakerAlive(); // Else another process may have its pid by now, and its socket.
-    process_ = {};
-    if (peer == nullptr || !isMaker) {
+    const std::shared_ptr<Peer> peer = introduce(ReceiveName(), maker.pid);
+    if (peer == nullptr) {
         Refuse();
         return;
     }
