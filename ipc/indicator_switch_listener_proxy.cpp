@@ -2,6 +2,7 @@
 #include "indicator_switch_listener_proxy.h"
 
 #include "format_utils.h"
+#include "interface_token.h"
 #include "message_option.h"
 #include "message_parcel.h"
 #include "tagged_log.h"
@@ -36,7 +37,7 @@ void IndicatorSwitchListenerProxy::OnSwitchChanged(const IndicatorData& indicato
 {
     LogInfo(TAG, "OnSwitchChanged", "OnSwitchChanged begin in proxy");
     MessageParcel data;
-    if (!data.WriteInterfaceToken(GetDescriptor())) {
+    if (!data.WriteInterfaceToken(TokenOf<IndicatorSwitchListenerIntf>())) {
         LogError(TAG, "OnSwitchChanged", "WriteInterfaceToken failed");
         return;
     }

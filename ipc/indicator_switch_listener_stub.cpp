@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "indicator_switch_listener_stub.h"
 
+#include "interface_token.h"
 #include "message_parcel.h"
 #include "tagged_log.h"
 
@@ -33,7 +34,7 @@ int32_t IndicatorSwitchListenerStub::OnRemoteRequest(
     uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option)
 {
     LogInfo(TAG, "OnRemoteRequest", "OnRemoteRequest called in stub.");
-    if (data.ReadInterfaceToken() != GetDescriptor()) {
+    if (!ReadTokenOf<IndicatorSwitchListenerIntf>(data)) {
         LogError(TAG, "OnRemoteRequest", "verify descriptor failed");
         return TOKEN_MISMATCH;
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "privacy_event_listener_proxy.h"
 
+#include "interface_token.h"
 #include "message_option.h"
 #include "message_parcel.h"
 #include "tagged_log.h"
@@ -28,7 +29,7 @@ void PrivacyEventListenerProxy::OnPrivacyEventChanged(
     MessageParcel data;
     MessageParcel reply;
     MessageOption option(MessageOption::TF_SYNC, WAIT_SECONDS);
-    if (!data.WriteInterfaceToken(GetDescriptor())) {
+    if (!data.WriteInterfaceToken(TokenOf<PrivacyEventListenerIntf>())) {
         LogError(TAG, "OnPrivacyEventChanged", "Write interface token failed!");
         return;
     }

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "interface_token.h"
 #include "message_parcel.h"
 #include "tagged_log.h"
 
@@ -25,7 +26,7 @@ constexpr int32_t INVALID_SIZE = 22;
 int32_t PrivacyEventListenerStub::OnRemoteRequest(
     uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option)
 {
-    if (data.ReadInterfaceToken() != GetDescriptor()) {
+    if (!ReadTokenOf<PrivacyEventListenerIntf>(data)) {
         return TOKEN_MISMATCH;
     }
     if (code != ON_PRIVACY_EVENT_CHANGED) {

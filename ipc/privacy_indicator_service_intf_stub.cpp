@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "interface_token.h"
 #include "service_request.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
@@ -97,7 +98,7 @@ int32_t OnNotifyPowerEvent(Service& service, ServiceRequest& request)
 int32_t PrivacyIndicatorServiceIntfStub::OnRemoteRequest(
     uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option)
 {
-    if (data.ReadInterfaceToken() != GetDescriptor()) {
+    if (!ReadTokenOf<PrivacyIndicatorServiceIntf>(data)) {
         return TOKEN_MISMATCH;
     }
     ServiceRequest request(data, reply, vectorSizeLimit);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service_call.h"
 
+#include "interface_token.h"
 #include "message_option.h"
 #include "string_ex.h"
 #include "wait_time.h"
@@ -11,7 +12,7 @@ using Service = PrivacyIndicatorServiceIntf;
 
 ServiceCall::ServiceCall(uint32_t code, int32_t vectorSizeLimit) : ServiceExchange(vectorSizeLimit), code_(code)
 {
-    if (!data_.WriteInterfaceToken(Service::GetDescriptor())) {
+    if (!data_.WriteInterfaceToken(TokenOf<Service>())) {
         Fail(Service::INVALID_VALUE, "Write interface token failed!");
     }
 }
