@@ -17,7 +17,6 @@ constexpr int32_t FAILURE = -1;
 
 } // namespace
 
-using Util::LogDebug;
 using Util::LogError;
 using Util::LogInfo;
 using Util::LogWarn;
@@ -170,9 +169,7 @@ void PrivacyIndicatorClient::DispatchOnPrivacyEventChanged(
     // Contract: an unknown data type gets an empty entry, which stays.
     for (const auto& listener : privacyEventListeners[dataType]) {
         LogInfo(CLIENT_TAG, FUNCTION, "start DispatchOnPrivacyEventChanged in client.");
-        for (const auto& info : infos) {
-            LogDebug(CLIENT_TAG, FUNCTION, "%{public}s", Quoted(info.ToString()).c_str());
-        }
+        LogRecords(LOG_DEBUG, FUNCTION, infos);
         listener->OnPrivacyEventChanged(dataType, infos);
     }
 }

@@ -8,17 +8,14 @@
 #include "call_service.h"
 #include "client_log.h"
 #include "composer_power_event.h"
-#include "format_utils.h"
 #include "iremote_broker.h"
 #include "iservice_registry.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
-using Util::LogDebug;
 using Util::LogError;
 using Util::LogInfo;
 using Util::LogWarn;
-using Util::Quoted;
 
 PrivacyIndicatorClient& PrivacyIndicatorClient::GetInstance() noexcept
 {
@@ -124,9 +121,7 @@ int32_t PrivacyIndicatorClient::GetPrivacyEventDetails(
         CallService(*this, FUNCTION, [userId, &privacyEventDetails](PrivacyIndicatorServiceIntf& service) {
             return service.GetPrivacyEventDetails(userId, privacyEventDetails);
         });
-    for (const auto& detail : privacyEventDetails) {
-        LogDebug(CLIENT_TAG, FUNCTION, "%{public}s", Quoted(detail.ToString()).c_str());
-    }
+    LogRecords(LOG_DEBUG, FUNCTION, privacyEventDetails);
     return result;
 }
 
@@ -139,10 +134,7 @@ int32_t PrivacyIndicatorClient::GetPrivacyEventDetailsByPrivacySensorType(int32_
         *this, "GetPrivacyEventDetails", [userId, sensor, &privacyEventDetails](PrivacyIndicatorServiceIntf& service) {
             return service.GetPrivacyEventDetailsByPrivacySensorType(userId, sensor, privacyEventDetails);
         });
-    for (const auto& detail : privacyEventDetails) {
-        LogInfo(
-            CLIENT_TAG, "GetPrivacyEventDetailsByPrivacySensorType", "%{public}s", Quoted(detail.ToString()).c_str());
-    }
+    LogRecords(LOG_INFO, "GetPrivacyEventDetailsByPrivacySensorType", privacyEventDetails);
     return result;
 }
 
@@ -151,9 +143,7 @@ int32_t PrivacyIndicatorClient::GetActiveIndicators(std::vector<Indicator::Indic
     constexpr const char* FUNCTION = "GetActiveIndicators";
     const int32_t result = CallService(*this, FUNCTION,
         [&indicators](PrivacyIndicatorServiceIntf& service) { return service.GetActiveIndicators(indicators); });
-    for (const auto& indicator : indicators) {
-        LogDebug(CLIENT_TAG, FUNCTION, "%{public}s", Quoted(indicator.ToString()).c_str());
-    }
+    LogRecords(LOG_DEBUG, FUNCTION, indicators);
     return result;
 }
 

@@ -46,8 +46,10 @@ void IndicatorSwitchListenerProxy::OnSwitchChanged(const IndicatorData& indicato
         LogError(TAG, "OnSwitchChanged", "Write parcelable failed  in proxy.");
         return;
     }
-    LogInfo(TAG, "OnSwitchChanged", "Write parcelable success  in proxy:%{public}s",
-        Util::Quoted(indicatorData.ToString()).c_str());
+    if (Util::IsHeard(LOG_INFO, TAG)) {
+        LogInfo(TAG, "OnSwitchChanged", "Write parcelable success  in proxy:%{public}s",
+            Util::Quoted(indicatorData.ToString()).c_str());
+    }
     const sptr<IRemoteObject> remote = Remote();
     if (remote == nullptr) {
         LogError(TAG, "OnSwitchChanged", "remote is null!");

@@ -18,6 +18,12 @@ inline OstLog::Tag FileTag(const std::string& module)
     return OstLog::Tag::Create(module, OstLog::Tag::DEFAULT_COMPONENT_TAG, OstLog::Tag::DEFAULT_SUB_SYSTEM_TAG);
 }
 
+/** Whether a line of `level` is heard. If not, the texts of its placeholders need not be made. */
+inline bool IsHeard(LogLevel level, const OstLog::Tag& tag)
+{
+    return HiLogIsLoggable(tag.GetDomain(), tag.GetSubSystemTag().c_str(), level);
+}
+
 /**
  * Prints "[component][module]function: message". `function` is the name that the line shows, which is not always the
  * name of the function that runs. `args` belong to the message's own placeholders. Allocates nothing, since a line may
@@ -26,6 +32,9 @@ inline OstLog::Tag FileTag(const std::string& module)
 template <size_t SIZE, typename... Args>
 void LogLine(LogLevel level, const OstLog::Tag& tag, const char* function, const char (&message)[SIZE], Args... args)
 {
+    if (!IsHeard(level, tag)) {
+        return;
+    }
     constexpr char PREFIX[] = "[%{public}s][%{public}s]%{public}s: ";
     constexpr size_t PREFIX_LENGTH = sizeof(PREFIX) - 1;
     char format[PREFIX_LENGTH + SIZE];

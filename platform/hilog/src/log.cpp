@@ -177,13 +177,19 @@ int ReadThreshold()
     return letter != nullptr ? LOG_DEBUG + static_cast<int>(letter - LEVEL_LETTERS) : LOG_INFO;
 }
 
+bool IsPrinted(LogLevel level)
+{
+    static const int threshold = ReadThreshold();
+    return level >= threshold && level <= LOG_FATAL;
+}
+
 int Print(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, va_list arguments)
 {
     if (fmt == nullptr) {
         return -1;
     }
     const LogCallback callback = g_callback.load();
-    const bool isPrinted = HiLogIsLoggable(domain, tag, level);
+    const bool isPrinted = IsPrinted(level);
     if (callback == nullptr && !isPrinted) {
         return 0;
     }
@@ -215,8 +221,7 @@ int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char* ta
 
 bool HiLogIsLoggable(unsigned int /* domain */, const char* /* tag */, LogLevel level)
 {
-    static const int threshold = ReadThreshold();
-    return level >= threshold && level <= LOG_FATAL;
+    return g_callback.load() != nullptr || IsPrinted(level);
 }
 
 void LOG_SetCallback(LogCallback callback) { g_callback.store(callback); }

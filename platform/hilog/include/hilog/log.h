@@ -37,7 +37,7 @@ typedef enum {
  */
 int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, ...);
 
-/** True if messages of `level` are printed; domain and tag make no difference. */
+/** True if messages of `level` are printed, or if there is a callback; domain and tag make no difference. */
 bool HiLogIsLoggable(unsigned int domain, const char* tag, LogLevel level);
 
 /** Receives a message without the line's head. `tag` and `msg` are valid during the call only. */
