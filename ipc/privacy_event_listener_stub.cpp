@@ -7,6 +7,7 @@
 
 #include "interface_token.h"
 #include "message_parcel.h"
+#include "received_records.h"
 #include "tagged_log.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
@@ -38,8 +39,8 @@ int32_t PrivacyEventListenerStub::OnRemoteRequest(
         LogError(TAG, "OnRemoteRequest", "error privacyEventRemindInfo size!");
         return INVALID_SIZE;
     }
-    // No memory is reserved for the count, since the request may hold fewer records.
     std::vector<PrivacyEventRemindInfo> infos;
+    ReserveReceived(infos, count, data);
     for (int32_t i = 0; i < count; ++i) {
         const std::unique_ptr<PrivacyEventRemindInfo> info(data.ReadParcelable<PrivacyEventRemindInfo>());
         if (info == nullptr) {

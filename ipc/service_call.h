@@ -9,6 +9,7 @@
 
 #include "iremote_broker.h"
 #include "message_parcel.h"
+#include "received_records.h"
 #include "service_exchange.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
@@ -43,7 +44,7 @@ public:
         if (!MayCarry(count)) {
             return Error();
         }
-        // No memory is reserved for the count, since the reply may hold fewer records.
+        ReserveReceived(records, count, reply_);
         for (int32_t i = 0; i < count; ++i) {
             const std::unique_ptr<T> record(reply_.ReadParcelable<T>());
             if (record == nullptr) {
