@@ -43,6 +43,8 @@ function(qnl_add_variant target variant to_platform)
         PRIVATE
             ${QNL_LINK_WHOLE}
             -Wl,--version-script=${exports}
+            # Its own functions are found at link time, not by name at each load.
+            -Wl,-Bsymbolic-functions
             # The platform goes on calling the client after a program's dlclose: the code must stay until the exit.
             -Wl,-z,nodelete
         # A caller may use no symbol of the library, only virtual calls: without it the proxies would not be registered.
