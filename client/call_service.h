@@ -3,7 +3,6 @@
 #define CALL_SERVICE_H
 
 #include <cstdint>
-#include <functional>
 
 #include "client_log.h"
 #include "privacy_indicator_client.h"
@@ -26,7 +25,7 @@ int32_t CallService(PrivacyIndicatorClient& client, const char* function, const 
         result = operation(*service);
     };
     // A std::function that holds a reference allocates no memory, so a request cannot fail for want of it.
-    client.WithSystemAbilityProxy(std::cref(request));
+    client.WithSystemAbilityProxy([&request](const sptr<PrivacyIndicatorServiceIntf>& service) { request(service); });
     return result;
 }
 
