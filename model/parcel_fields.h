@@ -2,6 +2,8 @@
 #ifndef PARCEL_FIELDS_H
 #define PARCEL_FIELDS_H
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -83,6 +85,7 @@ inline bool ReadField(Parcel& parcel, std::vector<std::string>& list)
     if (!parcel.ReadInt32(count) || count > MAX_LIST_SIZE) {
         return false;
     }
+    list.reserve(list.size() + static_cast<size_t>(std::max(count, 0)));
     for (int32_t i = 0; i < count; ++i) {
         std::string entry;
         if (!parcel.ReadString(entry)) {
