@@ -6,39 +6,30 @@ namespace {
 
 using AvailabilityTest = PeerTest;
 
-TEST_F(AvailabilityTest, EverySubscriberHearsOfEveryChange)
+TEST_F(AvailabilityTest, EverySubscriberHearsOfEveryChangeAndFindsTheNextServiceAfterTheFormerOnesEnd)
 {
     Helper& early = Start([] { Watch(100), Watch(100, "too"); });
     Helper& service = Start([] { Watch(100), Serve(100); });
     Helper& late = Start([] { Watch(100); });
-    const auto expect = [&](const std::string& change) {
-        early.Hears({change, change + "too"});
-        late.Hears({change});
-    };
-    expect("up 100");
+    early.Hears({"up 100", "up 100too"});
     service.Hears({"up 100"});
+    late.Hears({"up 100"});
     late.Signal(SIGSTOP); // And hears of it later, all the same.
     service.Ask([] { Unserve(100), Serve(100); });
     late.Signal(SIGCONT);
-    expect("down 100");
-    expect("up 100");
+    early.Hears({"down 100", "down 100too", "up 100", "up 100too"});
     service.Hears({"down 100", "up 100"});
+    late.Hears({"down 100", "up 100"});
+    early.Ask(Hold);
     service.Kill();
-    expect("down 100");
-}
-
-TEST_F(AvailabilityTest, TheNextServiceIsFoundWhenTheFormerOnesEndIsAnnounced)
-{
-    Helper& service = Start([] { Serve(100); });
-    Helper& watcher = Start([] { Hold(), Watch(100); });
-    watcher.Hears({"up 100"}); // Is told, and not yet heard out.
-    service.Kill();
+    early.Hears({"down 100"}); // Is told, and not yet heard out.
     Start([] { Serve(100); });
-    watcher.Expect("null", [] { return Find("s", 100); });
-    Start().Expect("0", [] { return Find("s", 100); }); // Who does not watch has nothing to wait for.
-    watcher.Ask(Release);
-    watcher.Hears({"down 100", "up 100"});
-    watcher.Expect("0", [] { return Find("s", 100); });
+    late.Hears({"down 100", "up 100"});
+    late.Expect("0", [] { return Find("s", 100); });
+    early.Expect("null", [] { return Find("s", 100); });
+    early.Ask(Release);
+    early.Hears({"down 100too", "up 100", "up 100too"});
+    early.Expect("0", [] { return Find("s", 100); });
 }
 
 TEST_F(AvailabilityTest, NothingIsToldAfterUnsubscribing)
@@ -105,11 +96,9 @@ TEST_F(AvailabilityTest, ABusThatComesLateEndsAndComesBackIsJoined)
     caller.Expect("null", [] { return Find("s", 100); });
     service.Expect("32", [] { return Serve(100); });
     StartDaemon();
-    Helper& other = Start([] { Serve(200); });
+    Start([] { Serve(200); });
     service.Hears({"up 200"}); // It has joined.
-    other.Kill();
-    service.Hears({"down 200"});
-    service.Expect("0", [] { return Serve(100); });
+    service.Ask([] { Unwatch(200), Serve(100); });
     for (int i = 0; i < 2; ++i) {
         caller.Hears({"up 100"}); // The second time the service has registered itself.
         service.Hears({"up 100"});
@@ -127,16 +116,11 @@ TEST_F(AvailabilityTest, ABusThatComesLateEndsAndComesBackIsJoined)
         }
         StartDaemon();
     }
-}
-
-TEST_F(AvailabilityTest, AServiceThatAnotherHasTakenOverIsNotAddedAgain)
-{
-    Helper& service = Start([] { Serve(100), Watch(100); });
     service.Hears({"up 100"});
     service.Signal(SIGSTOP);
     KillDaemon();
     StartDaemon();
-    Start([] { Serve(100), Make("x"); });
+    Start([] { Serve(100), Make("x"); }); // Takes its place.
     service.Signal(SIGCONT);
     service.Hears({"down 100", "up 100"});
     service.Expect("0", [] { return Find("s", 100); });

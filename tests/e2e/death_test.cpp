@@ -3,20 +3,19 @@
 
 namespace {
 
-/** A service, and a caller that watches it and whose object "x" it has. */
-class DeathTest : public PeerTest {
-protected:
-    DeathTest() { caller_.Hears({"up 100"}); }
-
-    Helper& service_ = Start([] { Serve(100); });
-    Helper& caller_ = Start([] { Find("s", 100), Watch(100), Make("x"), Call("s", TAKE, "x"); });
+/** The caller watches the service, which has its object "x". */
+struct DeathTest : PairTest {
+    DeathTest()
+    {
+        caller_.Ask([] { Watch(100), Make("x"), Call("s", TAKE, "x"); });
+        caller_.Hears({"up 100"});
+    }
 };
 
 TEST_F(DeathTest, EveryRecipientHearsOfItAsOftenAsItWasAdded)
 {
     service_.Ask([] { Make("y"), Hold(); });
-    caller_.Ask([] { Mourn("s"), Mourn("s"), Mourn("s"), Unmourn("s"); });
-    caller_.Expect("0 other", [] { return Call("s", GIVE, "y"); });
+    caller_.Ask([] { Mourn("s"), Mourn("s"), Mourn("s"), Unmourn("s"), Call("s", GIVE, "y"); });
     caller_.Expect("1", [] { return Mourn("y"); });
     caller_.Expect("1", [] { return Unmourn("y"); });
     caller_.Expect("0", [] { return Unmourn("y"); });
@@ -32,12 +31,24 @@ TEST_F(DeathTest, EveryRecipientHearsOfItAsOftenAsItWasAdded)
     caller_.Expect("null", [] { return Find("s", 100); });
 }
 
-TEST_F(DeathTest, LastEventsComeBeforeTheNewsOfADeathAndOfASuccessor)
+TEST_F(DeathTest, LastEventsComeBeforeTheNewsOfAnEndAndOfASuccessor)
 {
+    const auto sendLate = [this](void (*end)()) {
+        caller_.Ask(Hold);
+        service_.Expect("50 then 0", [] { return Send("x", 50); });
+        end == nullptr ? service_.Kill() : static_cast<void>(service_.Ask(end));
+    };
+    for (int i = 0; i < 5; ++i) { // The process lives on, and its connections with it.
+        sendLate([] { Unserve(100), Serve(100); });
+        caller_.Ask(Release);
+        ExpectEvents(caller_, "x", 50);
+        caller_.Hears({"down 100", "up 100"});
+    }
+    caller_.Await("0", [] { return Find("s", 100); });
+    caller_.Expect("0 hello", [] { return Call("s", REPEAT, "hello"); });
     Helper& successor = Start();
-    caller_.Ask([] { Mourn("s"), Hold(); });
-    service_.Expect("50 then 0", [] { return Send("x", 50); });
-    service_.Kill();
+    caller_.Ask([] { Mourn("s"); });
+    sendLate(nullptr);
     caller_.Await("1", [] { return IsDead("s"); });
     caller_.Expect("32", [] { return Call("s", REPEAT); }); // Calls do not wait for that.
     successor.Await("0", [] { return Serve(100); });
@@ -46,44 +57,26 @@ TEST_F(DeathTest, LastEventsComeBeforeTheNewsOfADeathAndOfASuccessor)
     caller_.Hears({"dead s", "down 100", "up 100"});
 }
 
-TEST_F(DeathTest, LastEventsOfAServiceThatEndsCleanlyComeBeforeTheNewsOfItsEnd)
-{
-    for (int i = 0; i < 5; ++i) { // The process lives on, and its connections with it.
-        caller_.Ask(Hold);
-        service_.Expect("50 then 0", [] { return Send("x", 50); });
-        service_.Ask([] { Unserve(100), Serve(100); });
-        caller_.Ask(Release);
-        ExpectEvents(caller_, "x", 50);
-        caller_.Hears({"down 100", "up 100"});
-    }
-    service_.Expect("1 then 0", [] { return Send("x", 1); });
-    caller_.Hears({"x 0"});
-    caller_.Await("0", [] { return Find("s", 100); });
-    caller_.Expect("0 hello", [] { return Call("s", REPEAT, "hello"); });
-    service_.Expect("0 hello", [] { return Call("x", REPEAT, "hello"); });
-}
-
 TEST_F(DeathTest, TheNewsOfAnEndDoesNotWaitForeverForAReaderOfLastEvents)
 {
-    caller_.Ask([] { Mourn("s"), Hold(); });
-    service_.Expect("2 then 0", [] { return Send("x", 2); });
-    service_.Kill();
-    caller_.Hears({"dead s", "down 100"});
-    caller_.Ask(Release);
-    caller_.Hears({"x 0"}); // It was under way. The other one is dropped.
-    caller_.Ask([] { Drop("x"); });
-    caller_.Await("0", Alive);
-
-    Helper& next = Start([] { Serve(100); });
-    caller_.Hears({"up 100"});
-    caller_.Ask([] { Find("s", 100), Make("x"), Call("s", TAKE, "x"), Hold(); });
-    next.Expect("2 then 0", [] { return Send("x", 2); });
-    next.Expect("0", [] { return Unserve(100); });
+    const auto sendLate = [this](Helper& service) {
+        caller_.Ask(Hold);
+        service.Expect("2 then 0", [] { return Send("x", 2); });
+    };
+    sendLate(service_);
+    service_.Expect("0", [] { return Unserve(100); });
     caller_.Hears({"down 100"});
     caller_.Ask(Release);
+    caller_.Hears({"x 0"}); // It was under way. The other one is dropped.
+    service_.Ask([] { Serve(100); });
+    caller_.Hears({"up 100"});
+    caller_.Ask([] { Mourn("s"); });
+    sendLate(service_); // On a new connection.
+    service_.Kill();
+    caller_.Hears({"dead s", "down 100"});
+    caller_.Ask([] { Drop("x"), Release(); });
     caller_.Hears({"x 0"});
-    next.Expect("1 then 0", [] { return Send("x", 1); }); // On a new connection.
-    caller_.Hears({"x 0"});
+    caller_.Await("0", Alive);
 }
 
 TEST_F(DeathTest, ARefusedConnectionProvesADeath)

@@ -34,10 +34,7 @@ public:
     /** What the objects serve. Every request carries a text, and some an object after it; so do the replies. */
     enum Code : uint32_t { REPEAT = 1, WHO, EVENT, TAKE, GIVE, CALL_BACK, WAIT, FAIL, FAIL_WITH_REPLY, CRASH };
 
-    static OHOS::sptr<OHOS::ISystemAbilityManager> Manager()
-    {
-        return OHOS::SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
-    }
+    static auto Manager() { return OHOS::SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager(); }
 
     /** The service under that name: "0", "null" or "no manager". */
     static std::string Find(const char* name, int32_t id)
@@ -66,7 +63,7 @@ public:
 
     /**
      * Calls an object: the result, and the reply's text. What is taken or called back is the object named by `text`;
-     * what is given is then named so, and is the "same" as before or an "other"; 22 if there is none.
+     * what is given is then named so, and is the "same" as before or an "other".
      */
     static std::string Call(const char* name, uint32_t code, const std::string& text = "")
     {
@@ -99,16 +96,14 @@ public:
      */
     static std::string Hammer(const char* name, size_t threads, int count)
     {
-        const auto target = Named(name);
-        const std::string who = Who() + " 0 ";
         std::atomic<size_t> begun{0};
         std::atomic<int> wrong{0};
         std::atomic<int> failed{0};
-        const auto hammer = [&](size_t thread) {
+        const auto hammer = [&, target = Named(name), who = Who() + " 0 "](size_t thread) {
             for (int i = 0; i < count; ++i) {
                 const std::string text = std::to_string(thread) + "/" + std::to_string(i);
                 const int oneWay = Request(target, REPEAT, "", new Object(""), OHOS::MessageOption::TF_ASYNC).code;
-                const OHOS::sptr<OHOS::IRemoteObject> object = new Object("");
+                const Remote object = new Object("");
                 const Answer echo = Request(target, REPEAT, text, object);
                 const Answer back = Request(target, CALL_BACK, "", Named("me"));
                 if ((oneWay != 0 && oneWay != 105) || echo.code != 0 || back.code != 0) {
@@ -208,10 +203,8 @@ private:
                 return Reply(reply, Name(text, object) == object ? "same"
                                     : object->IsProxyObject()    ? "remote"
                                                                  : "local");
-            case GIVE: {
-                const Remote given = Named(text);
-                return given != nullptr ? Reply(reply, text, given) : 22;
-            }
+            case GIVE:
+                return Reply(reply, text, Named(text));
             case CALL_BACK: {
                 const std::string before = Who();
                 const Answer inner = Request(object, WHO, "");
@@ -222,7 +215,7 @@ private:
                 return Reply(reply, text);
             case FAIL_WITH_REPLY:
                 reply.WriteString(text);
-                return std::stoi(text);
+                [[fallthrough]];
             case FAIL:
                 return std::stoi(text);
             case CRASH:
@@ -320,6 +313,13 @@ private:
         state.isHeld = isHeld;
         state.released.notify_all();
     }
+};
+
+/** A service, and a caller that has found it as "s". */
+class PairTest : public PeerTest {
+protected:
+    Helper& service_ = Start([] { Serve(100); });
+    Helper& caller_ = Start([] { Find("s", 100); });
 };
 
 #endif // PEER_TEST_H

@@ -9,14 +9,7 @@
 
 int main(int /* count */, char** arguments)
 {
-    std::thread([&] {
-        void* const module = dlopen(arguments[1], RTLD_NOW);
-        if (module == nullptr) {
-            _exit(2);
-        }
-        reinterpret_cast<void (*)()>(dlsym(module, "Begin"))();
-    }).join();
-    for (char byte = 0; read(STDIN_FILENO, &byte, 1) > 0;) { // Until it is told to end.
-    }
-    return 0;
+    std::thread([&] { reinterpret_cast<void (*)()>(dlsym(dlopen(arguments[1], RTLD_NOW), "Begin"))(); }).join();
+    char byte = 0;
+    return static_cast<int>(read(STDIN_FILENO, &byte, 1)); // Once its input ends.
 }

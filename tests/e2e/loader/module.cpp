@@ -21,22 +21,16 @@ struct Singleton {
     bool isAlive = true;
 };
 
-Singleton& GetSingleton()
-{
-    static Singleton singleton;
-    return singleton;
-}
-
 class Object : public IPCObjectStub {
-    int OnRemoteRequest(uint32_t /* code */, MessageParcel& /* data */, MessageParcel& reply, MessageOption&) override
+    int OnRemoteRequest(uint32_t /* code */, MessageParcel&, MessageParcel& /* reply */, MessageOption&) override
     {
+        static Singleton singleton;
         for (int i = 0; i < 2; ++i) { // When it comes, and when it has taken its time.
-            if (!GetSingleton().isAlive) {
+            if (!singleton.isAlive) {
                 std::abort();
             }
             usleep(5000);
         }
-        reply.WriteInt32(0);
         return ERR_NONE;
     }
 };
@@ -45,8 +39,5 @@ class Object : public IPCObjectStub {
 
 extern "C" void Begin()
 {
-    const auto manager = SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
-    if (manager == nullptr || manager->AddSystemAbility(100, new Object()) != 0) {
-        _exit(3);
-    }
+    SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager()->AddSystemAbility(200, new Object());
 }
