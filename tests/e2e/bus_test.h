@@ -3,13 +3,11 @@
 #define BUS_TEST_H
 
 #include <gtest/gtest.h>
-#include <linux/close_range.h>
 #include <poll.h>
 #include <pty.h>
 #include <pwd.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utmp.h>
@@ -79,7 +77,7 @@ public:
         if (pid_ == 0) {
             prctl(PR_SET_PDEATHSIG, SIGKILL);
             isOnTerminal ? login_tty(ends[1]) : dup2(ends[1], STDIN_FILENO) + dup2(ends[1], STDOUT_FILENO);
-            syscall(SYS_close_range, STDERR_FILENO + 1, ~0U, 0);
+            close_range(STDERR_FILENO + 1, ~0U, 0);
             setenv("HILOG_LEVEL", "OFF", 1);
             busAddress.empty() ? unsetenv("OHOS_BUS_ADDRESS") : setenv("OHOS_BUS_ADDRESS", busAddress.c_str(), 1);
             if (command.empty()) {
@@ -145,13 +143,11 @@ public:
     /** The next event. */
     std::string Event()
     {
-        std::string event;
         if (events_.empty()) {
-            event = ReadLine();
-        } else {
-            event = events_.front();
-            events_.erase(events_.begin());
+            events_.push_back(ReadLine());
         }
+        const std::string event = events_.front();
+        events_.pop_front();
         return event.substr(std::min<size_t>(event.size(), 2));
     }
 

@@ -29,10 +29,9 @@ public:
 
     void OnSwitchChanged(const Indicator::IndicatorData& data) override
     {
-        std::ostringstream text;
-        text << "s " << static_cast<int>(data.privacySensorType) << " " << static_cast<int>(data.state) << " "
-             << data.positionX << " " << data.animationType;
-        Say(text.str());
+        Say("s " + std::to_string(static_cast<int>(data.privacySensorType)) + " " +
+            std::to_string(static_cast<int>(data.state)) + " " + std::to_string(static_cast<int>(data.positionX)) +
+            " " + std::to_string(data.animationType));
     }
 
     void OnPrivacyEventChanged(
@@ -56,29 +55,19 @@ private:
 const std::vector<std::string>& SWITCHES_OFF = *new std::vector<std::string>{"s 0 1 0 0", "s 1 1 0 0", "s 2 1 0 0"};
 constexpr const char* USES_OFF = "e 0 2  -1 1 2  -1 2 2  -1";
 
-int Register(const std::string& kind, const std::shared_ptr<Listener>& listener)
+// For "switch" or a data type.
+void Register(const std::string& kind, const std::shared_ptr<Listener>& listener)
 {
-    return kind == "switch" ? Client().RegisterPrivacyIndicatorSwitchListener(listener)
-                            : Client().RegisterPrivacyEventListener(kind, listener);
+    kind == "switch" ? Client().RegisterPrivacyIndicatorSwitchListener(listener)
+                     : Client().RegisterPrivacyEventListener(kind, listener);
 }
 
-// For "switch" or a data type.
-int Listen(const char* kind)
+void ListenToAll()
 {
     static std::vector<std::shared_ptr<Listener>> listeners; // As an app's, they go at exit.
-    return Register(kind, listeners.emplace_back(std::make_shared<Listener>()));
-}
-
-void ListenToAll() { Listen("switch"), Listen("a"), Listen(Privacy::SENSOR_STATE_CHANGE); }
-
-int GetActive()
-{
-    std::vector<Indicator::IndicatorData> indicators;
-    const int32_t result = Client().GetActiveIndicators(indicators);
-    if (indicators.size() > 1 || (indicators.size() == 1 && (result != 0 || indicators[0].color != "#00ff00"))) {
-        std::abort();
+    for (const char* kind : {"switch", "a", Privacy::SENSOR_STATE_CHANGE}) {
+        Register(kind, listeners.emplace_back(std::make_shared<Listener>()));
     }
-    return result;
 }
 
 // What helpers do that are the service.
@@ -88,8 +77,6 @@ Testing::InMemoryService& Service()
     static const auto& service = *new OHOS::sptr<Testing::InMemoryService>(new Testing::InMemoryService());
     return *service;
 }
-
-int Publish() { return PeerTest::Manager()->AddSystemAbility(PRIVACY_INDICATOR_SA_ID, &Service()); }
 
 // How many listeners of each kind there are, as "4 a, 6 camera, ".
 std::string Registered()
@@ -130,7 +117,12 @@ long RunLoad(const std::string& what)
     while (g_isStorm) {
         const Clock::time_point begin = Clock::now();
         if (what == "active") {
-            g_answered += GetActive() == 0 ? 1 : 0;
+            std::vector<Indicator::IndicatorData> on;
+            const bool isAnswered = Client().GetActiveIndicators(on) == 0;
+            if (!on.empty() && (!isAnswered || on.size() > 1 || on[0].color != "#00ff00")) {
+                std::abort();
+            }
+            g_answered += isAnswered ? 1 : 0;
         } else {
             Register(what, listener);
             what == "switch" ? Client().UnregisterPrivacyIndicatorSwitchListener(listener)
@@ -161,13 +153,6 @@ std::string Calm()
     return std::to_string(g_answered.exchange(0)) + " " + std::to_string(longest);
 }
 
-// Bytes in use on the heap; 0 under a sanitizer.
-long CountHeap()
-{
-    malloc_trim(0);
-    return static_cast<long>(mallinfo2().uordblks);
-}
-
 class StormTest : public PeerTest {
 protected:
     enum Way { AT_ANY_TIME, STOPPED, IN_ITS_EVENTS, EARLY, CLEANLY, SLOWLY, WAYS }; // How a service ends.
@@ -180,13 +165,8 @@ protected:
     StormTest()
     {
         for (size_t i = 0; i < KEEPERS + 2; ++i) {
-            apps_.push_back(&Start());
-        }
-        for (size_t i = 0; i < apps_.size(); ++i) {
-            if (i < KEEPERS) {
-                apps_[i]->Ask(ListenToAll);
-            }
-            apps_[i]->Ask(BeginStorm);
+            apps_.push_back(i < KEEPERS ? &Start(ListenToAll) : &Start());
+            apps_.back()->Ask(BeginStorm);
         }
         StartService();
     }
@@ -199,7 +179,7 @@ protected:
     {
         service_.emplace(std::vector<std::string>(), busAddress_);
         ++generation_;
-        service_->Ask(Publish);
+        service_->Ask([] { Manager()->AddSystemAbility(PRIVACY_INDICATOR_SA_ID, &Service()); });
         const char* const last = TheWay() == EARLY ? "4 a, " : "4 sensorStateChange, ";
         service_->Await("1", [last] { return Registered().find(last) != std::string::npos; });
         if (TheWay() != EARLY) {
@@ -209,22 +189,20 @@ protected:
 
     void Restart()
     {
-        if (TheWay() == STOPPED) {
-            service_->Signal(SIGSTOP);   // So that calls are under way.
-        } else if (TheWay() == SLOWLY) { // A keeper does not answer for a while.
-            apps_[0]->Ask(PeerTest::Hold);
+        const int ended = TheWay();
+        if (ended == STOPPED) {
+            service_->Signal(SIGSTOP); // So that calls are under way.
+        } else if (ended == SLOWLY) {  // A keeper does not answer for a while.
+            apps_[0]->Ask(Hold);
         }
-        if (TheWay() == IN_ITS_EVENTS || TheWay() == SLOWLY || TheWay() == CLEANLY) {
+        if (ended == IN_ITS_EVENTS || ended == SLOWLY || ended == CLEANLY) {
             service_->Ask([generation = generation_] { Push(generation, 1, MORE); });
         }
-        if (TheWay() == CLEANLY) {
-            service_->Ask([] { Service().AwaitDelivery(), PeerTest::Unserve(PRIVACY_INDICATOR_SA_ID); });
+        if (ended == CLEANLY) {
+            service_->Ask([] { Service().AwaitDelivery(), Unserve(PRIVACY_INDICATOR_SA_ID); });
         }
-        const int ended = TheWay();
         service_->Kill();
-        if (ended == SLOWLY) {
-            apps_[0]->Ask(PeerTest::Release);
-        }
+        apps_[0]->Ask(Release);
         StartService();
         for (size_t i = 0; i < KEEPERS; ++i) {
             ExpectLife(*apps_[i], ended);
@@ -273,8 +251,8 @@ protected:
     {
         std::array<long, 3> last{};
         for (int same = 0; same < 100; ++same) {
-            const long bytes = std::stol(app.Ask(CountHeap));
-            const std::array<long, 3> next{app.Count("task"), app.Count("fd"), bytes};
+            const std::string bytes = app.Ask([] { return malloc_trim(0), static_cast<long>(mallinfo2().uordblks); });
+            const std::array<long, 3> next{app.Count("task"), app.Count("fd"), std::stol(bytes)};
             same = next[0] == last[0] && next[1] == last[1] ? same : 0;
             last = next;
         }
