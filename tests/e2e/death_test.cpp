@@ -79,15 +79,4 @@ TEST_F(DeathTest, TheNewsOfAnEndDoesNotWaitForeverForAReaderOfLastEvents)
     caller_.Await("0", Alive);
 }
 
-TEST_F(DeathTest, ARefusedConnectionProvesADeath)
-{
-    Helper& other = Start([] { Find("s", 100), Mourn("s"); }); // Has yet to connect.
-    daemon_->Signal(SIGSTOP);                                  // So that it brings no news.
-    service_.Kill();
-    other.Expect("32", [] { return Call("s", REPEAT); });
-    other.Expect("1", [] { return IsDead("s"); });
-    other.Hears({"dead s"});
-    daemon_->Signal(SIGCONT);
-}
-
 } // namespace
