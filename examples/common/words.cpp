@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "words.h"
 
+#include <cerrno>
 #include <map>
 
+#include "ipc_types.h"
 #include "parse.h"
 #include "print.h"
 #include "privacy_event_values.h"
+#include "privacy_indicator_service_intf.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
@@ -72,18 +75,19 @@ std::string UseText(const std::vector<Privacy::PrivacyEventRemindInfo>& infos)
 
 std::string ResultText(int32_t result)
 {
+    using Service = PrivacyIndicatorServiceIntf;
     static const std::map<int32_t, const char*> texts{
-        {1, "this request is for another interface, or not for this caller"},
-        {5, "an argument or a record cannot be written or read"},
-        {12, "no memory"},
-        {22, "an argument is not valid"},
-        {28, "there is no room for more"},
-        {32, "the service's process has ended"},
-        {90, "the message is too large"},
-        {105, "the buffer is full"},
-        {110, "no answer in time"},
-        {111, "the connection was refused"},
-        {305, "the service does not know this request"},
+        {Service::TOKEN_MISMATCH, "this request is for another interface, or not for this caller"},
+        {Service::INVALID_DATA, "an argument or a record cannot be written or read"},
+        {ENOMEM, "no memory"},
+        {Service::INVALID_VALUE, "an argument is not valid"},
+        {ENOSPC, "there is no room for more"},
+        {ERR_DEAD_OBJECT, "the service's process has ended"},
+        {EMSGSIZE, "the message is too large"},
+        {ENOBUFS, "the buffer is full"},
+        {ERR_TIMED_OUT, "no answer in time"},
+        {ECONNREFUSED, "the connection was refused"},
+        {IPC_STUB_UNKNOW_TRANS_ERR, "the service does not know this request"},
     };
     const auto text = texts.find(result);
     return std::to_string(result) + (text != texts.end() ? std::string(", ") + text->second : "");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "commands.h"
 
+#include <cerrno>
 #include <csignal>
 
 #include "end_signals.h"
@@ -16,7 +17,6 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 namespace {
 
 constexpr int32_t EVERY_USER = -1;
-constexpr int32_t CONNECTION_REFUSED = 111; // Of the transport.
 
 // The action that has the service's result from `request`; says on stderr what it is, if it is not 0.
 Action Requesting(Format format, const std::function<int32_t(const Target&)>& request)
@@ -27,7 +27,7 @@ Action Requesting(Format format, const std::function<int32_t(const Target&)>& re
         if (result == 0) {
             return EXIT_DONE;
         }
-        if (target.service->AsObject()->IsObjectDead() || result == ERR_TIMED_OUT || result == CONNECTION_REFUSED) {
+        if (target.service->AsObject()->IsObjectDead() || result == ERR_TIMED_OUT || result == ECONNREFUSED) {
             Complain("the service did not answer: " + text);
             return EXIT_NO_SERVICE;
         }
