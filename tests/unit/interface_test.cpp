@@ -66,34 +66,24 @@ TEST(RecordTest, AQueryIsReadOntoWhatIsThereAndItsListsEndAt999)
     EXPECT_EQ(BytesOf(parcel), I32(1000)); // A count too many is written, and nothing after it.
 }
 
-// The bytes of the page's example whose heading has `words`: those of each line, up to its remark.
-Bytes ExampleOf(const std::string& words)
-{
-    std::ifstream page(WIRE_FORMAT_PAGE);
-    Bytes bytes;
-    std::string line;
-    while (std::getline(page, line) && (line.rfind("### ", 0) != 0 || line.find(words) == std::string::npos)) {
-    }
-    while (std::getline(page, line) && line != "```hex") {
-    }
-    while (std::getline(page, line) && line != "```") {
-        std::istringstream pairs(line.substr(0, line.find("  ")));
-        for (int byte = 0; pairs >> std::hex >> byte;) {
-            bytes += static_cast<char>(byte);
-        }
-    }
-    return bytes;
-}
-
-// The other tests compare what is sent and read with the same items.
+// The page's examples, one after another: the bytes of each line, up to its remark. The other tests compare what is
+// sent and read with the same items.
 TEST(WireFormatPageTest, TheExamplesAreOfThisFormat)
 {
-    EXPECT_EQ(ExampleOf("TurnOffIndicator"), Token(DESCRIPTOR) + I32(2) + I32(1));
-    EXPECT_EQ(ExampleOf("GetActiveIndicators"), I32(0) + I32(1) + I32(1) + I32(0) + I32(0) + I32(0x41480000) +
-                                                    I32(0xBE800000) + I32(0x40400000) + I32(0x3F000000) +
-                                                    Str("#00ff00") + I32(4));
-    EXPECT_EQ(ExampleOf("event"), Token(EVENT_DESCRIPTOR) + Str("sensorStateChange") + I32(1) + I32(1) +
-                                      Str("com.example.chat") + I32(20010043) + I32(1) + I32(2) + I32(0));
+    std::ifstream page(WIRE_FORMAT_PAGE);
+    Bytes examples;
+    bool isExample = false;
+    for (std::string line; std::getline(page, line); isExample = line == "```hex" || (isExample && line != "```")) {
+        std::istringstream pairs(isExample ? line.substr(0, line.find("  ")) : "");
+        for (int byte = 0; pairs >> std::hex >> byte;) {
+            examples += static_cast<char>(byte);
+        }
+    }
+    EXPECT_EQ(examples, Token(DESCRIPTOR) + I32(2) + I32(1) + // TurnOffIndicator
+                            I32(0) + I32(1) + I32(1) + I32(0) + I32(0) + I32(0x41480000) + I32(0xBE800000) +
+                            I32(0x40400000) + I32(0x3F000000) + Str("#00ff00") + I32(4) + // GetActiveIndicators
+                            Token(EVENT_DESCRIPTOR) + Str("sensorStateChange") + I32(1) + I32(1) +
+                            Str("com.example.chat") + I32(20010043) + I32(1) + I32(2) + I32(0)); // An event
 }
 
 struct Request {

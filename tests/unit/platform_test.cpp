@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <atomic>
-#include <cstdlib>
 #include <fcntl.h>
 #include <poll.h>
+#include <pty.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <thread>
-#include <type_traits>
-#include <unistd.h>
 
 #include "ipc_object_stub.h"
 #include "support.h"
@@ -70,7 +68,6 @@ public:
     using Object::Object;
 };
 
-static_assert(std::is_convertible_v<sptr<Both>, sptr<Object>> && std::is_convertible_v<sptr<Both>, wptr<RefBase>>);
 static_assert(!std::is_constructible_v<sptr<Both>, sptr<Object>> && !std::is_constructible_v<wptr<Both>, wptr<Object>>);
 
 TEST(RefBaseTest, ObjectDiesWithItsLastStrongReference)
@@ -165,11 +162,11 @@ TEST(HilogDeathTest, LinesFromTheLevelOfTheEnvironmentUpwardsArePrinted)
         }
         _exit(0);
     };
-    for (const auto& [name, printed] : {std::make_pair("D", "DIWEF"), {"W", "WEF"}, {"F", "F"}, {"OFF", ""},
+    for (const auto& [name, printed] : {std::make_pair("D", "DIWEF"s), {"W", "WEF"}, {"F", "F"}, {"OFF", ""},
              {"", "IWEF"}, {"d", "IWEF"}, {"DEBUG", "IWEF"}}) {
         setenv("HILOG_LEVEL", name, 1);
         std::string lines = "^";
-        for (const char letter : std::string(printed)) {
+        for (const char letter : printed) {
             lines += "[01][0-9]-[0-3][0-9] [0-2][0-9]:[0-5][0-9]:[0-9]{2}\\.[0-9]{3}  [0-9]+  [0-9]+ ";
             lines += letter + " I12ab5/LABEL: "s + letter + "\n";
         }
@@ -187,13 +184,11 @@ TEST(HilogDeathTest, LinesThatNobodyReadsAreLostAndCounted)
     setenv("HILOG_LEVEL", "F", 1);
     for (const std::string kind : {"pipe", "pipe that cannot be opened again", "socket", "terminal"}) {
         InNewProcess([&kind] {
-            int ends[2] = {posix_openpt(O_RDWR | O_NOCTTY), -1};
-            if (kind == "terminal") {
-                ASSERT_EQ(grantpt(ends[0]) + unlockpt(ends[0]), 0);
-                ends[1] = open(ptsname(ends[0]), O_RDWR | O_NOCTTY);
-            } else {
-                ASSERT_EQ(kind == "socket" ? socketpair(AF_UNIX, SOCK_STREAM, 0, ends) : pipe(ends), 0);
-            }
+            int ends[2];
+            ASSERT_EQ(kind == "terminal" ? openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr)
+                      : kind == "socket" ? socketpair(AF_UNIX, SOCK_STREAM, 0, ends)
+                                         : pipe(ends),
+                0);
             dup2(ends[1], STDERR_FILENO);
             const rlimit three{3, 3};
             ASSERT_EQ(kind == "pipe that cannot be opened again" ? setrlimit(RLIMIT_NOFILE, &three) : 0, 0);
