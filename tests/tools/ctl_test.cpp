@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 
-#include <cstdlib>
-#include <ctime>
-
 #include "local_time.h"
 #include "pseudo_terminal.h"
 #include "tools_test.h"
@@ -113,17 +110,6 @@ TEST_F(ToolsTest, CompletionOffersWhatTheHelpNames)
     EXPECT_EQ(complete("indicator_ctl events --u"), "--user=\n= 0\n");
     EXPECT_EQ(complete("indicator_ctl off m"), "microphone\n= 0\n");
     EXPECT_EQ(complete("indicator_monitor --j"), "--json\n= 0\n");
-}
-
-TEST_F(CtlTest, AWatchPrintsEventsAsWords)
-{
-    Helper watch({CTL, "watch"}, busAddress_);
-    EXPECT_EQ(watch.ReadLine(), "switch listener registered");
-    EXPECT_EQ(watch.ReadLine(), "event listener registered");
-    Use("stop camera com.example.maps 5");
-    std::string lines = watch.ReadLine().substr(12) + watch.ReadLine().substr(12);
-    EXPECT_THAT(lines, HasSubstr("  indicator  camera off"));
-    EXPECT_THAT(lines, HasSubstr("  use        camera by com.example.maps off"));
 }
 
 } // namespace

@@ -9,6 +9,9 @@
 
 namespace {
 
+using testing::HasSubstr;
+using testing::Not;
+
 constexpr const char* TAKE_SCREEN = "\033[?1049h\033[?25l";
 constexpr const char* GIVE_SCREEN = "\033[?25h\033[?1049l";
 
@@ -19,21 +22,21 @@ TEST_F(MonitorTest, ABoardShowsHowThingsAreWhatHappensAndWhatIsUnknown)
     StartService();
     Use("start camera com.example.chat 20010043");
     PseudoTerminal monitor({"env", "TERM=xterm", MONITOR}, busAddress_);
-    std::string board = monitor.AwaitBoard("camera      on     com.example.chat (20010043)");
-    EXPECT_NE(board.find("\nmicrophone  off\nlocation    off\n"), std::string::npos) << board;
+    EXPECT_THAT(monitor.AwaitBoard("camera      on     com.example.chat (20010043)"),
+        HasSubstr("\nmicrophone  off\nlocation    off\n"));
 
     // A name that would change the terminal's colours.
     Use("start microphone evil\033[41m\x9b"
         "41m 7");
     monitor.AwaitBoard("microphone  on     evil\\x1b[41m\\x9b41m (7)");
-    board = monitor.AwaitBoard("microphone  evil\\x1b[41m\\x9b41m (7) on\n");
-    EXPECT_EQ(monitor.Bytes().find("\033[41m"), std::string::npos);
+    monitor.AwaitBoard("microphone  evil\\x1b[41m\\x9b41m (7) on\n");
+    EXPECT_THAT(monitor.Bytes(), Not(HasSubstr("\033[41m")));
     Use("stop camera com.example.chat 20010043");
     monitor.AwaitBoard("camera      off\n");
 
     service_->Kill();
-    board = monitor.AwaitBoard("The state is unknown: the service is not there.");
-    EXPECT_NE(board.find("\ncamera      unknown\nmicrophone  unknown\nlocation    unknown\n"), std::string::npos);
+    EXPECT_THAT(monitor.AwaitBoard("The state is unknown: the service is not there."),
+        HasSubstr("\ncamera      unknown\nmicrophone  unknown\nlocation    unknown\n"));
     StartService();
     monitor.AwaitBoard("camera      off\nmicrophone  off\nlocation    off\n");
     daemon_->Kill();
@@ -49,18 +52,17 @@ TEST_F(MonitorTest, ABoardFitsTheTerminalAndLeavesItAsItWas)
     const tcflag_t modes = monitor.LocalModes();
     monitor.AwaitBoard("location    off\n");
     EXPECT_EQ(monitor.LocalModes() & static_cast<tcflag_t>(ICANON | ECHO), 0U);
-    EXPECT_NE(monitor.Bytes().find("\033[1m"), std::string::npos);
+    EXPECT_THAT(monitor.Bytes(), HasSubstr("\033[1m"));
     monitor.Resize(9, 5);
-    EXPECT_EQ(monitor.AwaitBoard("SENSOR  \n").find("microphone"), std::string::npos);
+    EXPECT_THAT(monitor.AwaitBoard("SENSOR  \n"), Not(HasSubstr("microphone")));
     monitor.Signal(SIGTERM);
     EXPECT_EQ(monitor.AwaitEnd(), 0);
-    const std::string end = monitor.Bytes().substr(monitor.Bytes().size() - std::string(GIVE_SCREEN).size());
-    EXPECT_EQ(end, GIVE_SCREEN);
+    EXPECT_THAT(monitor.Bytes(), testing::EndsWith(GIVE_SCREEN));
     EXPECT_EQ(monitor.LocalModes(), modes);
 
     PseudoTerminal plain({"env", "TERM=xterm", "NO_COLOR=1", MONITOR}, busAddress_);
     plain.AwaitBoard("location    off\n");
-    EXPECT_THAT(plain.Bytes(), testing::Not(testing::ContainsRegex("\033\\[[0-9;]*m")));
+    EXPECT_THAT(plain.Bytes(), Not(testing::ContainsRegex("\033\\[[0-9;]*m")));
     plain.Type("q");
     EXPECT_EQ(plain.AwaitEnd(), 0);
 }
@@ -69,29 +71,19 @@ TEST_F(MonitorTest, ABoardKeepsOffATerminalThatItIsNotInFrontOf)
 {
     StartService();
     PseudoTerminal shell({"env", "TERM=xterm", "PS1=$ ", "bash", "--norc", "--noprofile", "-i"}, busAddress_);
-    shell.AwaitBytes("$ ");
-    shell.Type(MONITOR + " & echo began=$((40 + 2))\n");
-    shell.AwaitBytes("began=42");
+    shell.Type("", {"$ "});
+    shell.Type(MONITOR + " & echo began=$((40 + 2))\n", {"began=42"});
     while (service_->ReadLine().find("event listener of process ") != 0 && !HasFailure()) {
     }
     Use("start camera com.example.chat 5");
-    shell.Type("jobs; echo alive=$((40 + 3))\n");
-    shell.AwaitBytes("Running");
-    shell.AwaitBytes("alive=43");
-    EXPECT_EQ(shell.Bytes().find(TAKE_SCREEN), std::string::npos);
-
-    shell.Type("fg\n");
-    shell.AwaitBytes(TAKE_SCREEN);
+    shell.Type("jobs; echo alive=$((40 + 3))\n", {"Running", "alive=43"});
+    EXPECT_THAT(shell.Bytes(), Not(HasSubstr(TAKE_SCREEN)));
+    shell.Type("fg\n", {TAKE_SCREEN});
     shell.AwaitBoard("camera      on     com.example.chat (5)");
-    shell.Type("\x1a");
-    shell.AwaitBytes(GIVE_SCREEN);
-    shell.AwaitBytes("Stopped");
-    shell.Type("fg\n");
-    shell.AwaitBytes(TAKE_SCREEN);
-    shell.Type("q");
-    shell.AwaitBytes(GIVE_SCREEN);
-    shell.Type("echo code=$?; exit\n");
-    shell.AwaitBytes("code=0");
+    shell.Type("\x1a", {GIVE_SCREEN, "Stopped"});
+    shell.Type("fg\n", {TAKE_SCREEN});
+    shell.Type("q", {GIVE_SCREEN});
+    shell.Type("echo code=$?; exit\n", {"code=0"});
     EXPECT_EQ(shell.AwaitEnd(), 0);
 }
 
@@ -123,7 +115,7 @@ TEST_F(MonitorTest, ABrokenPipeEndsItAndTheEmulatorsVariantIsNamed)
     EXPECT_EQ(monitor.AwaitEnd(), 0);
 
     Helper other({"sh", "-c", "exec env LD_LIBRARY_PATH=" LIBRARIES_DIR "/emulator " + MONITOR + " 2>&1"}, busAddress_);
-    EXPECT_NE(other.ReadLine().find("emulator's variant"), std::string::npos);
+    EXPECT_THAT(other.ReadLine(), HasSubstr("emulator's variant"));
     EXPECT_EQ(other.ReadLine(), "listening");
 }
 

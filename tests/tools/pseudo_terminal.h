@@ -5,6 +5,8 @@
 #include <sys/ioctl.h>
 #include <termios.h>
 
+#include <regex>
+
 #include "bus_test.h"
 
 /** A program on a terminal of its own, which it is in front of, and what that terminal shows. */
@@ -14,9 +16,18 @@ public:
         : Helper(command, busAddress, true)
     {}
 
-    void Type(const std::string& keys) const
+    /** Types `keys`, and reads until the terminal has got these texts in their order, after those of an earlier call.
+     */
+    void Type(const std::string& keys, std::initializer_list<std::string> texts = {})
     {
         EXPECT_EQ(write(line_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
+        for (const std::string& text : texts) {
+            size_t found = 0;
+            while ((found = bytes_.find(text, awaited_)) == std::string::npos) {
+                ASSERT_TRUE(Read()) << "no \"" << text << "\" in " << testing::PrintToString(bytes_.substr(awaited_));
+            }
+            awaited_ = found + text.size();
+        }
     }
 
     void Resize(unsigned short columns, unsigned short rows) const
@@ -33,7 +44,8 @@ public:
             const size_t end = bytes_.rfind("\033[J");
             const size_t begin = end == std::string::npos ? end : bytes_.rfind("\033[H", end);
             if (begin != std::string::npos) {
-                std::string board = WithoutSequences(bytes_.substr(begin, end - begin));
+                static const std::regex sequence("\033\\[[^A-Za-z]*[A-Za-z]|\r");
+                const std::string board = std::regex_replace(bytes_.substr(begin, end - begin), sequence, "");
                 if (board.find(text) != std::string::npos) {
                     return board;
                 }
@@ -41,19 +53,6 @@ public:
         } while (Read());
         ADD_FAILURE() << "no board with \"" << text << "\" in " << testing::PrintToString(bytes_);
         return "";
-    }
-
-    /** Reads until the terminal has got `text`, after what an earlier call waited for. */
-    void AwaitBytes(const std::string& text)
-    {
-        size_t found = 0;
-        while ((found = bytes_.find(text, awaited_)) == std::string::npos) {
-            if (!Read()) {
-                ADD_FAILURE() << "no \"" << text << "\" in " << testing::PrintToString(bytes_.substr(awaited_));
-                return;
-            }
-        }
-        awaited_ = found + text.size();
     }
 
     /** Reads up to the end, and waits for it. */
@@ -76,19 +75,6 @@ public:
     }
 
 private:
-    static std::string WithoutSequences(const std::string& text)
-    {
-        std::string plain;
-        for (size_t i = 0; i < text.size(); ++i) {
-            if (text[i] == '\033') {
-                i = std::min(text.size(), text.find_first_of("ABCDHJKhlm", i)); // Its last letter.
-            } else if (text[i] != '\r') {
-                plain += text[i];
-            }
-        }
-        return plain;
-    }
-
     /** Reads more. False at the end, or after a while. */
     bool Read()
     {

@@ -94,7 +94,7 @@ TEST_F(ServiceTest, TheServiceEndsItsPushesBeforeItGoes)
     EXPECT_EQ(service_->AwaitEnd(), 0);
 }
 
-TEST_F(ServiceTest, AWatcherTriesAgainWhereTheServiceIsBackAndStandsStill)
+TEST_F(ServiceTest, AWatcherPrintsEventsAndTriesAgainWhereTheServiceIsBackAndStandsStill)
 {
     StartService();
     Helper watcher({"sh", "-c", "exec " + CTL + " watch 2>&1"}, busAddress_);
@@ -118,6 +118,11 @@ TEST_F(ServiceTest, AWatcherTriesAgainWhereTheServiceIsBackAndStandsStill)
     EXPECT_EQ(line, "the service is gone");
     StartService();
     prints({"the service is back", "switch listener registered", "event listener registered"});
+    Use("start camera com.example.maps 5");
+    std::vector<std::string> events = {watcher.ReadLine().substr(12), watcher.ReadLine().substr(12)}; // In any order.
+    std::sort(events.begin(), events.end());
+    EXPECT_EQ(
+        events, (std::vector<std::string>{"  indicator  camera on", "  use        camera by com.example.maps on"}));
     watcher.Signal(SIGTERM);
     prints({"switch listener unregistered"});
 }
