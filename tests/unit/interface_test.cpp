@@ -139,7 +139,7 @@ protected:
     const IndicatorPosition somewhere = *Read<IndicatorPosition>(POSITION.bytes);
     const IndicatorSize small = *Read<IndicatorSize>(SIZE.bytes);
     const UsageQuery usage = *Read<UsageQuery>(QUERY.bytes);
-    const Lines noDetail = {Line('E', "Unmarshalling: new PrivacyEventDetail failed.", "privacyIndicator")};
+    const Lines noDetail = Line('E', "Unmarshalling: new PrivacyEventDetail failed.", "privacyIndicator");
 
     const std::vector<Request> requests = {
         {1, [this](auto& s) { return s.RegisterPrivacyEventListener("a\xC3\xA9\xE2\x82\xAC", eventListener); },
@@ -154,7 +154,7 @@ protected:
             I32(-4) + I32(22), "DetailsOf" + I32(-4) + I32(22), {}, {{-4, "userId"}, {22, "privacySensorType"}},
             "PrivacyEventDetail", DETAIL, noDetail},
         {5, Query<IndicatorData>([](auto& s, auto& out) { return s.GetActiveIndicators(out); }), {}, "Active", {}, {},
-            "IndicatorData", DATA, {Line('E', "Unmarshalling: new Indicator failed.")}},
+            "IndicatorData", DATA, Line('E', "Unmarshalling: new Indicator failed.")},
         {6, [this](auto& s) { return s.TurnOnIndicator(31, somewhere, small, 33); },
             I32(31) + Present(POSITION) + Present(SIZE) + I32(33),
             "On" + I32(31) + POSITION.bytes + SIZE.bytes + I32(33), {},
@@ -298,8 +298,8 @@ TEST_F(ServiceTest, StubRefusesWhatItCannotRead)
     // The request, which object the stub has no memory for, and what it logs.
     const std::tuple<size_t, int, Lines> cases[] = {{1, 1, unread("privacyEventListener")},
         {2, 1, unread("privacyEventListener")}, {8, 1, unread("listener")}, {9, 1, unread("listener")},
-        {6, 1, Lines{Line('E', "Unmarshalling: new IndicatorPosition failed.")} + unread("IndicatorPosition")},
-        {6, 2, Lines{Line('E', "Unmarshalling: new IndicatorSize failed.")} + unread("IndicatorSize")},
+        {6, 1, Line('E', "Unmarshalling: new IndicatorPosition failed.") + unread("IndicatorPosition")},
+        {6, 2, Line('E', "Unmarshalling: new IndicatorSize failed.") + unread("IndicatorSize")},
         {10, 1, unread("PermissionUsageDurationQuery")}};
     for (const auto& [code, nth, lines] : cases) {
         remote->whenCalled = [nth = nth] { Failing::nthNew = nth; };
@@ -310,14 +310,13 @@ TEST_F(ServiceTest, StubRefusesWhatItCannotRead)
 TEST_F(ListenerTest, SwitchChangesAreSentOneWay)
 {
     const auto proxyLine = [](const std::string& message, char level = 'I') {
-        return Lines{Line(level, "OnSwitchChanged: " + message, "service")};
+        return Line(level, "OnSwitchChanged: " + message, "service");
     };
     const Lines begin = proxyLine("OnSwitchChanged begin in proxy");
     const Lines written = begin + proxyLine("Write parcelable success  in proxy:'" + DATA.text + "'");
-    const std::string received = Line('I', "OnRemoteRequest: OnRemoteRequest called in stub.");
-    const Lines called = written + Lines{received};
-    const Lines heard = {
-        Line('I', "OnSwitchChanged: OnRemoteRequest called in stub impl. 305419896"), "heard " + DATA.text};
+    const Lines received = Line('I', "OnRemoteRequest: OnRemoteRequest called in stub.");
+    const Lines heard =
+        Line('I', "OnSwitchChanged: OnRemoteRequest called in stub impl. 305419896") + Lines{"heard " + DATA.text};
     const Lines end = proxyLine("OnSwitchChanged end in proxy");
     const std::string proxyName = "IndicatorSwitchListenerProxy";
     const std::string stubName = "IndicatorSwitchListenerStub";
@@ -330,16 +329,15 @@ TEST_F(ListenerTest, SwitchChangesAreSentOneWay)
 
     remote->target = new Indicator::IndicatorSwitchListenerStubImpl(
         [](const auto& got) { Journal::Add("heard " + got.ToString()); });
-    EXPECT_EQ(Journal::Take(), (Lines{Line('I', proxyName + ": create " + proxyName, "service"),
-                                   Line('I', stubName + ": create " + stubName)}));
-    expect(called + heard + end);
+    EXPECT_EQ(Journal::Take(),
+        Line('I', proxyName + ": create " + proxyName, "service") + Line('I', stubName + ": create " + stubName));
+    expect(written + received + heard + end);
     EXPECT_EQ(remote->header, (std::vector<int64_t>{0, 1, 8}));
     EXPECT_EQ(remote->request, Token(SWITCH_DESCRIPTOR) + Present(DATA));
 
     remote->whenCalled = [] { Failing::nthNew = 1; };
-    expect(called +
-           Lines{Line('E', "Unmarshalling: new Indicator failed."),
-               Line('E', "OnRemoteRequest: read privacy indicator from parcel failed.")} +
+    expect(written + received + Line('E', "Unmarshalling: new Indicator failed.") +
+           Line('E', "OnRemoteRequest: read privacy indicator from parcel failed.") +
            proxyLine("SendRequest is failed, error code: -1.", 'E') + end);
     for (const auto& [value, message] : {std::make_pair(0x12345678, "Write parcelable failed  in proxy."),
              std::make_pair(Failing::TOKEN, "WriteInterfaceToken failed")}) {
@@ -352,11 +350,11 @@ TEST_F(ListenerTest, SwitchChangesAreSentOneWay)
     MessageParcel reply;
     MessageOption option;
     EXPECT_EQ(remote->target->SendRequest(0, other, reply, option), 10);
-    EXPECT_EQ(Journal::Take(), (Lines{received, Line('E', "OnRemoteRequest: verify descriptor failed")}));
+    EXPECT_EQ(Journal::Take(), received + Line('E', "OnRemoteRequest: verify descriptor failed"));
     remote->target = nullptr;
-    EXPECT_EQ(Journal::Take(), Lines{Line('I', "~" + stubName + ": destroy " + stubName)});
+    EXPECT_EQ(Journal::Take(), Line('I', "~" + stubName + ": destroy " + stubName));
     proxy = new Indicator::IndicatorSwitchListenerProxy(nullptr);
-    EXPECT_EQ(Journal::Take().back(), Line('I', "~" + proxyName + ": destroy " + proxyName, "service"));
+    EXPECT_EQ(Lines{Journal::Take().back()}, Line('I', "~" + proxyName + ": destroy " + proxyName, "service"));
     expect(written + proxyLine("remote is null!", 'E'));
 }
 
@@ -374,15 +372,14 @@ TEST_F(ListenerTest, EventsAreSentAndWaitedFor)
         return Journal::Take();
     };
     const auto failed = [](const std::string& message) {
-        return Lines{Line('E', "OnPrivacyEventChanged: " + message + " failed!")};
+        return Line('E', "OnPrivacyEventChanged: " + message + " failed!");
     };
     const Bytes head = Token(EVENT_DESCRIPTOR) + Str("audio");
     EXPECT_EQ(send(2), Lines{"audio 2 " + REMIND_INFO.text});
     EXPECT_EQ(remote->header, (std::vector<int64_t>{0, 0, 8}));
     EXPECT_EQ(remote->request, head + I32(2) + Times(2, Present(REMIND_INFO)));
-    const std::string skipped = Line('D', "OnRemoteRequest: privacyEventRemindInfo is null");
-    const Lines noMemory = {
-        Line('E', "Unmarshalling: new PrivacyEventRemindInfo failed.", "privacyIndicator"), skipped};
+    const Lines skipped = Line('D', "OnRemoteRequest: privacyEventRemindInfo is null");
+    const Lines noMemory = Line('E', "Unmarshalling: new PrivacyEventRemindInfo failed.", "privacyIndicator") + skipped;
     Failing::nthNew = 2;
     EXPECT_EQ(send(2), noMemory + Lines{"audio 1 " + REMIND_INFO.text});
     Failing::nthNew = 1; // An event whose only record cannot be read is one all the same.
@@ -390,11 +387,10 @@ TEST_F(ListenerTest, EventsAreSentAndWaitedFor)
     // As many as fit are sent, and received.
     const Lines most = send(LIMIT);
     const size_t sent = LIMIT + 1 - most.size();
-    EXPECT_EQ(most, Lines(LIMIT - sent, skipped) + Lines{"audio " + std::to_string(sent) + " " + REMIND_INFO.text});
-    EXPECT_EQ(remote->request.find(head + I32(LIMIT) + Times(static_cast<int>(sent), Present(REMIND_INFO))), 0U);
+    EXPECT_EQ(most, Lines(LIMIT - sent, skipped[0]) + Lines{"audio " + std::to_string(sent) + " " + REMIND_INFO.text});
     for (const size_t count : {0U, LIMIT + 1U}) {
-        EXPECT_EQ(send(count),
-            Lines{Line('E', "OnRemoteRequest: error privacyEventRemindInfo size!")} + failed("Send request"));
+        EXPECT_EQ(
+            send(count), Line('E', "OnRemoteRequest: error privacyEventRemindInfo size!") + failed("Send request"));
     }
     {
         const Failing failing(2); // The count: what can be written is sent all the same.
@@ -405,7 +401,6 @@ TEST_F(ListenerTest, EventsAreSentAndWaitedFor)
         remote->error = error;
         EXPECT_EQ(send(2), failed("Send request"));
     }
-    EXPECT_EQ(remote->calls, 9);
     {
         const Failing failing(Failing::TOKEN);
         EXPECT_EQ(send(2), failed("Write interface token"));
@@ -415,7 +410,7 @@ TEST_F(ListenerTest, EventsAreSentAndWaitedFor)
     dataType = "audio";
     EXPECT_EQ(remote->calls, 9);
     proxy = new Privacy::PrivacyEventListenerProxy(nullptr);
-    EXPECT_EQ(send(2), Lines{Line('E', "OnPrivacyEventChanged: Remote is nullptr!")});
+    EXPECT_EQ(send(2), Line('E', "OnPrivacyEventChanged: Remote is nullptr!"));
 }
 
 } // namespace

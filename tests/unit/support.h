@@ -23,9 +23,9 @@ using Lines = std::vector<std::string>;
 inline Lines Labelled(const std::string& message) { return {"E 3 0xd005610 PrivacyIndicatorService: " + message}; }
 
 /** A line under a source file's tag; its end is "function: message". */
-inline std::string Line(char level, const std::string& end, const std::string& tag = "PrivacyIndicator")
+inline Lines Line(char level, const std::string& end, const std::string& tag = "PrivacyIndicator")
 {
-    return std::string(1, level) + " 3 0xd005610 KRV: [QNL][" + tag + "]" + end;
+    return {std::string(1, level) + " 3 0xd005610 KRV: [QNL][" + tag + "]" + end};
 }
 
 inline Lines operator+(Lines lines, const Lines& more)

@@ -11,16 +11,16 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test {
 namespace {
 
-Lines Initialize(char level, const std::string& message) { return {Line(level, "InitializeProxy: " + message)}; }
+Lines Initialize(char level, const std::string& message) { return Line(level, "InitializeProxy: " + message); }
 
 const Lines NEW_RECIPIENT = Initialize('I', "new deathRecipient");
 const Lines SUCCESS = Initialize('I', "LoadSystemAbility succeed");
 const Lines KNOWN = Initialize('I', "it has been initialized, ignore.");
 const Lines DEAD_PROXY = Initialize('I', "iRemoteObject is dead, let's initialize proxy.");
 const Lines NO_SERVICE = Initialize('E', "SA=66090 is nullptr, please check.");
-const Lines DROPPED = {Line('I', "ResetProxy: remove deathRecipient and set proxy to nullptr done.")};
-const Lines NOTHING_TO_DROP = {Line('W', "ResetProxy: proxy is nullptr, ignore.")};
-const Lines CALL = {Line('I', "TurnOffIndicator: TurnOffIndicator")};
+const Lines DROPPED = Line('I', "ResetProxy: remove deathRecipient and set proxy to nullptr done.");
+const Lines NOTHING_TO_DROP = Line('W', "ResetProxy: proxy is nullptr, ignore.");
+const Lines CALL = Line('I', "TurnOffIndicator: TurnOffIndicator");
 
 // Leaves a client without proxy and without death recipient.
 class VariantTest : public testing::Test {
@@ -108,7 +108,7 @@ TEST_F(VariantTest, NoProxyWithoutCreator)
     EXPECT_TRUE(brokers.Register(descriptor, BrokerCreator<Homeless>(), nullptr));
     EXPECT_EQ(Logged({initialize, initialize}), SUCCESS + DEAD_PROXY + SUCCESS);
     const std::string noObject = "ResetProxy: iRemoteObject is nullptr, failed to RemoveDeathRecipient, ignore.";
-    EXPECT_EQ(Logged({reset}), (Lines{Line('W', noObject), Line('I', "ResetProxy: set proxy to nullptr done.")}));
+    EXPECT_EQ(Logged({reset}), Line('W', noObject) + Line('I', "ResetProxy: set proxy to nullptr done."));
     brokers.Unregister(descriptor);
     EXPECT_TRUE(brokers.Register(descriptor, BrokerCreator<PrivacyIndicatorServiceIntfProxy>(), nullptr));
     EXPECT_EQ(Logged({initialize}), SUCCESS); // With the recipient that was kept.
@@ -121,7 +121,7 @@ TEST_F(EmulatorTest, RequestsReturnSuccessAndTouchNothing)
 {
     const auto service = ProvideNew();
     expected = 0;
-    EXPECT_EQ(Logged({call}), CALL + Lines{Line('I', "WithSystemAbilityProxy: emulator is not support")});
+    EXPECT_EQ(Logged({call}), CALL + Line('I', "WithSystemAbilityProxy: emulator is not support"));
     EXPECT_EQ(service->calls, 0);
     EXPECT_EQ(Logged({reset}), NOTHING_TO_DROP);
 }
@@ -149,7 +149,7 @@ TEST_F(DeviceTest, ACallUnderWayHoldsUpNobody)
 TEST_F(DeviceTest, WithoutAServiceACallIsRunAndReturnsSuccess)
 {
     expected = 0;
-    EXPECT_EQ(Logged({call}), CALL + NO_SERVICE + Lines{Line('E', "TurnOnIndicator: proxy is nullptr, please check.")});
+    EXPECT_EQ(Logged({call}), CALL + NO_SERVICE + Line('E', "TurnOnIndicator: proxy is nullptr, please check."));
 }
 
 TEST_F(DeviceTest, AListenerThatGoesAtExitMayCallTheClient)
@@ -157,10 +157,10 @@ TEST_F(DeviceTest, AListenerThatGoesAtExitMayCallTheClient)
     struct Listener : Indicator::IndicatorSwitchListener {
         void OnSwitchChanged(const IndicatorData& /* data */) override {}
     };
-    const auto end = [this, other = std::make_shared<Listener>()](Listener* listener) {
-        delete listener;
+    const auto end = [this](Listener* listener) {
         Journal::Take();
-        client.UnregisterPrivacyIndicatorSwitchListener(other); // The registry is whole, and empty already.
+        // The registry is whole, and empty already.
+        client.UnregisterPrivacyIndicatorSwitchListener({std::shared_ptr<void>(), listener});
         _exit(Journal::Take().empty() ? 1 : 0);
     };
     const auto registerAndExit = [&] {
