@@ -17,33 +17,29 @@ sptr<PrivacyIndicatorServiceIntf> Service()
 
 // The listeners are kept for good: events may come during exit.
 template <typename T>
-sptr<T> Kept(const sptr<T>& listener)
+sptr<T> Kept(T* listener)
 {
     static auto& kept = *new std::vector<sptr<RefBase>>();
     return kept.emplace_back(listener), listener;
 }
 
-// Registers a listener that prints its events: "use SENSOR STATE NAME" or "switch SENSOR STATE".
+// Registers a listener that prints its events: "use NAME" or "switch SENSOR".
 int32_t RegisterForUses()
 {
-    const auto print = [](const std::string& /* dataType */,
-                           const std::vector<Privacy::PrivacyEventRemindInfo>& infos) {
-        const auto& info = infos.at(0);
-        PeerTest::WaitWhileHeld("use " + std::to_string(info.privacySensorType) + " " +
-                                std::to_string(info.privacyAccessState) + " " + info.bundleName);
+    const auto print = [](const auto& /* dataType */, const auto& infos) {
+        PeerTest::WaitWhileHeld("use " + infos.at(0).bundleName);
     };
-    const sptr<Privacy::PrivacyEventListenerIntf> listener = new Privacy::PrivacyEventListenerStubImpl(print);
-    return Service()->RegisterPrivacyEventListener("sensorStateChange", Kept(listener));
+    return Service()->RegisterPrivacyEventListener(
+        "sensorStateChange", Kept(new Privacy::PrivacyEventListenerStubImpl(print)));
 }
 
 int32_t RegisterForSwitches()
 {
     const auto print = [](const Indicator::IndicatorData& data) {
-        PeerTest::WaitWhileHeld("switch " + std::to_string(static_cast<int>(data.privacySensorType)) + " " +
-                                std::to_string(static_cast<int>(data.state)));
+        PeerTest::WaitWhileHeld("switch " + std::to_string(static_cast<int>(data.privacySensorType)));
     };
-    const sptr<Indicator::IndicatorSwitchListenerIntf> listener = new Indicator::IndicatorSwitchListenerStubImpl(print);
-    return Service()->RegisterPrivacyIndicatorSwitchListener(Kept(listener));
+    return Service()->RegisterPrivacyIndicatorSwitchListener(
+        Kept(new Indicator::IndicatorSwitchListenerStubImpl(print)));
 }
 
 using ServiceTest = ToolsTest;
@@ -85,12 +81,12 @@ TEST_F(ServiceTest, TheServiceEndsItsPushesBeforeItGoes)
     Helper& other = Start();
     app.Hears({"up 66090"});
     Use("start camera x 1\nstart microphone x 1");
-    EXPECT_EQ(app.Events(2), (std::vector<std::string>{"switch 0 0", "use 0 1 x"})); // Where they stay.
+    EXPECT_EQ(app.Events(2), (std::vector<std::string>{"switch 0", "use x"})); // Where they stay.
     service_->Signal(SIGTERM);
     other.Await("28", RegisterForUses); // No push begins any more, of either kind, and the service is still there.
     other.Await("28", RegisterForSwitches);
     app.Ask(PeerTest::Release);
-    app.Hears({"switch 1 0", "down 66090"}); // Was sent before.
+    app.Hears({"switch 1", "down 66090"}); // Was sent before.
     EXPECT_EQ(service_->AwaitEnd(), 0);
 }
 

@@ -127,8 +127,12 @@ protected:
             std::vector<T> records(1);
             const int32_t result = query(asked, records);
             EXPECT_EQ(records.at(0).ToString(), T().ToString());
+            std::map<std::string, int> appended;
             for (size_t i = 1; i < records.size(); ++i) {
-                Journal::Add(records[i].ToString());
+                ++appended[records[i].ToString()];
+            }
+            for (const auto& [text, count] : appended) {
+                Journal::Add(std::to_string(count) + " " + text);
             }
             return result;
         };
@@ -230,7 +234,7 @@ TEST_F(ServiceTest, RecordsOfAReplyAreLimited)
         remote->target = service;
         remote->answer.clear();
         service->elements = LIMIT;
-        Expect(query.send, 0, call + Lines(LIMIT, query.sample.text));
+        Expect(query.send, 0, call + Lines{"102400 " + query.sample.text});
         service->elements = LIMIT + 1;
         Expect(query.send, 5, call + TOO_MANY + UNSENT);
         EXPECT_EQ(remote->replied, I32(0));
@@ -250,7 +254,7 @@ TEST_F(ServiceTest, RecordsOfAReplyAreLimited)
         remote->answer = I32(0) + I32(LIMIT + 1) + one;
         Expect(query.send, 5, TOO_MANY);
         remote->answer = I32(0) + I32(77) + one; // What comes before the end stays.
-        Expect(query.send, 5, Cannot("Read", query.record) + Lines{query.sample.text});
+        Expect(query.send, 5, Cannot("Read", query.record) + Lines{"1 " + query.sample.text});
         remote->whenCalled = [] { Failing::nthNew = 1; };
         Expect(query.send, 5, query.noMemory + Cannot("Read", query.record));
         remote->answer = I32(0) + I32(INT32_MIN) + one;
