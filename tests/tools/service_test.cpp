@@ -121,6 +121,7 @@ TEST_F(ServiceTest, AWatcherPrintsEventsAndTriesAgainWhereTheServiceIsBackAndSta
         events, (std::vector<std::string>{"  indicator  camera on", "  use        camera by com.example.maps on"}));
     watcher.Signal(SIGTERM);
     prints({"switch listener unregistered"});
+    EXPECT_EQ(watcher.AwaitEnd(), 0);
 }
 
 } // namespace
