@@ -35,13 +35,15 @@ Standard input says which application uses which sensor (camera, microphone or l
     start camera com.example.chat 20010043
     stop camera com.example.chat 20010043
 What it cannot read it names on standard error, with the line's number, and goes on. The end of the input does not end
-it; SIGINT and SIGTERM do.
+it; SIGINT and SIGTERM do. In the background of a terminal it reads nothing.
 
 With --watch camera=/dev/video0, the camera is also in use while a process has that file open; any file can stand for a
 sensor. Of other users' processes only root sees what they have open.
 
 Exit codes: 0 ended by a signal, 1 cannot be the service (any more) or watch a file, 2 wrong usage.
 )";
+
+constexpr int FOREGROUND_TICK = 1000; // Milliseconds after which a process in the background looks where it is.
 
 enum ExitCode { EXIT_ENDED = 0, EXIT_NO_SERVICE = 1, EXIT_USAGE = 2 };
 
@@ -84,15 +86,24 @@ bool Publish(const sptr<ISystemAbilityManager>& manager, const sptr<Testing::InM
     return false;
 }
 
+// In the background, what is typed on the terminal is for others, and reading it would stop this process.
+bool MayReadInput()
+{
+    const pid_t foreground = tcgetpgrp(STDIN_FILENO); // -1 if it is no terminal.
+    return foreground == -1 || foreground == getpgrp();
+}
+
 // Takes sensor use from standard input and the files until `ended` can be read.
 void Serve(Testing::InMemoryService& service, FileWatch& files, int ended)
 {
     SensorInput input(STDIN_FILENO, service);
     std::array<pollfd, 3> wait{{{ended, POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}, {files.GetFd(), POLLIN, 0}}};
-    while (wait[0].revents == 0) {
-        const int count = poll(wait.data(), wait.size(), -1);
-        if (count > 0 && wait[1].revents != 0 && !input.Read()) {
-            wait[1] = {-1, 0, 0}; // Read to its end: not waited for any more.
+    for (bool isAtEnd = false; wait[0].revents == 0;) {
+        const bool mayRead = MayReadInput();
+        wait[1].fd = mayRead && !isAtEnd ? STDIN_FILENO : -1;
+        const int count = poll(wait.data(), wait.size(), mayRead ? -1 : FOREGROUND_TICK);
+        if (count > 0 && wait[1].revents != 0 && MayReadInput()) {
+            isAtEnd = !input.Read();
         }
         if (count > 0 && wait[2].revents != 0) {
             files.Look();
