@@ -45,8 +45,9 @@ mkfifo "$work/said"
 "$platform/bin/ohos_bus" sh -euc '
     "$2/examples/indicator_service" </dev/null >"$1/said" &
     read -r ready <"$1/said"
+    "$2/examples/indicator_ctl" on camera
     "$1/build/consumer" >"$1/output"
     kill $!
     wait $!
 ' sh "$work" "$build" || fail "it has no answer from a service"
-echo "result 0, 0 active indicators" | diff - "$work/output" || fail "beside a service, it prints something else"
+echo "result 0, 1 active indicators" | diff - "$work/output" || fail "beside a service, it prints something else"
