@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# usage: pages.sh CMAKE SOURCE_DIR BUILD_DIR
+# usage: pages.sh CMAKE CXX SOURCE_DIR BUILD_DIR
 # Runs the commands of README.md and docs/*.md in their order, and compares what comes with what the pages show. A block
-# "console NAME" is what a page's terminal NAME shows, and what is typed there; a block "text NAME" is the board on it.
+# "console NAME" is what a page's terminal NAME shows, and what is typed there; a block "text NAME" is the board on it. A
+# page's programs are in a folder of its name in the user's home.
 set -euo pipefail
-cmake=$1 source=$2 build=$3
+cmake=$1 source=$3 build=$4
 
 readonly patience=60                    # Seconds that something is waited for.
 declare -A terminal keys screen running # By a terminal's name: its process, its two ends, the program in front of it.
@@ -42,11 +43,11 @@ prompt()
     running[$1]=
 }
 
-# end NAME: ends the program in front of the terminal, if there is one.
+# end NAME [KEY]: ends the program in front of the terminal, if there is one.
 end()
 {
     deadline=$((SECONDS + patience))
-    [[ -z ${running[$1]} ]] || { printf '\003' >&"${keys[$1]}" && prompt "$1"; }
+    [[ -z ${running[$1]} ]] || { printf '%s' "${2:-$'\003'}" >&"${keys[$1]}" && prompt "$1"; }
 }
 
 # settle NAME TEXT: waits until the program has shown it. One that stays may show it among other lines and in any order,
@@ -57,7 +58,7 @@ settle()
     expected=$(masked <<<"$2")
     case ${running[$1]} in
     *indicator_monitor) until next "$1" J && [[ $shown == *there* && $shown != *unknown* ]]; do :; done ;;
-    *indicator_service | *--lines )
+    *service | *app | *--lines)
         while read -r line; do
             until [[ $lines == *$'\n'"$line"$'\n'* ]]; do
                 next "$1" $'\n'
@@ -86,14 +87,16 @@ play()
     fi
     while IFS= read -r line; do
         case $line in
-        '$ '*)
-            [[ -z $isRun ]] || settle "$1" "$text"
-            end "$1"
-            running[$1]=${line#'$ '} isRun=yes text=
-            echo "${running[$1]}" >&"${keys[$1]}"
+        '$ '* | '^C' | '^D')
+            [[ -z $isRun$text ]] || settle "$1" "$text"
+            if [[ $line == '^D' ]]; then end "$1" $'\004'; else end "$1"; fi
+            isRun='' text=''
+            if [[ $line == '$ '* ]]; then
+                running[$1]=${line#'$ '} isRun=yes
+                echo "${running[$1]}" >&"${keys[$1]}"
+            fi
             ;;
-        '^C') end "$1" ;;
-        'start '* | 'stop '*) echo "$line" >&"${keys[$1]}" ;;
+        'start '* | 'stop '* | switch) echo "$line" >&"${keys[$1]}" ;;
         *) text+=${text:+$'\n'}$line ;;
         esac
     done <<<"$2"
@@ -109,7 +112,7 @@ check()
     './dev '*) ./dev | grep "^  $(cut -d ' ' -f 2 <<<"$1") " ;;
     *' --preset release') "$cmake" --list-presets=all | grep '"release"' ;;
     'ctest --test-dir build/release '*) eval "$1 -N" | grep 'Total Tests: [1-9]' ;;
-    'cmake -B build '*) grep -F docs/guide.md tests/guide.sh ;;
+    'cmake -G Ninja -B build '*) (cd ~/guide && eval "$1") ;;
     'cmake -G Ninja -B build/device '*) grep -F -e -DQNL_PLATFORM_LIBRARY_DIRS= tests/external_platform.sh ;;
     'indicator_ctl '*) grep -F "\$ $1" "$page" ;; # In a terminal.
     'cmake --install '* | '. examples/'*) eval "$1" ;;
@@ -117,6 +120,14 @@ check()
     'man '*) [[ ! -e ${1#man } ]] || grep '^\.TH' "${1#man }" ;;
     *) echo "nothing runs it" && false ;;
     esac >"$work/output" 2>&1 || fail "$1:" "$(<"$work/output")"
+}
+
+check_all()
+{
+    local line
+    while read -r line; do
+        check "$line" </dev/null
+    done <"$work/page/commands"
 }
 
 # The project's folder, as it is after ./dev build, and a shell whose prompt is easy to find.
@@ -127,12 +138,15 @@ ln -s "$build" "$work/project/build/release"
 printf '%s\n' "PS1='\a\$?$ '; set +o emacs; stty columns 76 rows 18" >"$work/home/.bashrc"
 unset LD_LIBRARY_PATH OHOS_BUS_ADDRESS CMAKE_PREFIX_PATH HILOG_LEVEL NO_COLOR
 shopt -s nullglob
-export HOME=$work/home SHELL=$BASH TERM=xterm
+export HOME=$work/home SHELL=$BASH TERM=xterm CXX=$2
 cd "$work/project"
 
 for page in README.md docs/*.md; do
-    rm -rf "$work/page" && mkdir "$work/page"
-    sed "s|/tmp/qnl-bus|$work/bus|g" "$page" | awk -v folder="$work/page" '
+    programs=~/$(basename "$page" .md)
+    rm -rf "$work/page" && mkdir -p "$work/page" "$programs"
+    sed "s|/tmp/qnl-bus|$work/bus|g" "$page" | awk -v folder="$work/page" -v programs="$programs" '
+        /^```/ { program = $1 == "```cmake" ? "CMakeLists.txt" : $1 == "```cpp" ? $2 : "" }
+        program && !/^```/ { print > (programs "/" program) }
         /^```/ { isBlock = !isBlock; file = folder "/" 1000 + NR; sub(/^```/, "") }
         { print > (isBlock ? file : folder "/prose") }'
     ! grep -E '^    [^ ]' "$work/page/prose" >&2 || fail "the block above is not fenced"
@@ -146,7 +160,10 @@ for page in README.md docs/*.md; do
             text=$(masked <<<"$text" | sort)
             until next "$name" J && [[ $(masked <<<"${shown##*$'\e[H'}" | sort) == "$text" ]]; do :; done
             ;;
-        'sh ') sed -E ':join; /\\$/ { N; s/\\\n *//; t join }; s/ *#.*//' <<<"$text" >>"$work/page/commands" ;;
+        'sh ')
+            sed -E ':join; /\\$/ { N; s/\\\n *//; t join }; s/ *#.*//' <<<"$text" >"$work/page/commands"
+            check_all
+            ;;
         'cpp ') diff <(tail -n +2 tests/consumer/main.cpp) - <<<"$text" >&2 || fail "this is not tests/consumer" ;;
         *) ! grep -E '^(\$|\./)' <<<"$text" >&2 || fail "the line above is in a block \"$kind $name\"" ;;
         esac
@@ -158,9 +175,7 @@ for page in README.md docs/*.md; do
         rm "$work/$name"
     done
     terminal=()
-    awk -v RS='`' 'NR % 2 == 0' "$work/page/prose" | grep -E >>"$work/page/commands" \
+    awk -v RS='`' 'NR % 2 == 0' "$work/page/prose" | grep -E >"$work/page/commands" \
         '^(\./|ctest|cmake |git |man |\. |indicator_[a-z]+ |ohos_bus |platform/samgr/bin|build/release|[A-Z_]{4,}=[^ ]* )' || true
-    while read -r line; do
-        check "$line"
-    done <"$work/page/commands"
+    check_all
 done
