@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: Apache-2.0
 # usage: pages.sh CMAKE CXX SOURCE_DIR BUILD_DIR
 # Runs the commands of README.md and docs/*.md in their order, and compares what comes with what the pages show. A block
-# "console NAME" is what a page's terminal NAME shows, and what is typed there; a block "text NAME" is the board on it. A
-# page's programs are in a folder of its name in the user's home.
+# "console NAME" is what a page's terminal NAME shows, and what is typed there; a block "text NAME" is the board on it.
+# A page's programs are in a folder of its name in the user's home.
 set -euo pipefail
 cmake=$1 source=$3 build=$4
 
@@ -18,11 +18,12 @@ fail()
     exit 1
 }
 
-# masked: without what differs each time, such as times and process ids, and without what only a terminal sees.
+# masked: without what differs each time, such as times and what a shell says of its jobs, and what terminals alone see.
 masked()
 {
     sed -E 's/\x1b\[([?0-9;]*[A-Za-z]|$)//g; s/\r//g; s/ +$//; s/[0-9]{4}-[0-9]{2}-[0-9]{2}/DATE/g
-        s/[0-9]{2}:[0-9]{2}:[0-9]{2}(\.[0-9]{3})?/TIME/g; s/, for [0-9].*/, for A WHILE/; s/^\[1\] [0-9]+/[1] PID/'
+        s/[0-9]{2}:[0-9]{2}:[0-9]{2}(\.[0-9]{3})?/TIME/g; s/, for [0-9].*/, for A WHILE/
+        s/process [0-9]+/process PID/; /^\[1\]/d'
 }
 
 # next NAME DELIMITER: what the terminal shows up to there is left in `shown`.
@@ -87,15 +88,17 @@ play()
     fi
     while IFS= read -r line; do
         case $line in
-        '$ '* | '^C' | '^D')
+        '$ '* | '^C' | '^D' | 'start '* | 'stop '* | switch)
             [[ -z $isRun$text ]] || settle "$1" "$text"
-            if [[ $line == '^D' ]]; then end "$1" $'\004'; else end "$1"; fi
             isRun='' text=''
-            if [[ $line == '$ '* ]]; then
-                running[$1]=${line#'$ '} isRun=yes
-                echo "${running[$1]}" >&"${keys[$1]}"
-            fi
+            ;;&
+        '$ '*)
+            end "$1"
+            running[$1]=${line#'$ '} isRun=yes
+            echo "${running[$1]}" >&"${keys[$1]}"
             ;;
+        '^C') end "$1" ;;
+        '^D') end "$1" $'\004' ;;
         'start '* | 'stop '* | switch) echo "$line" >&"${keys[$1]}" ;;
         *) text+=${text:+$'\n'}$line ;;
         esac
