@@ -19,7 +19,7 @@ constexpr uint32_t LAST_CODE = 0x00ffffff;
 
 IPCObjectProxy::IPCObjectProxy(std::shared_ptr<Transport::Peer> peer, uint64_t id) : peer_(std::move(peer)), id_(id) {}
 
-IPCObjectProxy::~IPCObjectProxy() { peer_->Forget(this, id_); }
+IPCObjectProxy::~IPCObjectProxy() { peer_->Forget(id_); }
 
 int IPCObjectProxy::SendRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option)
 {

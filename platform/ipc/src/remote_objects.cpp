@@ -2,7 +2,6 @@
 // What the transport knows as bare objects are IRemoteObjects: serves its calls, and makes its proxies.
 #include "connection.h"
 #include "ipc_object_proxy.h"
-#include "never_destroyed.h"
 #include "object_layer.h"
 #include "parcel_message.h"
 #include "peer.h"
@@ -64,11 +63,7 @@ private:
 namespace {
 
 // From the moment when this library is loaded.
-const bool IS_SET = [] {
-    static Transport::NeverDestroyed<RemoteObjects> objects;
-    Transport::ObjectLayer::instance = &*objects;
-    return true;
-}();
+[[maybe_unused]] const auto* const IS_SET = Transport::ObjectLayer::instance = new RemoteObjects();
 
 } // namespace
 

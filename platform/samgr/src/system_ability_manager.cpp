@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "iservice_registry.h"
-#include "never_destroyed.h"
 #include "notices.h"
 #include "peers.h"
 #include "process.h"
@@ -302,8 +301,8 @@ SystemAbilityManagerClient& SystemAbilityManagerClient::GetInstance()
 
 sptr<ISystemAbilityManager> SystemAbilityManagerClient::GetSystemAbilityManager()
 {
-    static Transport::NeverDestroyed<sptr<ISystemAbilityManager>> manager(new SystemAbilityManager());
-    return SystemAbilityManager::IsUsable() ? *manager : nullptr;
+    static const auto& manager = *new sptr<ISystemAbilityManager>(new SystemAbilityManager());
+    return SystemAbilityManager::IsUsable() ? manager : nullptr;
 }
 
 } // namespace OHOS

@@ -63,10 +63,16 @@ public:
      * then. An empty answer where there is no bus or no turn.
      */
     template <typename Question>
-    auto Ask(const Question& question) -> decltype(question())
+    auto Ask(const Question& question) noexcept
     {
-        const Turn turn(*this);
-        return turn && isUp_ ? question() : decltype(question())();
+        decltype(question()) answer{};
+        if (TakeTurn()) {
+            if (isUp_) {
+                answer = question();
+            }
+            EndTurn();
+        }
+        return answer;
     }
 
     // Within a question or an observer. Each waits for the daemon, for 8 s at most.
@@ -99,27 +105,6 @@ private:
         std::string name;
         std::string from;
         std::string to;
-    };
-
-    /** One thread's turn with the connection, unless it does not come. */
-    class Turn {
-    public:
-        explicit Turn(Bus& bus) : bus_(bus), isTaken_(bus.TakeTurn()) {}
-        Turn(const Turn&) = delete;
-        Turn& operator=(const Turn&) = delete;
-
-        ~Turn()
-        {
-            if (isTaken_) {
-                bus_.EndTurn();
-            }
-        }
-
-        explicit operator bool() const { return isTaken_; }
-
-    private:
-        Bus& bus_;
-        const bool isTaken_;
     };
 
     bool TakeTurn();

@@ -42,8 +42,8 @@ public:
     /** The one proxy of an object of the peer's. Each time that `isReceived` is released in the end. */
     sptr<RefBase> ProxyOf(uint64_t id, bool isReceived) noexcept;
 
-    /** To be called by a proxy's destructor. */
-    void Forget(const RefBase* proxy, uint64_t id) noexcept;
+    /** To be called by a proxy's destructor. Its place may be another one's by then. */
+    void Forget(uint64_t id) noexcept;
 
     bool Pin(const sptr<RefBase>& object, uint64_t& id) override;
     void Unpin(uint64_t id, uint32_t count) override;
@@ -65,8 +65,7 @@ public:
 private:
     struct Known {
         wptr<RefBase> proxy;
-        const RefBase* address = nullptr; // The proxy's, which may be on its way out.
-        uint32_t received = 0;            // How often the peer sent this object since the proxy was made.
+        uint32_t received = 0; // How often the peer sent this object since the proxy was made.
     };
 
     int Exchange(

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "mutex.h"
-#include "never_destroyed.h"
 #include "refbase.h"
 
 namespace OHOS::Transport {
@@ -19,8 +18,8 @@ class Services {
 public:
     static Services& Get()
     {
-        static NeverDestroyed<Services> services;
-        return *services;
+        static Services& services = *new Services();
+        return services;
     }
 
     /** Makes `object` the service of that number, or with null takes it away. The former one is for the caller to end.

@@ -12,7 +12,6 @@
 #include <thread>
 #include <utility>
 
-#include "never_destroyed.h"
 #include "notices.h"
 #include "process.h"
 
@@ -45,8 +44,8 @@ Bus::Address ReadAddress()
 
 Bus& Bus::Get()
 {
-    static NeverDestroyed<Bus> bus;
-    return *bus;
+    static Bus& bus = *new Bus();
+    return bus;
 }
 
 Bus::Address Bus::GetAddress()
@@ -212,19 +211,13 @@ void Bus::Hear(sd_bus_message* signal)
 
 std::optional<std::string> Bus::OwnerOf(const std::string& name)
 {
-    sd_bus_error error{};
-    sd_bus_message* reply = nullptr;
-    const char* owner = nullptr;
-    std::optional<std::string> found;
-    sd_bus_call_method(bus_, DAEMON, DAEMON_PATH, DAEMON, "GetNameOwner", &error, &reply, "s", name.c_str());
-    if (sd_bus_error_has_name(&error, SD_BUS_ERROR_NAME_HAS_NO_OWNER) > 0) {
-        found = "";
-    } else if (reply != nullptr && sd_bus_message_read(reply, "s", &owner) > 0) {
-        found = owner;
-    }
-    sd_bus_message_unref(reply);
-    sd_bus_error_free(&error);
-    return found;
+    sd_bus_creds* found = nullptr;
+    const char* owner = "";
+    const int error = sd_bus_get_name_creds(bus_, name.c_str(), SD_BUS_CREDS_UNIQUE_NAME, &found);
+    const bool isAnswered = error == -ENXIO || (error >= 0 && sd_bus_creds_get_unique_name(found, &owner) >= 0);
+    const auto answer = isAnswered ? std::optional<std::string>(owner) : std::nullopt;
+    sd_bus_creds_unref(found);
+    return answer;
 }
 
 bool Bus::GetCredentials(const std::string& name, pid_t& pid, uid_t& uid)

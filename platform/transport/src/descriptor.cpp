@@ -9,7 +9,6 @@
 #include <mutex>
 #include <set>
 
-#include "never_destroyed.h"
 #include "process.h"
 
 namespace OHOS::Transport {
@@ -24,7 +23,7 @@ struct Table {
 
 Table& GetTable()
 {
-    static NeverDestroyed<Table> table;
+    static Table& table = *new Table();
     static const int IS_WATCHED = pthread_atfork([] { GetTable().mutex.lock(); }, [] { GetTable().mutex.unlock(); },
         [] {
             Process::MarkForked();
@@ -34,7 +33,7 @@ Table& GetTable()
             GetTable().mutex.unlock();
         });
     static_cast<void>(IS_WATCHED);
-    return *table;
+    return table;
 }
 
 } // namespace

@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "introduction.h"
-#include "never_destroyed.h"
 #include "process.h"
 
 namespace OHOS::Transport {
@@ -25,8 +24,8 @@ constexpr std::chrono::milliseconds PAUSE{100};
 
 Inbound& Inbound::Get()
 {
-    static NeverDestroyed<Inbound> inbound;
-    return *inbound;
+    static Inbound& inbound = *new Inbound();
+    return inbound;
 }
 
 bool Inbound::Listen(Descriptor socket, const ServedConnection::Introduce& introduce)

@@ -4,7 +4,6 @@
 #include <deque>
 
 #include "mutex.h"
-#include "never_destroyed.h"
 #include "process.h"
 
 namespace OHOS::Transport {
@@ -20,8 +19,8 @@ struct Queue {
 
 Queue& GetQueue()
 {
-    static NeverDestroyed<Queue> queue;
-    return *queue;
+    static Queue& queue = *new Queue();
+    return queue;
 }
 
 void Run()

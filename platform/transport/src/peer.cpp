@@ -94,7 +94,6 @@ sptr<RefBase> Peer::ProxyOf(uint64_t id, bool isReceived) noexcept
             stale = std::exchange(known.received, 0);
             proxy = ObjectLayer::instance->NewProxy(shared_from_this(), id);
             known.proxy = wptr<RefBase>(proxy);
-            known.address = proxy.GetRefPtr();
         }
         known.received += isReceived ? 1 : 0;
     }
@@ -104,13 +103,13 @@ sptr<RefBase> Peer::ProxyOf(uint64_t id, bool isReceived) noexcept
     return proxy;
 }
 
-void Peer::Forget(const RefBase* proxy, uint64_t id) noexcept
+void Peer::Forget(uint64_t id) noexcept
 {
     uint32_t received = 0;
     if (Process::IsUsable()) {
         const MutexLock lock(mutex_);
         const auto known = proxies_.find(id);
-        if (known != proxies_.end() && known->second.address == proxy) {
+        if (known != proxies_.end() && known->second.proxy == nullptr) {
             received = known->second.received;
             proxies_.erase(known);
         }

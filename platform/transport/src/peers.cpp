@@ -5,15 +5,14 @@
 
 #include <utility>
 
-#include "never_destroyed.h"
 #include "notices.h"
 
 namespace OHOS::Transport {
 
 Peers& Peers::Get()
 {
-    static NeverDestroyed<Peers> peers;
-    return *peers;
+    static Peers& peers = *new Peers();
+    return peers;
 }
 
 Peers::Peers() { Bus::Get().Observe(*this); }

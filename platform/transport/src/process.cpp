@@ -10,7 +10,6 @@
 #include <thread>
 
 #include "mutex.h"
-#include "never_destroyed.h"
 
 namespace OHOS::Transport {
 
@@ -30,8 +29,8 @@ struct Exit {
 
 Exit& GetExit()
 {
-    static NeverDestroyed<Exit> exit;
-    return *exit;
+    static Exit& exit = *new Exit();
+    return exit;
 }
 
 void BeginExit()
