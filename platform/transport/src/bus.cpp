@@ -211,12 +211,14 @@ void Bus::Hear(sd_bus_message* signal)
 
 std::optional<std::string> Bus::OwnerOf(const std::string& name)
 {
-    sd_bus_creds* found = nullptr;
+    sd_bus_message* reply = nullptr;
     const char* owner = "";
-    const int error = sd_bus_get_name_creds(bus_, name.c_str(), SD_BUS_CREDS_UNIQUE_NAME, &found);
-    const bool isAnswered = error == -ENXIO || (error >= 0 && sd_bus_creds_get_unique_name(found, &owner) >= 0);
+    const int result =
+        sd_bus_call_method(bus_, DAEMON, DAEMON_PATH, DAEMON, "GetNameOwner", nullptr, &reply, "s", name.c_str());
+    const bool hasNone = result == -ENXIO; // What sd-bus makes of the daemon's NameHasNoOwner.
+    const bool isAnswered = hasNone || (result >= 0 && sd_bus_message_read(reply, "s", &owner) > 0);
     const auto answer = isAnswered ? std::optional<std::string>(owner) : std::nullopt;
-    sd_bus_creds_unref(found);
+    sd_bus_message_unref(reply);
     return answer;
 }
 
