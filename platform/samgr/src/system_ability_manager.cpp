@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "system_ability_manager.h"
-
-#include <algorithm>
-#include <memory>
 #include <optional>
+#include <string>
 #include <utility>
 
+#include "availability.h"
+#include "bus.h"
 #include "iservice_registry.h"
-#include "notices.h"
 #include "peers.h"
 #include "process.h"
 #include "services.h"
@@ -17,7 +15,6 @@ namespace OHOS {
 
 using Transport::Bus;
 using Transport::MutexLock;
-using Transport::Notices;
 using Transport::Peers;
 using Transport::Services;
 
@@ -25,11 +22,19 @@ namespace {
 
 constexpr int32_t ERR_NULL_ABILITY = 3; // As the manager of a device calls it.
 const std::string NAME_PREFIX = "ohos.sa.SA";
-const std::string THIS_PROCESS = "this process"; // Where there is no bus.
 
 std::string NameOf(int32_t systemAbilityId) { return NAME_PREFIX + std::to_string(systemAbilityId); }
 
 bool HasBus() { return Bus::GetAddress() == Bus::Address::GIVEN; }
+
+// Whether there can be services at all. Has the bus joined if need be.
+bool IsUsable()
+{
+    if (HasBus() && Transport::Process::IsUsable()) {
+        Bus::Get().Start();
+    }
+    return Transport::Process::IsUsable() && Bus::GetAddress() != Bus::Address::MALFORMED;
+}
 
 sptr<IRemoteObject> AsRemote(const sptr<RefBase>& object) { return dynamic_cast<IRemoteObject*>(object.GetRefPtr()); }
 
@@ -41,257 +46,180 @@ bool Replace(int32_t systemAbilityId, const sptr<IRemoteObject>& object)
     if (former == nullptr) {
         return false;
     }
-    Notices::Post([dropped = std::move(former)] {});
+    Transport::Notices::Post([dropped = std::move(former)] {});
     return true;
 }
 
-} // namespace
-
-SystemAbilityManager::SystemAbilityManager()
-{
-    Peers::Get(); // Which hears of everything first.
-    Bus::Get().Observe(*this);
-}
-
-bool SystemAbilityManager::IsUsable()
-{
-    if (HasBus() && Transport::Process::IsUsable()) {
-        Bus::Get().Start();
-    }
-    return Transport::Process::IsUsable() && Bus::GetAddress() != Bus::Address::MALFORMED;
-}
-
-sptr<IRemoteObject> SystemAbilityManager::GetSystemAbility(int32_t systemAbilityId)
-{
-    if (!IsSystemAbilityId(systemAbilityId) || !IsUsable()) {
-        return nullptr;
-    }
-    const auto id = static_cast<uint64_t>(systemAbilityId);
-    const sptr<RefBase> own = Services::Get().Find(id);
-    if (!HasBus() || (own != nullptr && Bus::Get().IsUp())) {
-        return AsRemote(own);
-    }
-    const auto owner = Bus::Get().Ask([&] {
-        const std::string name = Bus::Get().OwnerOf(NameOf(systemAbilityId)).value_or("");
-        return name.empty() ? nullptr : Peers::Get().Meet(name);
-    });
+// This process's view of the services: its own, and, where there is a bus, everybody's as bus names. Every change of a
+// name's owner is announced as what it is: a removal, an addition, or one after the other. Any thread may call what is
+// of ISystemAbilityManager.
+class SystemAbilityManager : public ISystemAbilityManager, private Bus::Observer {
+public:
+    SystemAbilityManager()
     {
-        const MutexLock lock(mutex_);
-        if (owner == nullptr || removals_.count(systemAbilityId) > 0) {
+        Peers::Get(); // Which hears of everything first.
+        Bus::Get().Observe(*this);
+    }
+
+    sptr<IRemoteObject> GetSystemAbility(int32_t systemAbilityId) override
+    {
+        if (!IsSystemAbilityId(systemAbilityId) || !IsUsable()) {
+            return nullptr;
+        }
+        const auto id = static_cast<uint64_t>(systemAbilityId);
+        const sptr<RefBase> own = Services::Get().Find(id);
+        if (!HasBus() || (own != nullptr && Bus::Get().IsUp())) {
+            return AsRemote(own);
+        }
+        const auto owner = Bus::Get().Ask([&] {
+            const std::string name = Bus::Get().OwnerOf(NameOf(systemAbilityId)).value_or("");
+            return name.empty() ? nullptr : Peers::Get().Meet(name);
+        });
+        if (owner == nullptr || availability_.IsLeaving(systemAbilityId)) {
             return nullptr; // Nobody hears from the next one before the former one's end.
         }
+        return AsRemote(owner->ProxyOf(id, false));
     }
-    return AsRemote(owner->ProxyOf(id, false));
-}
 
-sptr<IRemoteObject> SystemAbilityManager::CheckSystemAbility(int32_t systemAbilityId)
-{
-    return GetSystemAbility(systemAbilityId);
-}
-
-int32_t SystemAbilityManager::AddSystemAbility(
-    int32_t systemAbilityId, const sptr<IRemoteObject>& ability, const SAExtraProp& /* extraProp */)
-{
-    if (ability == nullptr) {
-        return ERR_NULL_ABILITY;
-    }
-    if (!IsSystemAbilityId(systemAbilityId)) {
-        return ERR_INVALID_VALUE;
-    }
-    if (!IsUsable()) {
-        return ERR_DEAD_OBJECT;
-    }
-    const MutexLock changing(changeMutex_);
-    // There to be called before anyone can know of it.
-    const int32_t error = Replace(systemAbilityId, ability) ? ERR_NONE : Own(systemAbilityId);
-    if (error != ERR_NONE) {
-        Replace(systemAbilityId, nullptr);
-        // Should the name have been granted after all, or the bus have come meanwhile.
-        Bus::Get().Ask([&] { return Bus::Get().ReleaseName(NameOf(systemAbilityId)); });
-    }
-    return error;
-}
-
-int32_t SystemAbilityManager::Own(int32_t systemAbilityId)
-{
-    const std::string name = NameOf(systemAbilityId);
-    if (!HasBus()) {
-        OnOwnerChange(name, "", THIS_PROCESS);
-        return ERR_NONE;
-    }
-    const auto isOwn = Bus::Get().Ask([&] { return Bus::Get().RequestName(name); });
-    return !isOwn.has_value() ? ERR_DEAD_OBJECT : *isOwn ? ERR_NONE : ERR_PERMISSION_DENIED;
-}
-
-int32_t SystemAbilityManager::RemoveSystemAbility(int32_t systemAbilityId)
-{
-    if (!IsUsable()) {
-        return ERR_DEAD_OBJECT;
-    }
-    const MutexLock changing(changeMutex_);
-    const std::string name = NameOf(systemAbilityId);
-    if (Services::Get().Find(static_cast<uint64_t>(systemAbilityId)) == nullptr) {
-        return ERR_INVALID_VALUE;
-    }
-    Replace(systemAbilityId, nullptr); // First, so that it is not registered again with a bus that comes meanwhile.
-    if (!HasBus()) {
-        OnOwnerChange(name, THIS_PROCESS, "");
-        return ERR_NONE;
-    }
-    return Bus::Get().Ask([&] { return Bus::Get().ReleaseName(name); }) ? ERR_NONE : ERR_DEAD_OBJECT;
-}
-
-int32_t SystemAbilityManager::SubscribeSystemAbility(
-    int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener)
-{
-    if (!IsSystemAbilityId(systemAbilityId) || listener == nullptr) {
-        return ERR_INVALID_VALUE;
-    }
-    if (!IsUsable()) {
-        return ERR_DEAD_OBJECT;
-    }
+    sptr<IRemoteObject> CheckSystemAbility(int32_t systemAbilityId) override
     {
-        const MutexLock lock(mutex_);
-        Availability& availability = availabilities_[systemAbilityId];
-        if (Find(availability, listener) != availability.subscriptions.end()) {
+        return GetSystemAbility(systemAbilityId);
+    }
+
+    int32_t AddSystemAbility(
+        int32_t systemAbilityId, const sptr<IRemoteObject>& ability, const SAExtraProp& /* extraProp */) override
+    {
+        if (ability == nullptr) {
+            return ERR_NULL_ABILITY;
+        }
+        if (!IsSystemAbilityId(systemAbilityId)) {
+            return ERR_INVALID_VALUE;
+        }
+        if (!IsUsable()) {
+            return ERR_DEAD_OBJECT;
+        }
+        const MutexLock changing(changeMutex_);
+        // There to be called before anyone can know of it.
+        const int32_t error = Replace(systemAbilityId, ability) ? ERR_NONE : Own(systemAbilityId);
+        if (error != ERR_NONE) {
+            Replace(systemAbilityId, nullptr);
+            // Should the name have been granted after all, or the bus have come meanwhile.
+            Bus::Get().Ask([&] { return Bus::Get().ReleaseName(NameOf(systemAbilityId)); });
+        }
+        return error;
+    }
+
+    int32_t RemoveSystemAbility(int32_t systemAbilityId) override
+    {
+        if (!IsUsable()) {
+            return ERR_DEAD_OBJECT;
+        }
+        const MutexLock changing(changeMutex_);
+        // First, so that it is not registered again with a bus that comes meanwhile.
+        if (!Replace(systemAbilityId, nullptr)) {
+            return ERR_INVALID_VALUE;
+        }
+        if (!HasBus()) {
+            availability_.Set(systemAbilityId, false);
             return ERR_NONE;
         }
-        availability.subscriptions.push_back({listener, ++lastSubscription_});
-        if (availability.isUp) {
-            Announce(systemAbilityId, true, availability.subscriptions.back());
-        }
+        const bool isReleased = Bus::Get().Ask([&] { return Bus::Get().ReleaseName(NameOf(systemAbilityId)); });
+        return isReleased ? ERR_NONE : ERR_DEAD_OBJECT;
     }
-    if (HasBus()) {
-        Bus::Get().Ask([&] { // Where there is none yet, once there is.
-            Watch(systemAbilityId);
-            return true;
-        });
-    }
-    return ERR_NONE;
-}
 
-int32_t SystemAbilityManager::UnSubscribeSystemAbility(
-    int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener)
-{
-    if (!Transport::Process::IsUsable()) {
-        return ERR_DEAD_OBJECT;
-    }
-    sptr<ISystemAbilityStatusChange> removed; // Destroyed after the lock.
-    const MutexLock lock(mutex_);
-    const auto known = availabilities_.find(systemAbilityId);
-    if (known != availabilities_.end()) {
-        const auto found = Find(known->second, listener);
-        if (found != known->second.subscriptions.end()) {
-            removed = std::move(found->listener);
-            known->second.subscriptions.erase(found);
-        }
-    }
-    return ERR_NONE;
-}
-
-bool SystemAbilityManager::OnJoined()
-{
-    for (const uint64_t number : Services::Get().GetNumbers()) {
-        const auto id = static_cast<int32_t>(number);
-        const auto isOwn = Bus::Get().RequestName(NameOf(id));
-        if (!isOwn.has_value()) {
-            return false;
-        }
-        if (!*isOwn) { // Another process is the service by now.
-            Replace(id, nullptr);
-        }
-    }
-    std::vector<int32_t> ids;
+    int32_t SubscribeSystemAbility(int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener) override
     {
-        const MutexLock lock(mutex_);
-        for (const auto& [id, availability] : availabilities_) {
-            ids.push_back(id);
+        if (!IsSystemAbilityId(systemAbilityId) || listener == nullptr) {
+            return ERR_INVALID_VALUE;
+        }
+        if (!IsUsable()) {
+            return ERR_DEAD_OBJECT;
+        }
+        if (availability_.Subscribe(systemAbilityId, listener) && HasBus()) {
+            Bus::Get().Ask([&] { return Watch(systemAbilityId); }); // Where there is none yet, once there is.
+        }
+        return ERR_NONE;
+    }
+
+    int32_t UnSubscribeSystemAbility(int32_t systemAbilityId, const sptr<ISystemAbilityStatusChange>& listener) override
+    {
+        if (!Transport::Process::IsUsable()) {
+            return ERR_DEAD_OBJECT;
+        }
+        availability_.Unsubscribe(systemAbilityId, listener);
+        return ERR_NONE;
+    }
+
+    // Null: there is no such object on this host.
+    sptr<IRemoteObject> AsObject() override { return nullptr; }
+
+private:
+    int32_t Own(int32_t systemAbilityId)
+    {
+        if (!HasBus()) {
+            availability_.Set(systemAbilityId, true);
+            return ERR_NONE;
+        }
+        const auto isOwn = Bus::Get().Ask([&] { return Bus::Get().RequestName(NameOf(systemAbilityId)); });
+        return !isOwn.has_value() ? ERR_DEAD_OBJECT : *isOwn ? ERR_NONE : ERR_PERMISSION_DENIED;
+    }
+
+    // The rest runs in a turn with the bus.
+
+    bool OnJoined() override
+    {
+        for (const uint64_t number : Services::Get().GetNumbers()) {
+            const auto id = static_cast<int32_t>(number);
+            const auto isOwn = Bus::Get().RequestName(NameOf(id));
+            if (!isOwn.has_value()) {
+                return false;
+            }
+            if (!*isOwn) { // Another process is the service by now.
+                Replace(id, nullptr);
+            }
+        }
+        for (const int32_t id : availability_.GetSubscribed()) {
+            Watch(id);
+        }
+        return true;
+    }
+
+    void OnLost() override
+    {
+        for (const int32_t id : availability_.GetUp()) {
+            availability_.Set(id, false);
         }
     }
-    for (const int32_t id : ids) {
-        Watch(id);
-    }
-    return true;
-}
 
-void SystemAbilityManager::OnLost()
-{
-    const MutexLock lock(mutex_);
-    for (const auto& [id, availability] : availabilities_) {
-        SetAvailable(id, false);
-    }
-}
-
-void SystemAbilityManager::OnOwnerChange(const std::string& name, const std::string& from, const std::string& to)
-{
-    if (name.rfind(NAME_PREFIX, 0) != 0) {
-        return;
-    }
-    const int32_t id = std::stoi(name.substr(NAME_PREFIX.size()));
-    const auto rest = Peers::Get().TakeLeave(from);
-    const MutexLock lock(mutex_);
-    if (!from.empty()) {
-        SetAvailable(id, false, rest);
-    }
-    if (!to.empty()) {
-        SetAvailable(id, true);
-    }
-}
-
-void SystemAbilityManager::Watch(int32_t systemAbilityId)
-{
-    if (!Bus::Get().Watch(NameOf(systemAbilityId)).empty()) {
-        const MutexLock lock(mutex_);
-        SetAvailable(systemAbilityId, true);
-    }
-}
-
-std::vector<SystemAbilityManager::Subscription>::iterator SystemAbilityManager::Find(
-    Availability& availability, const sptr<ISystemAbilityStatusChange>& listener)
-{
-    return std::find_if(availability.subscriptions.begin(), availability.subscriptions.end(),
-        [&listener](const Subscription& subscription) { return subscription.listener == listener; });
-}
-
-void SystemAbilityManager::SetAvailable(int32_t systemAbilityId, bool isUp, const Transport::Inbound::Rest& rest)
-{
-    Availability& availability = availabilities_[systemAbilityId];
-    if (std::exchange(availability.isUp, isUp) == isUp) {
-        return;
-    }
-    if (!isUp) { // What the service has sent comes before the news of its end.
-        removals_.insert(systemAbilityId);
-        Notices::Post([rest] { Transport::Inbound::Get().Await(rest); });
-    }
-    for (const Subscription& subscription : availability.subscriptions) {
-        Announce(systemAbilityId, isUp, subscription);
-    }
-    if (!isUp) {
-        Notices::Post([this, systemAbilityId] {
-            const MutexLock lock(mutex_);
-            removals_.erase(removals_.find(systemAbilityId));
-        });
-    }
-}
-
-void SystemAbilityManager::Announce(int32_t systemAbilityId, bool isUp, const Subscription& subscription)
-{
-    Notices::Post([this, systemAbilityId, isUp, subscription] {
-        if (IsSubscribed(systemAbilityId, subscription)) {
-            const auto announce = isUp ? &ISystemAbilityStatusChange::OnAddSystemAbility
-                                       : &ISystemAbilityStatusChange::OnRemoveSystemAbility;
-            (*subscription.listener.*announce)(systemAbilityId, "");
+    void OnOwnerChange(const std::string& name, const std::string& from, const std::string& to) override
+    {
+        if (name.rfind(NAME_PREFIX, 0) != 0) {
+            return;
         }
-    });
-}
+        const int32_t id = std::stoi(name.substr(NAME_PREFIX.size()));
+        if (!from.empty()) {
+            availability_.Set(id, false, Peers::Get().TakeLeave(from));
+        }
+        if (!to.empty()) {
+            availability_.Set(id, true);
+        }
+    }
 
-bool SystemAbilityManager::IsSubscribed(int32_t systemAbilityId, const Subscription& subscription)
-{
-    const MutexLock lock(mutex_);
-    Availability& availability = availabilities_[systemAbilityId];
-    const auto found = Find(availability, subscription.listener);
-    return found != availability.subscriptions.end() && found->number == subscription.number;
-}
+    // True if the service is up already.
+    bool Watch(int32_t systemAbilityId)
+    {
+        const bool isUp = !Bus::Get().Watch(NameOf(systemAbilityId)).empty();
+        if (isUp) {
+            availability_.Set(systemAbilityId, true);
+        }
+        return isUp;
+    }
+
+    Availability availability_;
+    Transport::Mutex changeMutex_; // Held while a service of this process comes or goes.
+};
+
+} // namespace
 
 SystemAbilityManagerClient& SystemAbilityManagerClient::GetInstance()
 {
@@ -302,7 +230,7 @@ SystemAbilityManagerClient& SystemAbilityManagerClient::GetInstance()
 sptr<ISystemAbilityManager> SystemAbilityManagerClient::GetSystemAbilityManager()
 {
     static const auto& manager = *new sptr<ISystemAbilityManager>(new SystemAbilityManager());
-    return SystemAbilityManager::IsUsable() ? manager : nullptr;
+    return IsUsable() ? manager : nullptr;
 }
 
 } // namespace OHOS
