@@ -19,12 +19,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <string_view>
 
 namespace {
 
-constexpr const char* LEVEL_LETTERS = "DIWEF"; // From LOG_DEBUG upwards.
-constexpr int LEVEL_OFF = LOG_FATAL + 1;
-constexpr size_t TAG_CAPACITY = 32; // A text's capacity counts its NUL.
+constexpr std::string_view LEVEL_LETTERS = "DIWEF"; // From LOG_DEBUG upwards.
+constexpr size_t TAG_CAPACITY = 32;                 // A text's capacity counts its NUL.
 constexpr size_t MESSAGE_CAPACITY = 4096;
 constexpr size_t LINE_CAPACITY = MESSAGE_CAPACITY + 256; // The rest is for the line's head.
 constexpr unsigned int DOMAIN_MASK = 0xFFFFF;
@@ -61,11 +61,10 @@ private:
     size_t size_ = 0;
 };
 
-bool SkipWord(const char*& at, const char* word)
+bool SkipWord(const char*& at, std::string_view word)
 {
-    const size_t length = std::strlen(word);
-    const bool isThere = std::strncmp(at, word, length) == 0;
-    at += isThere ? length : 0;
+    const bool isThere = std::strncmp(at, word.data(), word.size()) == 0;
+    at += isThere ? word.size() : 0;
     return isThere;
 }
 
@@ -112,9 +111,7 @@ ssize_t WriteAtOnce(const char* data, size_t size)
     const int own = open("/proc/self/fd/2", O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (own >= 0) {
         const ssize_t written = write(own, data, size);
-        const int error = errno;
-        close(own);
-        errno = error;
+        close(own); // Which leaves errno alone: a pipe or a terminal keeps nothing back.
         return written;
     }
     // It is another user's perhaps. A pipe that is ready has room for as much as is written here.
@@ -156,7 +153,7 @@ void PrintLine(LogType type, LogLevel level, unsigned int domain, const char* ta
     const size_t start = line.GetSize();
     line.Append("%02d-%02d %02d:%02d:%02d.%03ld  %d  %d %c %c%05x/%s: %s", local.tm_mon + 1, local.tm_mday,
         local.tm_hour, local.tm_min, local.tm_sec, now.tv_nsec / NANOSECONDS_PER_MILLISECOND, getpid(), gettid(),
-        LEVEL_LETTERS[level - LOG_DEBUG], typeLetter, domain & DOMAIN_MASK, tag, message);
+        LEVEL_LETTERS[static_cast<size_t>(level - LOG_DEBUG)], typeLetter, domain & DOMAIN_MASK, tag, message);
     line.MakePrintable(start);
     line.Append("%c", '\n');
     if (!WriteSilently(line.GetData(), line.GetSize())) {
@@ -166,15 +163,13 @@ void PrintLine(LogType type, LogLevel level, unsigned int domain, const char* ta
 
 int ReadThreshold()
 {
-    const char* name = secure_getenv("HILOG_LEVEL");
-    if (name == nullptr) {
-        return LOG_INFO;
+    const char* const value = secure_getenv("HILOG_LEVEL");
+    const std::string_view name = value != nullptr ? value : "I";
+    if (name == "OFF") {
+        return LOG_FATAL + 1;
     }
-    if (std::strcmp(name, "OFF") == 0) {
-        return LEVEL_OFF;
-    }
-    const char* letter = std::strlen(name) == 1 ? std::strchr(LEVEL_LETTERS, *name) : nullptr;
-    return letter != nullptr ? LOG_DEBUG + static_cast<int>(letter - LEVEL_LETTERS) : LOG_INFO;
+    const size_t index = name.size() == 1 ? LEVEL_LETTERS.find(name) : std::string_view::npos;
+    return index != std::string_view::npos ? LOG_DEBUG + static_cast<int>(index) : LOG_INFO;
 }
 
 bool IsPrinted(LogLevel level)
@@ -183,7 +178,9 @@ bool IsPrinted(LogLevel level)
     return level >= threshold && level <= LOG_FATAL;
 }
 
-int Print(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, va_list arguments)
+} // namespace
+
+int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, ...)
 {
     if (fmt == nullptr) {
         return -1;
@@ -197,7 +194,10 @@ int Print(LogType type, LogLevel level, unsigned int domain, const char* tag, co
     Text<TAG_CAPACITY> shortTag;
     shortTag.Append("%s", tag != nullptr ? tag : "");
     Text<MESSAGE_CAPACITY> message;
+    va_list arguments;
+    va_start(arguments, fmt);
     AppendMessage(message, fmt, arguments);
+    va_end(arguments);
     if (callback != nullptr) {
         callback(type, level, domain, shortTag.GetData(), message.GetData());
     }
@@ -206,17 +206,6 @@ int Print(LogType type, LogLevel level, unsigned int domain, const char* tag, co
     }
     errno = savedErrno;
     return 0;
-}
-
-} // namespace
-
-int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, ...)
-{
-    va_list arguments;
-    va_start(arguments, fmt);
-    const int result = Print(type, level, domain, tag, fmt, arguments);
-    va_end(arguments);
-    return result;
 }
 
 bool HiLogIsLoggable(unsigned int /* domain */, const char* /* tag */, LogLevel level)

@@ -42,18 +42,16 @@ private:
     struct Listener {
         const Descriptor socket;
         const ServedConnection::Introduce introduce;
-        bool isClosed = false; // Guarded by mutex_.
     };
 
     void Run(const Listener& listener);
     bool AcceptAll(const Listener& listener) REQUIRES(mutex_);
     bool Serve(const std::shared_ptr<ServedConnection>& connection, const Listener& listener) REQUIRES(mutex_);
     void Remove(const std::shared_ptr<ServedConnection>& connection);
-    bool IsServed(const std::shared_ptr<ServedConnection>& connection) REQUIRES(mutex_);
 
     Mutex mutex_;
     Condition removed_;
-    std::shared_ptr<Listener> listener_ GUARDED_BY(mutex_); // Null before there is one.
+    std::shared_ptr<const Listener> listener_ GUARDED_BY(mutex_); // Null while there is none.
     std::vector<std::shared_ptr<ServedConnection>> connections_ GUARDED_BY(mutex_);
 };
 

@@ -21,8 +21,9 @@ using Clock = std::chrono::steady_clock;
 
 /**
  * A std::mutex that the checker knows. A thread that takes more than one takes them in this order, of each kind one at
- * most, and none while it runs a user's code: of the system ability manager; the turn with the bus; of the availability;
- * of the peers; of the inbound connections; of a peer's part; of the services; of the notices; of the descriptors.
+ * most, and none while it runs a user's code: of the system ability manager; the turn with the bus; of the
+ * availability; of the peers; of the inbound connections; of a peer's part; of the services; of the notices; of the
+ * descriptors.
  */
 class THREAD_ATTRIBUTE(capability("mutex")) Mutex {
 private:

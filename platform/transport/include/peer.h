@@ -23,10 +23,10 @@ namespace OHOS::Transport {
  */
 class Peer : public ObjectTable, public std::enable_shared_from_this<Peer> {
 public:
-    using Report = std::function<void(const std::shared_ptr<Peer>& peer)>;
+    using OnDeath = std::function<void(const std::shared_ptr<Peer>& peer)>;
 
-    /** `report` is told, with no lock held, when `connect` finds the peer to be dead. */
-    Peer(Identity identity, uid_t uid, const CallConnections::Connect& connect, Report report);
+    /** `onDeath` is called once, by whoever finds the peer to be dead. */
+    Peer(Identity identity, uid_t uid, const CallConnections::Connect& connect, OnDeath onDeath);
 
     bool IsDead() const { return isDead_; }
 
@@ -50,8 +50,8 @@ public:
     sptr<RefBase> Find(uint64_t id) override;
     sptr<RefBase> Receive(uint64_t id) override;
 
-    /** From now on the peer is dead. False if it was so before. */
-    bool Die();
+    /** From now on the peer is dead. To be called with no lock of its own held. */
+    void Die();
 
     /** On the notice thread: announces the death to every proxy, and lets the peer's pins go. */
     void AnnounceDeath();
@@ -71,7 +71,7 @@ private:
     int Exchange(
         Connection& connection, Message& call, Clock::time_point deadline, const ReadReply& read, bool& isUsable);
 
-    const Report report_;
+    const OnDeath onDeath_;
     std::atomic<bool> isDead_{false};
     CallConnections calls_;
     OneWayConnection oneWay_;

@@ -20,9 +20,6 @@ public:
 
     Peers();
 
-    /** The peer is gone: its calls fail, and its death is announced once what it sent has been read. Any thread. */
-    void MarkDead(const std::shared_ptr<Peer>& peer);
-
     // In a turn with the bus.
 
     /** The process of that unique name; null if it is gone, or this one. */
@@ -38,7 +35,7 @@ public:
 private:
     std::shared_ptr<Peer> Introduce(const std::string& name, pid_t pid);
     std::shared_ptr<Peer> Find(const std::string& name);
-    void Forget(const std::shared_ptr<Peer>& peer);
+    void AnnounceDeath(const std::shared_ptr<Peer>& peer);
 
     Identity self_; // For whoever has a turn with the bus.
 

@@ -7,8 +7,8 @@
 namespace OHOS::Transport {
 
 /**
- * This process's own life: what may still be begun, and the platform's threads, which run until the process is gone: the
- * static objects that they use are made with new and never deleted. Any thread may call anything.
+ * This process's own life: what may still be begun, and the platform's threads, which run until the process is gone:
+ * the static objects that they use are made with new and never deleted. Any thread may call anything.
  */
 class Process {
 public:

@@ -23,10 +23,10 @@ public:
     explicit ServedConnection(Descriptor socket);
 
     /**
-     * Serves it to its end. Before the first message that is served in order, `awaitFormer` waits for what the process
-     * had sent on other connections.
+     * Serves it to its end. Before a message that is served in order, `awaitFormer` waits for what the process had sent
+     * on other connections.
      */
-    void Run(const Introduce& introduce, std::function<void()> awaitFormer);
+    void Run(const Introduce& introduce, const std::function<void()>& awaitFormer);
 
     /** Answers the first call, whether it has come or not. */
     void Refuse();

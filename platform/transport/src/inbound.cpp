@@ -31,16 +31,15 @@ Inbound& Inbound::Get()
 bool Inbound::Listen(Descriptor socket, const ServedConnection::Introduce& introduce)
 {
     const MutexLock lock(mutex_);
-    listener_ = std::shared_ptr<Listener>(new Listener{std::move(socket), introduce});
+    listener_ = std::shared_ptr<const Listener>(new Listener{std::move(socket), introduce});
     return listener_->socket && Process::StartThread([this, listener = listener_] { Run(*listener); });
 }
 
 void Inbound::StopListening()
 {
     const MutexLock lock(mutex_);
-    if (listener_ != nullptr) {
-        listener_->isClosed = true;
-        shutdown(listener_->socket.Get(), SHUT_RDWR);
+    if (const auto stopped = std::exchange(listener_, nullptr)) {
+        shutdown(stopped->socket.Get(), SHUT_RDWR);
     }
 }
 
@@ -51,7 +50,7 @@ void Inbound::Run(const Listener& listener)
         bool isWell = poll(&wait, 1, -1) >= 0;
         {
             const MutexLock lock(mutex_);
-            if (listener.isClosed) {
+            if (listener_.get() != &listener) {
                 return;
             }
             isWell = AcceptAll(listener) && isWell;
@@ -65,7 +64,7 @@ void Inbound::Run(const Listener& listener)
 // Takes in every connection that was made before. False if there is no descriptor for one.
 bool Inbound::AcceptAll(const Listener& listener)
 {
-    while (!listener.isClosed) {
+    for (;;) {
         Descriptor accepted = Introduction::Accept(listener.socket);
         if (accepted) {
             const auto connection = std::make_shared<ServedConnection>(std::move(accepted));
@@ -76,7 +75,6 @@ bool Inbound::AcceptAll(const Listener& listener)
             return errno == EAGAIN;
         }
     }
-    return true;
 }
 
 bool Inbound::Serve(const std::shared_ptr<ServedConnection>& connection, const Listener& listener)
@@ -94,9 +92,8 @@ bool Inbound::Serve(const std::shared_ptr<ServedConnection>& connection, const L
             ++ofProcess;
         }
     }
-    std::function<void()> awaitFormer = [this, former] { Await(former); };
-    const auto serve = [this, connection, introduce = listener.introduce, awaitFormer]() mutable {
-        connection->Run(introduce, std::exchange(awaitFormer, nullptr));
+    const auto serve = [this, connection, introduce = listener.introduce, former]() mutable {
+        connection->Run(introduce, [this, &former] { Await(std::exchange(former, {})); });
         if (!Process::IsForked()) {
             Remove(connection);
             connection->connection.HangUp(); // The peer may connect anew.
@@ -139,18 +136,13 @@ void Inbound::Await(const Rest& rest)
 {
     MutexLock lock(mutex_);
     for (const auto& connection : rest.connections) {
-        while (IsServed(connection)) {
+        while (std::find(connections_.begin(), connections_.end(), connection) != connections_.end()) {
             if (!removed_.WaitUntil(lock, rest.deadline)) {
                 connection->isStopped = true;
                 break;
             }
         }
     }
-}
-
-bool Inbound::IsServed(const std::shared_ptr<ServedConnection>& connection)
-{
-    return std::find(connections_.begin(), connections_.end(), connection) != connections_.end();
 }
 
 } // namespace OHOS::Transport

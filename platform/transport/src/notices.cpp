@@ -17,26 +17,21 @@ struct Queue {
     bool isRunning GUARDED_BY(mutex) = false;
 };
 
-Queue& GetQueue()
-{
-    static Queue& queue = *new Queue();
-    return queue;
-}
+Queue& g_queue = *new Queue();
 
 void Run()
 {
-    Queue& queue = GetQueue();
     for (;;) {
-        MutexLock lock(queue.mutex);
-        while (queue.notices.empty()) {
-            queue.filled.Wait(lock);
+        MutexLock lock(g_queue.mutex);
+        while (g_queue.notices.empty()) {
+            g_queue.filled.Wait(lock);
         }
         const Process::Activity activity;
         if (!activity) {
             return; // At exit no notice runs; what they hold is left to the process's end.
         }
-        const auto notice = std::move(queue.notices.front());
-        queue.notices.pop_front();
+        const auto notice = std::move(g_queue.notices.front());
+        g_queue.notices.pop_front();
         lock.Unlock();
         notice();
         Process::WatchExit();
@@ -47,16 +42,16 @@ void Run()
 
 bool Notices::Start()
 {
-    const MutexLock lock(GetQueue().mutex);
-    return GetQueue().isRunning = GetQueue().isRunning || Process::StartThread(Run);
+    const MutexLock lock(g_queue.mutex);
+    return g_queue.isRunning = g_queue.isRunning || Process::StartThread(Run);
 }
 
 void Notices::Post(std::function<void()> notice) noexcept
 {
     Start(); // Without a thread the notice waits for the next one.
-    const MutexLock lock(GetQueue().mutex);
-    GetQueue().notices.push_back(std::move(notice));
-    GetQueue().filled.NotifyAll();
+    const MutexLock lock(g_queue.mutex);
+    g_queue.notices.push_back(std::move(notice));
+    g_queue.filled.NotifyAll();
 }
 
 } // namespace OHOS::Transport

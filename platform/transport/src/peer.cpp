@@ -15,8 +15,8 @@ namespace OHOS::Transport {
 
 thread_local const Peer* Peer::calling = nullptr;
 
-Peer::Peer(Identity theirs, uid_t user, const CallConnections::Connect& connect, Report report)
-    : identity(std::move(theirs)), uid(user), report_(std::move(report)), calls_(connect), oneWay_(connect)
+Peer::Peer(Identity theirs, uid_t user, const CallConnections::Connect& connect, OnDeath onDeath)
+    : identity(std::move(theirs)), uid(user), onDeath_(std::move(onDeath)), calls_(connect), oneWay_(connect)
 {}
 
 int Peer::Call(Message& call, Clock::time_point deadline, const ReadReply& read) noexcept
@@ -26,7 +26,7 @@ int Peer::Call(Message& call, Clock::time_point deadline, const ReadReply& read)
         std::unique_ptr<Connection> connection = calls_.Take(deadline, error);
         if (connection == nullptr) {
             if (error == DEAD) {
-                report_(shared_from_this());
+                Die();
             }
             return error;
         }
@@ -76,7 +76,7 @@ int Peer::CallOneWay(Message& call) noexcept
 {
     const int error = Process::IsUsable() ? oneWay_.Send(call) : DEAD;
     if (error == DEAD && Process::IsUsable()) {
-        report_(shared_from_this());
+        Die();
     }
     return error;
 }
@@ -144,14 +144,13 @@ sptr<RefBase> Peer::Find(uint64_t id)
 
 sptr<RefBase> Peer::Receive(uint64_t id) { return ProxyOf(id, true); }
 
-bool Peer::Die()
+void Peer::Die()
 {
-    if (isDead_.exchange(true)) {
-        return false;
+    if (!isDead_.exchange(true)) {
+        calls_.Close();
+        oneWay_.Close();
+        onDeath_(shared_from_this());
     }
-    calls_.Close();
-    oneWay_.Close();
-    return true;
 }
 
 void Peer::AnnounceDeath()

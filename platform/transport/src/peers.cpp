@@ -17,17 +17,6 @@ Peers& Peers::Get()
 
 Peers::Peers() { Bus::Get().Observe(*this); }
 
-void Peers::MarkDead(const std::shared_ptr<Peer>& peer)
-{
-    if (peer->Die()) {
-        Notices::Post([this, peer, rest = Inbound::Get().HangUpReading(peer->identity.pid)] {
-            Inbound::Get().Await(rest);
-            peer->AnnounceDeath();
-            Forget(peer);
-        });
-    }
-}
-
 std::shared_ptr<Peer> Peers::Meet(const std::string& name)
 {
     Bus& bus = Bus::Get();
@@ -44,7 +33,7 @@ std::shared_ptr<Peer> Peers::Meet(const std::string& name)
     }
     const auto connect = [identity, ours = self_.name](
                              int& error) { return Introduction::Connect(identity, ours, error); };
-    peer = std::make_shared<Peer>(identity, uid, connect, [this](const auto& dead) { MarkDead(dead); });
+    peer = std::make_shared<Peer>(identity, uid, connect, [this](const auto& dead) { AnnounceDeath(dead); });
     const MutexLock lock(mutex_);
     return peers_[name] = peer;
 }
@@ -56,7 +45,7 @@ Inbound::Rest Peers::TakeLeave(const std::string& name)
         return {};
     }
     if (Bus::Get().OwnerOf(name) == "") {
-        MarkDead(peer); // Which is known before the end of its services is.
+        peer->Die(); // Which is known before the end of its services is.
     }
     return Inbound::Get().HangUpReading(peer->identity.pid);
 }
@@ -76,7 +65,7 @@ void Peers::OnLost()
         peers.swap(peers_);
     }
     for (const auto& [name, peer] : peers) {
-        MarkDead(peer);
+        peer->Die();
     }
     Inbound::Get().StopListening();
 }
@@ -85,7 +74,7 @@ void Peers::OnOwnerChange(const std::string& name, const std::string& /* from */
 {
     const std::shared_ptr<Peer> peer = to.empty() ? Find(name) : nullptr;
     if (peer != nullptr) {
-        MarkDead(peer);
+        peer->Die();
     }
 }
 
@@ -105,13 +94,18 @@ std::shared_ptr<Peer> Peers::Find(const std::string& name)
     return found != peers_.end() ? found->second : nullptr;
 }
 
-void Peers::Forget(const std::shared_ptr<Peer>& peer)
+// Once what it has sent has been read.
+void Peers::AnnounceDeath(const std::shared_ptr<Peer>& peer)
 {
-    const MutexLock lock(mutex_);
-    const auto found = peers_.find(peer->identity.name);
-    if (found != peers_.end() && found->second == peer) { // On another bus, another has the name.
-        peers_.erase(found);
-    }
+    Notices::Post([this, peer, rest = Inbound::Get().HangUpReading(peer->identity.pid)] {
+        Inbound::Get().Await(rest);
+        peer->AnnounceDeath();
+        const MutexLock lock(mutex_);
+        const auto found = peers_.find(peer->identity.name);
+        if (found != peers_.end() && found->second == peer) { // On another bus, another has the name.
+            peers_.erase(found);
+        }
+    });
 }
 
 } // namespace OHOS::Transport

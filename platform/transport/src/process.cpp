@@ -22,23 +22,15 @@ std::atomic<bool> g_isForked{false};
 std::atomic<int> g_activities{0};
 std::atomic<unsigned> g_callbacks{0};
 
-struct Exit {
-    Mutex mutex;
-    Condition idle;
-};
-
-Exit& GetExit()
-{
-    static Exit& exit = *new Exit();
-    return exit;
-}
+Mutex& g_mutex = *new Mutex();
+Condition& g_idle = *new Condition(); // No activity is left, at exit.
 
 void BeginExit()
 {
     if (g_isUsable.exchange(false)) { // Else it has begun already, or this is a fork's child.
         const auto deadline = Clock::now() + EXIT_PATIENCE;
-        MutexLock lock(GetExit().mutex);
-        while (g_activities > 0 && GetExit().idle.WaitUntil(lock, deadline)) {
+        MutexLock lock(g_mutex);
+        while (g_activities > 0 && g_idle.WaitUntil(lock, deadline)) {
         }
     }
 }
@@ -71,8 +63,8 @@ Process::Activity::Activity() : begun_((++g_activities, g_isUsable.load())) {}
 Process::Activity::~Activity()
 {
     if (--g_activities == 0 && !g_isUsable && !g_isForked) {
-        const MutexLock lock(GetExit().mutex);
-        GetExit().idle.NotifyAll();
+        const MutexLock lock(g_mutex);
+        g_idle.NotifyAll();
     }
 }
 

@@ -47,7 +47,7 @@ std::string ServedConnection::ReceiveName()
     return sender.pid != 0 && sender.pid == maker.pid ? std::string(name.data(), static_cast<size_t>(size)) : "";
 }
 
-void ServedConnection::Run(const Introduce& introduce, std::function<void()> awaitFormer)
+void ServedConnection::Run(const Introduce& introduce, const std::function<void()>& awaitFormer)
 {
     const std::shared_ptr<Peer> peer = introduce(ReceiveName(), maker.pid);
     if (peer == nullptr) {
@@ -57,8 +57,8 @@ void ServedConnection::Run(const Introduce& introduce, std::function<void()> awa
     Message message;
     while (connection.Receive(message, Connection::NO_DEADLINE) == 0) {
         const bool isInOrder = message.header.kind == Header::RELEASE || message.header.flags == Header::ONE_WAY;
-        if (isInOrder && awaitFormer != nullptr) {
-            std::exchange(awaitFormer, nullptr)();
+        if (isInOrder) {
+            awaitFormer();
         }
         if (!Serve(peer, message)) {
             break;

@@ -102,10 +102,8 @@ public:
     {}
 
     template <typename U, typename = std::enable_if_t<std::is_convertible_v<U*, T*>>>
-    sptr(sptr<U>&& other) noexcept : object_(other.object_)
-    {
-        other.object_ = nullptr;
-    }
+    sptr(sptr<U>&& other) noexcept : object_(std::exchange(other.object_, nullptr))
+    {}
 
     ~sptr()
     {
