@@ -10,8 +10,7 @@
 
 namespace OHOS {
 
-/** An object of this process. Its requests come on the caller's thread, or on one of the platform's for a remote one.
- */
+/** An object of this process. Its requests come on their caller's thread; on a platform's, from another process. */
 class IPCObjectStub : public IRemoteObject {
 public:
     /** With `serialInvokeFlag`, requests are served one at a time. */

@@ -22,8 +22,7 @@ public:
         return services;
     }
 
-    /** Makes `object` the service of that number, or with null takes it away. The former one is for the caller to end.
-     */
+    /** Makes `object` the service of that number; null takes it away. The former one is for the caller to end. */
     [[nodiscard]] sptr<RefBase> Set(uint64_t number, const sptr<RefBase>& object)
     {
         const MutexLock lock(mutex_);
@@ -42,8 +41,7 @@ public:
         return found != services_.end() ? found->second : nullptr;
     }
 
-    /** The number of a service, so that it is one object to a peer however that came by it. False for another object.
-     */
+    /** The number of a service, which is one object to a peer however that came by it. False for another object. */
     bool FindNumber(const sptr<RefBase>& object, uint64_t& number)
     {
         const MutexLock lock(mutex_);

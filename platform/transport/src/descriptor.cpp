@@ -5,7 +5,6 @@
 #include <pthread.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <mutex>
 #include <set>
 
@@ -60,9 +59,7 @@ Descriptor Descriptor::Open(const std::function<int()>& open)
     descriptor.fd_ = open();
     if (descriptor.fd_ >= 0 && descriptor.fd_ <= STDERR_FILENO) { // Where a program has closed its standard streams.
         const int low = std::exchange(descriptor.fd_, fcntl(descriptor.fd_, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
-        const int error = errno;
-        close(low);
-        errno = error;
+        close(low); // Which leaves errno alone.
     }
     if (descriptor.fd_ >= 0) {
         GetTable().open.insert(descriptor.fd_);

@@ -3,8 +3,6 @@
 
 #include <unistd.h>
 
-#include <utility>
-
 #include "notices.h"
 
 namespace OHOS::Transport {

@@ -2,7 +2,6 @@
 #include "served_connection.h"
 
 #include <array>
-#include <cerrno>
 #include <cstring>
 #include <utility>
 
@@ -32,10 +31,7 @@ std::string ServedConnection::ReceiveName()
     packet.msg_iovlen = 1;
     packet.msg_control = control.data();
     packet.msg_controllen = control.size();
-    ssize_t size = -1;
-    do {
-        size = recvmsg(connection.Get(), &packet, 0);
-    } while (size < 0 && errno == EINTR);
+    const ssize_t size = recvmsg(connection.Get(), &packet, 0); // A platform's thread takes no signal meanwhile.
     const int off = 0;
     setsockopt(connection.Get(), SOL_SOCKET, SO_PASSCRED, &off, sizeof(off));
     const bool isWhole = size > 0 && (packet.msg_flags & (MSG_TRUNC | MSG_CTRUNC)) == 0;
