@@ -178,9 +178,7 @@ bool IsPrinted(LogLevel level)
     return level >= threshold && level <= LOG_FATAL;
 }
 
-} // namespace
-
-int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, ...)
+int Print(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, va_list arguments)
 {
     if (fmt == nullptr) {
         return -1;
@@ -194,10 +192,7 @@ int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char* ta
     Text<TAG_CAPACITY> shortTag;
     shortTag.Append("%s", tag != nullptr ? tag : "");
     Text<MESSAGE_CAPACITY> message;
-    va_list arguments;
-    va_start(arguments, fmt);
     AppendMessage(message, fmt, arguments);
-    va_end(arguments);
     if (callback != nullptr) {
         callback(type, level, domain, shortTag.GetData(), message.GetData());
     }
@@ -206,6 +201,17 @@ int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char* ta
     }
     errno = savedErrno;
     return 0;
+}
+
+} // namespace
+
+int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, ...)
+{
+    va_list arguments;
+    va_start(arguments, fmt);
+    const int result = Print(type, level, domain, tag, fmt, arguments);
+    va_end(arguments);
+    return result;
 }
 
 bool HiLogIsLoggable(unsigned int /* domain */, const char* /* tag */, LogLevel level)
