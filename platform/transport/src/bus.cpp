@@ -217,7 +217,7 @@ std::optional<std::string> Bus::OwnerOf(const std::string& name)
         sd_bus_call_method(bus_, DAEMON, DAEMON_PATH, DAEMON, "GetNameOwner", nullptr, &reply, "s", name.c_str());
     const bool hasNone = result == -ENXIO; // What sd-bus makes of the daemon's NameHasNoOwner.
     const bool isAnswered = hasNone || (result >= 0 && sd_bus_message_read(reply, "s", &owner) > 0);
-    const auto answer = isAnswered ? std::optional<std::string>(owner) : std::nullopt;
+    auto answer = isAnswered ? std::optional<std::string>(owner) : std::nullopt;
     sd_bus_message_unref(reply);
     return answer;
 }
