@@ -55,8 +55,11 @@ finish()
 {
     local -a left
     mapfile -t left < <(jobs -p)
-    ((${#left[@]} == 0)) || kill -KILL "${left[@]}" 2>/dev/null || true
-    wait 2>/dev/null || true
+    if ((${#left[@]} > 0)); then
+        kill -KILL "${left[@]}" 2>/dev/null || true
+        # These alone: a shell that takes the place of ohos_bus has the bus's processes as children, too.
+        wait "${left[@]}" 2>/dev/null || true
+    fi
     rm -rf "$folder"
 }
 trap finish EXIT
