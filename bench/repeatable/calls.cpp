@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: Apache-2.0
+// usage: calls allocations | calls trace REQUEST COUNT
+// Requests between two processes on a bus. The first form counts the allocations of each request, on either side. The
+// second sends one of them again and again for a tracer of system calls: just before each, the client calls getppid,
+// and within each, the service calls getsid, so that a trace can be cut into single calls.
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cmath>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <thread>
+
+#include "allocation_count.h"
+#include "figure.h"
+#include "iservice_registry.h"
+#include "privacy_indicator_service_intf_stub.h"
+#include "requests.h"
+
+using namespace OHOS;
+using namespace OHOS::Korvane::Quenlar::PrivacyIndicator;
+using namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Bench;
+
+namespace {
+
+enum Side { CLIENT, SERVICE };
+
+/** In memory that both processes share. */
+using Counts = std::array<std::atomic<uint64_t>, 2>;
+
+[[noreturn]] void Fail(const std::string& text)
+{
+    std::fprintf(stderr, "bench_calls: %s\n", text.c_str());
+    std::exit(1);
+}
+
+class MarkingService : public Service<PrivacyIndicatorServiceIntfStub> {
+public:
+    int32_t OnRemoteRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option) override
+    {
+        getsid(0);
+        return Service::OnRemoteRequest(code, data, reply, option);
+    }
+};
+
+sptr<ISystemAbilityManager> Manager() { return SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager(); }
+
+/** Forks the service; on return it can be found. */
+void StartService(Counts& counts)
+{
+    int ready[2];
+    char byte = 0;
+    if (pipe(ready) != 0) {
+        Fail("no pipe");
+    }
+    if (fork() == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        allocationCount = &counts[SERVICE];
+        if (Manager()->AddSystemAbility(PRIVACY_INDICATOR_SA_ID, new MarkingService()) != 0) {
+            Fail("no bus");
+        }
+        if (write(ready[1], &byte, 1) == 1) {
+            pause();
+        }
+        std::_Exit(1);
+    }
+    close(ready[1]);
+    if (read(ready[0], &byte, 1) != 1) {
+        Fail("no service");
+    }
+}
+
+sptr<PrivacyIndicatorServiceIntf> FindService()
+{
+    const auto service = iface_cast<PrivacyIndicatorServiceIntf>(Manager()->GetSystemAbility(PRIVACY_INDICATOR_SA_ID));
+    if (service == nullptr) {
+        Fail("the service is not found");
+    }
+    return service;
+}
+
+void Send(const Request& request, PrivacyIndicatorServiceIntf& service)
+{
+    if (!request.send(service)) {
+        Fail(request.name + " fails");
+    }
+}
+
+/** How many allocations one request takes on each side, once everything is warm. */
+std::array<double, 2> CountAllocations(const Request& request, PrivacyIndicatorServiceIntf& service, Counts& counts)
+{
+    constexpr int REPEATED = 100;
+    // What the service does after its reply is counted with the next request, so that each round holds as many.
+    for (int i = 0; i < 10; ++i) {
+        Send(request, service);
+    }
+    const std::array<uint64_t, 2> before{counts[CLIENT], counts[SERVICE]};
+    for (int i = 0; i < REPEATED; ++i) {
+        Send(request, service);
+    }
+    // Whole: a listener that the service lets go is released by another message, at a time of its own.
+    return {std::round(static_cast<double>(counts[CLIENT] - before[CLIENT]) / REPEATED),
+        std::round(static_cast<double>(counts[SERVICE] - before[SERVICE]) / REPEATED)};
+}
+
+void CountAllocations(Counts& counts)
+{
+    constexpr int32_t FEW = 100;
+    constexpr int32_t MANY = 200;
+    const auto service = FindService();
+    const auto few = Requests(FEW);
+    const auto many = Requests(MANY);
+    for (size_t i = 0; i < few.size(); ++i) {
+        const bool isQuery =
+            few[i].name == "GetPrivacyEventDetails" || few[i].name == "GetPermissionUsageDurationSummary";
+        const auto ofFew = CountAllocations(few[i], *service, counts);
+        if (few[i].name.find("By") != std::string::npos) {
+            continue; // The same as the query without the sensor.
+        }
+        PrintFigure("allocations", few[i].name + (isQuery ? ", 100 records" : ""), "client", ofFew[CLIENT]);
+        PrintFigure("allocations", few[i].name + (isQuery ? ", 100 records" : ""), "service", ofFew[SERVICE]);
+        if (isQuery) {
+            const auto ofMany = CountAllocations(many[i], *service, counts);
+            const std::string row = few[i].name + ", a further record";
+            PrintFigure("allocations", row, "client", (ofMany[CLIENT] - ofFew[CLIENT]) / (MANY - FEW));
+            PrintFigure("allocations", row, "service", (ofMany[SERVICE] - ofFew[SERVICE]) / (MANY - FEW));
+        }
+    }
+}
+
+void SendForTrace(const std::string& name, int count)
+{
+    constexpr int32_t RECORDS = 1000;
+    const auto service = FindService();
+    for (const Request& request : Requests(RECORDS)) {
+        for (int i = 0; request.name == name && i < count; ++i) {
+            static_cast<void>(getppid());
+            Send(request, *service);
+        }
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    void* shared = mmap(nullptr, sizeof(Counts), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (shared == MAP_FAILED) {
+        Fail("no memory");
+    }
+    auto& counts = *new (shared) Counts{};
+    StartService(counts);
+    allocationCount = &counts[CLIENT];
+    const std::string mode = argc > 1 ? argv[1] : "";
+    if (mode == "allocations") {
+        CountAllocations(counts);
+    } else if (mode == "trace" && argc == 4) {
+        SendForTrace(argv[2], std::atoi(argv[3]));
+    } else {
+        Fail("see the comment at the source's top");
+    }
+}
