@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef CALLS_H
+#define CALLS_H
+
+namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Bench {
+
+/** Prints the figures of the calls and the queries between processes. On a bus. */
+void MeasureCalls();
+
+} // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Bench
+
+#endif // CALLS_H
