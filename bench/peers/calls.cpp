@@ -3,19 +3,17 @@
 // are interleaved, and a figure is the median of its ratios to the stream socket in the same round.
 #include "calls.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <chrono>
-#include <cmath>
+#include <iterator>
 #include <memory>
-#include <thread>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "contender.h"
 #include "figure.h"
-#include "sockets.h"
-#include "worker.h"
+#include "first_answer.h"
+#include "match.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Bench {
 
@@ -24,114 +22,10 @@ namespace {
 constexpr int ROUNDS = 21;
 constexpr double ROUND_SECONDS = 0.015; // For each contender.
 
-/** What a client is to do. */
-struct Task {
-    int32_t records; // 0 for a call, otherwise a query.
-    int threads;
-    int repeated; // By each thread.
-};
-
-double SecondsSince(std::chrono::steady_clock::time_point begin)
-{
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-}
-
-void Repeat(Contender& contender, const Task& task)
-{
-    for (int i = 0; i < task.repeated; ++i) {
-        task.records == 0 ? contender.Call() : contender.Query(task.records);
-    }
-}
-
-/** As the client of `contender`, does its tasks, and says how many seconds each took. */
-void RunTasks(Contender& contender, int line)
-{
-    contender.Query(1); // Wrong answers to a query are seen.
-    Task task{};
-    while (ReceiveAll(line, &task, sizeof(task))) {
-        const auto begin = std::chrono::steady_clock::now();
-        if (task.threads == 1) {
-            Repeat(contender, task);
-        } else {
-            std::vector<std::thread> threads;
-            for (int i = 0; i < task.threads; ++i) {
-                threads.emplace_back([&] { Repeat(contender, task); });
-            }
-            for (auto& thread : threads) {
-                thread.join();
-            }
-        }
-        const double seconds = SecondsSince(begin);
-        SendAll(line, &seconds, sizeof(seconds));
-    }
-}
-
-double Median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
-/** A contender with its processes. */
-class Match {
-public:
-    explicit Match(std::unique_ptr<Contender> contender) : contender_(std::move(contender))
-    {
-        if (contender_->HasServer()) {
-            server_ = std::make_unique<Worker>([this](int line) {
-                contender_->Serve([line] { SendAll(line, "", 1); });
-            });
-            server_->Receive<char>();
-        }
-        AddClient();
-    }
-
-    const Contender& Subject() const { return *contender_; }
-
-    void AddClient()
-    {
-        clients_.push_back(std::make_unique<Worker>([this](int line) { RunTasks(*contender_, line); }));
-        Run({1, 1, 1}, 1);
-    }
-
-    void Place(Placement placement)
-    {
-        const auto pin = [placement](pid_t process, int second) {
-            Pin(process, placement == Placement::FREE ? -1 : placement == Placement::ONE_CORE ? 0 : second);
-        };
-        pin(clients_.front()->Pid(), 0);
-        if (server_ != nullptr) {
-            pin(server_->Pid(), 1);
-        }
-        if (contender_->Daemon() != 0) {
-            pin(contender_->Daemon(), 1);
-        }
-    }
-
-    /** Does the task in the first `count` clients at once. The seconds that a call took, of all that were done. */
-    double Run(const Task& task, size_t count)
-    {
-        for (size_t i = 0; i < count; ++i) {
-            clients_[i]->Send(task);
-        }
-        double seconds = 0;
-        for (size_t i = 0; i < count; ++i) {
-            seconds = std::max(seconds, clients_[i]->Receive<double>());
-        }
-        return seconds / (static_cast<double>(count) * task.threads * task.repeated);
-    }
-
-    size_t CountClients() const { return clients_.size(); }
-
-private:
-    const std::unique_ptr<Contender> contender_;
-    std::unique_ptr<Worker> server_;
-    std::vector<std::unique_ptr<Worker>> clients_;
-};
-
 using Matches = std::vector<std::unique_ptr<Match>>;
 
-/** One column of a table: the medians of all, in the order of `matches`; the first is what the others are measured by.*/
+/** One column of a table: the medians of all, in the order of `matches`; the first is what the others are measured
+ * by.*/
 struct Column {
     std::vector<double> microseconds;
     std::vector<double> ratios;
@@ -185,6 +79,20 @@ void Print(const std::string& table, const std::string& name, const std::vector<
     }
 }
 
+/** The first call of a process that is only just forked. */
+void MeasureFirstCalls(const std::vector<Match*>& matches)
+{
+    std::vector<std::vector<double>> times(matches.size());
+    for (int round = 0; round < ROUNDS; ++round) {
+        for (size_t i = 0; i < matches.size(); ++i) {
+            times[i].push_back(matches[i]->CallFirst() * 1e6);
+        }
+    }
+    for (size_t i = 0; i < matches.size(); ++i) {
+        PrintFigure("first call", matches[i]->Subject().Name(), "microseconds", Median(times[i]));
+    }
+}
+
 std::string WithCommas(int32_t number)
 {
     const std::string digits = std::to_string(number);
@@ -193,7 +101,7 @@ std::string WithCommas(int32_t number)
 
 } // namespace
 
-void MeasureCalls()
+void MeasureCalls(const std::string& programs)
 {
     Address(""); // Before any fork.
     Matches all;
@@ -240,6 +148,8 @@ void MeasureCalls()
         }
         Print("processes", std::to_string(clients), concurrent, Measure(concurrent, {0, 1, 0}, clients));
     }
+    MeasureFirstCalls(concurrent);
+    MeasureFirstAnswers(programs);
     // The same with one client, while those before are idle.
     Print("processes", "1, and 15 idle", concurrent, Measure(concurrent, {0, 1, 0}, 1));
 }

@@ -46,9 +46,8 @@ public:
 
     void Call() override
     {
-        const int32_t result = layer_ == Layer::PROXY
-                                   ? Proxy().TurnOffIndicator(0, 1)
-                                   : Client().TurnOffIndicator(PrivacySensorType::CAMERA, 1);
+        const int32_t result = layer_ == Layer::PROXY ? Proxy().TurnOffIndicator(0, 1)
+                                                      : Client().TurnOffIndicator(PrivacySensorType::CAMERA, 1);
         if (result != 0) {
             Fail("library: wrong answer");
         }

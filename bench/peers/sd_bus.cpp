@@ -107,8 +107,8 @@ public:
         while (sd_bus_message_enter_container(reply, 'r', RECORD) > 0) {
             const char* name = nullptr;
             Detail detail;
-            Check(sd_bus_message_read(reply, RECORD, &name, &detail.uid, &detail.sensor, &detail.begin,
-                      &detail.realEnd, &detail.shownEnd, &detail.realState, &detail.shownState, &detail.flags),
+            Check(sd_bus_message_read(reply, RECORD, &name, &detail.uid, &detail.sensor, &detail.begin, &detail.realEnd,
+                      &detail.shownEnd, &detail.realState, &detail.shownState, &detail.flags),
                 "record");
             detail.bundleName = name;
             details.push_back(std::move(detail));

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// usage: calls allocations | calls trace REQUEST COUNT
-// Requests between two processes on a bus. The first form counts the allocations of each request, on either side. The
-// second sends one of them again and again for a tracer of system calls: just before each, the client calls getppid,
-// and within each, the service calls getsid, so that a trace can be cut into single calls.
+// usage: calls allocations | calls memory | calls trace REQUEST COUNT
+// Requests between two processes on a bus. The first form counts the allocations of each request, on either side, and
+// the second the bytes that a listener takes. The third sends one of them again and again for a tracer of system calls:
+// just before each, the client calls getppid, and within each, the service calls getsid, so that a trace can be cut
+// into single calls.
+#include <malloc.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <unistd.h>
@@ -13,12 +15,14 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <string>
-#include <thread>
+#include <vector>
 
 #include "allocation_count.h"
 #include "figure.h"
 #include "iservice_registry.h"
+#include "privacy_indicator_client.h"
 #include "privacy_indicator_service_intf_stub.h"
 #include "requests.h"
 
@@ -27,6 +31,8 @@ using namespace OHOS::Korvane::Quenlar::PrivacyIndicator;
 using namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Bench;
 
 namespace {
+
+constexpr int LISTENERS = 1000;
 
 enum Side { CLIENT, SERVICE };
 
@@ -48,9 +54,27 @@ public:
     }
 };
 
+/** Keeps its listeners, and answers a power event with the bytes that its process has allocated. */
+class KeepingService : public Service<PrivacyIndicatorServiceIntfStub> {
+public:
+    KeepingService() { listeners_.reserve(LISTENERS); }
+
+    int32_t RegisterPrivacyIndicatorSwitchListener(const sptr<SwitchListener>& listener) override
+    {
+        listeners_.push_back(listener);
+        return 0;
+    }
+
+    int32_t NotifyPowerEvent(int32_t /* event */) override { return static_cast<int32_t>(mallinfo2().uordblks); }
+
+private:
+    std::vector<sptr<SwitchListener>> listeners_;
+};
+
 sptr<ISystemAbilityManager> Manager() { return SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager(); }
 
 /** Forks the service; on return it can be found. */
+template <typename Kind>
 void StartService(Counts& counts)
 {
     int ready[2];
@@ -61,7 +85,7 @@ void StartService(Counts& counts)
     if (fork() == 0) {
         prctl(PR_SET_PDEATHSIG, SIGKILL);
         allocationCount = &counts[SERVICE];
-        if (Manager()->AddSystemAbility(PRIVACY_INDICATOR_SA_ID, new MarkingService()) != 0) {
+        if (Manager()->AddSystemAbility(PRIVACY_INDICATOR_SA_ID, new Kind()) != 0) {
             Fail("no bus");
         }
         if (write(ready[1], &byte, 1) == 1) {
@@ -133,6 +157,40 @@ void CountAllocations(Counts& counts)
     }
 }
 
+struct SilentListener : Indicator::IndicatorSwitchListener {
+    void OnSwitchChanged(const Indicator::IndicatorData& /* data */) override {}
+};
+
+void CountMemory()
+{
+    const auto service = FindService();
+    std::vector<sptr<SwitchListener>> stubs;
+    stubs.reserve(LISTENERS);
+    int32_t ofService = service->NotifyPowerEvent(1);
+    auto ofClient = static_cast<int64_t>(mallinfo2().uordblks);
+    for (int i = 0; i < LISTENERS; ++i) {
+        stubs.emplace_back(new Indicator::IndicatorSwitchListenerStubImpl(nullptr));
+        service->RegisterPrivacyIndicatorSwitchListener(stubs.back());
+    }
+    ofClient = static_cast<int64_t>(mallinfo2().uordblks) - ofClient;
+    ofService = service->NotifyPowerEvent(1) - ofService;
+    PrintFigure("memory, bytes", "a listener's proxy in the service", "", ofService / LISTENERS);
+    PrintFigure("memory, bytes", "a listener's stub in its process", "", static_cast<double>(ofClient / LISTENERS));
+
+    auto& client = PrivacyIndicatorClient::GetInstance();
+    std::vector<std::shared_ptr<SilentListener>> listeners(LISTENERS);
+    for (auto& listener : listeners) {
+        listener = std::make_shared<SilentListener>();
+    }
+    client.RegisterPrivacyIndicatorSwitchListener(listeners.front()); // The stub is made.
+    ofClient = static_cast<int64_t>(mallinfo2().uordblks);
+    for (const auto& listener : listeners) {
+        client.RegisterPrivacyIndicatorSwitchListener(listener);
+    }
+    ofClient = static_cast<int64_t>(mallinfo2().uordblks) - ofClient;
+    PrintFigure("memory, bytes", "an app's listener", "", static_cast<double>(ofClient / (LISTENERS - 1)));
+}
+
 void SendForTrace(const std::string& name, int count)
 {
     constexpr int32_t RECORDS = 1000;
@@ -154,11 +212,13 @@ int main(int argc, char** argv)
         Fail("no memory");
     }
     auto& counts = *new (shared) Counts{};
-    StartService(counts);
-    allocationCount = &counts[CLIENT];
     const std::string mode = argc > 1 ? argv[1] : "";
+    mode == "memory" ? StartService<KeepingService>(counts) : StartService<MarkingService>(counts);
+    allocationCount = &counts[CLIENT];
     if (mode == "allocations") {
         CountAllocations(counts);
+    } else if (mode == "memory") {
+        CountMemory();
     } else if (mode == "trace" && argc == 4) {
         SendForTrace(argv[2], std::atoi(argv[3]));
     } else {

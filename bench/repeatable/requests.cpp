@@ -11,6 +11,7 @@
 #include "by_hand.h"
 #include "indicator_switch_listener_proxy.h"
 #include "privacy_event_listener_proxy.h"
+#include "privacy_event_values.h"
 #include "privacy_indicator_service_intf_proxy.h"
 #include "privacy_indicator_service_intf_stub.h"
 #include "requests.h"
@@ -54,7 +55,7 @@ void CountCallbacks(const std::string& side, SwitchListener& switchListener, Eve
     const auto infos = RemindInfos(1);
     Count(side + "OnSwitchChanged", [&] { return switchListener.OnSwitchChanged(data), true; });
     Count(side + "OnPrivacyEventChanged",
-        [&] { return eventListener.OnPrivacyEventChanged("SENSOR_STATE_CHANGE", infos), true; });
+        [&] { return eventListener.OnPrivacyEventChanged(Privacy::SENSOR_STATE_CHANGE, infos), true; });
 }
 
 template <typename Proxy>

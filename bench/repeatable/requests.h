@@ -8,6 +8,7 @@
 
 #include "indicator_switch_listener_stub_impl.h"
 #include "privacy_event_listener_stub_impl.h"
+#include "privacy_event_values.h"
 #include "service.h"
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Bench {
@@ -27,7 +28,7 @@ inline std::vector<Request> Requests(int32_t recordCount)
     return {
         {"RegisterPrivacyEventListener",
             [=](Intf& service) {
-                return service.RegisterPrivacyEventListener("SENSOR_STATE_CHANGE", eventListener) == 0;
+                return service.RegisterPrivacyEventListener(Privacy::SENSOR_STATE_CHANGE, eventListener) == 0;
             }},
         {"UnregisterPrivacyEventListener",
             [=](Intf& service) { return service.UnregisterPrivacyEventListener(eventListener) == 0; }},
