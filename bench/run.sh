@@ -20,7 +20,7 @@ on_bus()
     local level=$1
     shift
     # As a child of a shell, since a tracer would wait for the bus, too, and that for the tracer.
-    HILOG_LEVEL=$level timeout 120 "$folder/../platform/samgr/bin/ohos_bus" bash -c '"$@"; exit $?' - "$@" </dev/null
+    HILOG_LEVEL=$level timeout 300 "$folder/../platform/samgr/bin/ohos_bus" bash -c '"$@"; exit $?' - "$@" </dev/null
 }
 
 # The instructions of each request, as a multiple of those of its parcel operations written by hand.
@@ -79,6 +79,7 @@ measure_repeatable()
     count_instructions "logging off" OFF
     count_instructions "logging on" I
     on_bus OFF "$programs/bench_calls" allocations
+    on_bus OFF "$programs/bench_calls" memory
     count_system_calls TurnOffIndicator TurnOffIndicator
     count_system_calls "GetPrivacyEventDetails, 1,000 records" GetPrivacyEventDetails
     describe_library
@@ -113,8 +114,123 @@ compare()
         }' "$recorded" "$work/figures"
 }
 
+# Figures that follow from others.
+derive()
+{
+    awk -F'|' '
+        { value[$1, $2, $3] = $4 }
+        $1 == "instructions" && $3 == "logging off" && $4 > most { most = $4 }
+        END {
+            print "instructions|the most of all requests|logging off|" most
+            split("switch event", kinds, " ")
+            for (i = 1; i <= 2; i++)
+                print "growth|a listener of 10,000 beside one of 10|" kinds[i] "|" \
+                    value["dispatch, nanoseconds", "10000 listeners", kinds[i]] / 1000 / \
+                    value["dispatch, nanoseconds", "10 listeners", kinds[i]]
+            query = "query, microseconds"
+            print "growth|a record of 2,000 beside one of 1,000|query|" \
+                value[query, "library", "2,000"] / 2 / value[query, "library", "1,000"]
+        }' "$work/figures"
+}
+
+# The processor time of each benchmark, whose name is table/row/column.
+measure_local()
+{
+    HILOG_LEVEL=OFF "$programs/bench_local" --benchmark_format=csv --benchmark_min_time=0.02 \
+        --benchmark_repetitions=9 --benchmark_enable_random_interleaving=true \
+        --benchmark_report_aggregates_only=true 2>/dev/null |
+        sed -n 's|^"\([^/"]*\)/\([^/"]*\)/\([^/"_]*\)[^"]*_median",[^,]*,[^,]*,\([^,]*\),.*|\1\|\2\|\3\|\4|p' | sort -V
+}
+
+# Prints a table of the figures.
+tabulate()
+{
+    awk -F'|' -v table="$1" '
+        function text(value) {
+            return value == "" ? "" : value == int(value) || value >= 1000 ? sprintf("%d", value) \
+                : value >= 100 ? sprintf("%.0f", value) : value >= 10 ? sprintf("%.1f", value) : sprintf("%.2f", value)
+        }
+        $1 != table { next }
+        !($2 in isRow) { isRow[$2] = 1; rows[++rowCount] = $2 }
+        !($3 in isColumn) { isColumn[$3] = 1; columns[++columnCount] = $3 }
+        { value[$2, $3] = $4 }
+        END {
+            line = "| |"; rule = "|---|"
+            for (j = 1; j <= columnCount; j++) { line = line " " columns[j] " |"; rule = rule "---:|" }
+            print line; print rule
+            for (i = 1; i <= rowCount; i++) {
+                line = "| " rows[i] " |"
+                for (j = 1; j <= columnCount; j++) line = line " " text(value[rows[i], columns[j]]) " |"
+                print line
+            }
+        }' "$work/figures"
+}
+
+# Prints which aims are met.
+judge()
+{
+    echo "| aim | at most | measured | |"
+    echo "|---|---:|---:|---|"
+    awk -F'|' '
+        /^#/ { next }
+        NR == FNR { value[$1, $2, $3] = $4; next }
+        { measured = value[$1, $2, $3]
+          printf "| %s | %s | %s | %s |\n", $5, $4 + 0, measured == "" ? "-" : sprintf("%.4g", measured),
+              measured == "" ? "not measured" : measured <= $4 ? "met" : "**not met**" }' "$work/figures" "$folder/aims.txt"
+}
+
+# Prints a bar for each contender's small call.
+draw()
+{
+    awk -F'|' '$1 == "small call" && $3 == "one core" {
+        bar = sprintf("%*s", $4 * 4 > 60 ? 60 : int($4 * 4 + 0.5), ""); gsub(/ /, "#", bar)
+        printf "    %-28s %5.2f %s\n", $2, $4, bar }' "$work/figures"
+}
+
+print_page()
+{
+    local table text
+    cat <<END
+# Performance
+
+\`./dev bench\` wrote this page: $(date -u +%F), $(nproc) processors ($(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo |
+        head -n 1)), $(uname -sr), $(${CXX:-g++} --version | head -n 1), load $(cut -d' ' -f1 /proc/loadavg) at its start.
+
+The contenders take turns within each round, and a ratio is the median of the ratios of all rounds, so that what else the
+machine does falls on all of them. A busy machine still makes those dearer that use more threads, and what crosses cores.
+Logging is off, but where a row says that it is on: lines of level info and above then go to \`/dev/null\`. \`library\` is
+the client that an app uses, with the service of the test kit in another process; \`./dev bench --check\` compares the
+tables of instructions, allocations, system calls, memory and the library itself with those that were recorded.
+
+A small call on one core, as a multiple of a stream socket's:
+
+$(draw)
+
+## Aims
+
+$(judge)
+END
+    while IFS='|' read -r table text; do
+        printf '\n## %s\n\n%s\n\n' "${table^}" "$text"
+        tabulate "$table"
+    done < <(grep -v '^#' "$folder/tables.txt")
+}
+
+report()
+{
+    on_bus OFF "$programs/bench_peers" calls >>"$work/figures"
+    on_bus OFF "$programs/bench_peers" events >>"$work/figures"
+    measure_local >>"$work/figures"
+    derive >"$work/derived"
+    cat "$work/derived" >>"$work/figures"
+    print_page >"$work/page"
+    cp "$work/page" "$1"
+    cat "$work/page"
+}
+
 measure_repeatable >"$work/figures"
 case $2 in
 record) record ;;
 check) compare ;;
+report) report "$3" ;;
 esac

@@ -34,7 +34,7 @@ namespace {
 enum class Kind { SWITCH, EVENT };
 
 constexpr int REPEATED = 20;
-constexpr int ROUNDS = 15;
+constexpr int ROUNDS = 31;
 
 /** Counts, for all processes, who has heard of an event. */
 class Heard {
