@@ -6,15 +6,18 @@
 
 using OHOS::Korvane::Quenlar::PrivacyIndicator::Bench::allocationCount;
 
+thread_local std::atomic<uint64_t>* OHOS::Korvane::Quenlar::PrivacyIndicator::Bench::allocationCount = nullptr;
+
 namespace {
 
-std::atomic<uint64_t> ownCount{0};
-
-void Count() { allocationCount.load(std::memory_order_relaxed)->fetch_add(1, std::memory_order_relaxed); }
+void Count()
+{
+    if (allocationCount != nullptr) {
+        ++*allocationCount;
+    }
+}
 
 } // namespace
-
-std::atomic<std::atomic<uint64_t>*> OHOS::Korvane::Quenlar::PrivacyIndicator::Bench::allocationCount{&ownCount};
 
 extern "C" {
 

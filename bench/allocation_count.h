@@ -7,8 +7,8 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Bench {
 
-/** Where the allocations of this process's threads are counted: its own number, or one in memory that it shares. */
-extern std::atomic<std::atomic<uint64_t>*> allocationCount;
+/** Where the allocations of this thread are counted, such as in memory that processes share; null for nowhere. */
+extern thread_local std::atomic<uint64_t>* allocationCount;
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Bench
 

@@ -121,12 +121,12 @@ derive()
         { value[$1, $2, $3] = $4 }
         $1 == "instructions" && $3 == "logging off" && $4 > most { most = $4 }
         END {
-            print "instructions|the most of all requests|logging off|" most
+            print "instructions|the most|logging off|" most
             split("switch event", kinds, " ")
             for (i = 1; i <= 2; i++)
                 print "growth|a listener of 10,000 beside one of 10|" kinds[i] "|" \
-                    value["dispatch, nanoseconds", "10000 listeners", kinds[i]] / 1000 / \
-                    value["dispatch, nanoseconds", "10 listeners", kinds[i]]
+                    value["dispatch, nanoseconds", "10000", kinds[i]] / 1000 / \
+                    value["dispatch, nanoseconds", "10", kinds[i]]
             query = "query, microseconds"
             print "growth|a record of 2,000 beside one of 1,000|query|" \
                 value[query, "library", "2,000"] / 2 / value[query, "library", "1,000"]

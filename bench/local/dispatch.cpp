@@ -101,7 +101,7 @@ void CallInLoop(benchmark::State& state)
 void RegisterDispatch()
 {
     for (const int64_t listeners : {1, 10, 100, 1000, 10000}) {
-        const std::string table = "dispatch, nanoseconds/" + std::to_string(listeners) + " listeners/";
+        const std::string table = "dispatch, nanoseconds/" + std::to_string(listeners) + "/";
         benchmark::RegisterBenchmark((table + "switch").c_str(), DispatchSwitch)->Arg(listeners);
         benchmark::RegisterBenchmark((table + "event").c_str(), DispatchEvent)->Arg(listeners);
         benchmark::RegisterBenchmark((table + "loop").c_str(), CallInLoop)->Arg(listeners);

@@ -19,63 +19,47 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Bench {
 
 namespace {
 
-constexpr int ROUNDS = 21;
+constexpr size_t ROUNDS = 21;
 constexpr double ROUND_SECONDS = 0.015; // For each contender.
 
 using Matches = std::vector<std::unique_ptr<Match>>;
 
-/** One column of a table: the medians of all, in the order of `matches`; the first is what the others are measured
- * by.*/
-struct Column {
-    std::vector<double> microseconds;
-    std::vector<double> ratios;
-};
-
-Column Measure(const std::vector<Match*>& matches, Task task, size_t clients)
+/** How often each thread of each client is to do the task, for a round to take its time. */
+int CountForRound(Match& match, Task task, size_t clients)
 {
-    std::vector<Task> tasks;
-    for (Match* match : matches) {
-        task.repeated = 3;
-        match->Run(task, clients);
-        const double seconds = match->Run(task, clients) * static_cast<double>(clients) * task.threads;
-        task.repeated = std::max(1, static_cast<int>(ROUND_SECONDS / seconds));
-        tasks.push_back(task);
+    double seconds = 1;
+    task.repeated = 3;
+    for (int i = 0; i < 3; ++i) {
+        seconds = std::min(seconds, match.Run(task, clients));
     }
-    std::vector<std::vector<double>> times(matches.size());
-    std::vector<std::vector<double>> ratios(matches.size());
-    for (int round = 0; round < ROUNDS; ++round) {
-        std::vector<double> now(matches.size());
-        for (size_t i = 0; i < matches.size(); ++i) {
-            const size_t turn = (i + static_cast<size_t>(round)) % matches.size();
-            now[turn] = matches[turn]->Run(tasks[turn], clients);
-        }
-        for (size_t i = 0; i < matches.size(); ++i) {
-            times[i].push_back(now[i] * 1e6);
-            ratios[i].push_back(now[i] / now[0]);
-        }
-    }
-    Column column;
-    for (size_t i = 0; i < matches.size(); ++i) {
-        column.microseconds.push_back(Median(times[i]));
-        column.ratios.push_back(Median(ratios[i]));
-    }
-    return column;
+    return std::max(1, static_cast<int>(ROUND_SECONDS / (seconds * static_cast<double>(clients) * task.threads)));
 }
 
-/** Prints a column: its ratios, its times, and the library's time as a multiple of each peer's. */
-void Print(const std::string& table, const std::string& name, const std::vector<Match*>& matches, const Column& column)
+/**
+ * Prints a column of three tables: each one's time as a multiple of the first one's, its time, and the library's time
+ * as a multiple of it.
+ */
+void Measure(
+    const std::string& table, const std::string& column, const std::vector<Match*>& matches, Task task, size_t clients)
 {
-    double library = 0;
+    std::vector<Task> tasks(matches.size(), task);
+    size_t library = 0;
     for (size_t i = 0; i < matches.size(); ++i) {
-        if (matches[i]->Subject().Name() == "library") {
-            library = column.microseconds[i];
+        tasks[i].repeated = CountForRound(*matches[i], task, clients);
+        library = matches[i]->Subject().Name() == "library" ? i : library;
+    }
+    std::vector<std::vector<double>> times(matches.size());
+    for (size_t round = 0; round < ROUNDS; ++round) {
+        for (size_t i = 0; i < matches.size(); ++i) {
+            const size_t turn = (i + round) % matches.size();
+            times[turn].push_back(matches[turn]->Run(tasks[turn], clients));
         }
     }
     for (size_t i = 0; i < matches.size(); ++i) {
         const std::string& row = matches[i]->Subject().Name();
-        PrintFigure(table, row, name, column.ratios[i]);
-        PrintFigure(table + ", microseconds", row, name, column.microseconds[i]);
-        PrintFigure(table + ", the library's share", row, name, library / column.microseconds[i]);
+        PrintFigure(table, row, column, MedianRatio(times[i], times[0]));
+        PrintFigure(table + ", microseconds", row, column, Median(times[i]) * 1e6);
+        PrintFigure(table + ", the library's share", row, column, MedianRatio(times[library], times[i]));
     }
 }
 
@@ -83,7 +67,7 @@ void Print(const std::string& table, const std::string& name, const std::vector<
 void MeasureFirstCalls(const std::vector<Match*>& matches)
 {
     std::vector<std::vector<double>> times(matches.size());
-    for (int round = 0; round < ROUNDS; ++round) {
+    for (size_t round = 0; round < ROUNDS; ++round) {
         for (size_t i = 0; i < matches.size(); ++i) {
             times[i].push_back(matches[i]->CallFirst() * 1e6);
         }
@@ -126,10 +110,10 @@ void MeasureCalls(const std::string& programs)
         for (Match* match : matches) {
             match->Place(placement);
         }
-        Print("small call", name, matches, Measure(matches, {0, 1, 0}, 1));
+        Measure("small call", name, matches, {0, 1, 0}, 1);
     }
     for (const int32_t records : {1, 10, 100, 1000, 2000}) {
-        Print("query", WithCommas(records), matches, Measure(matches, {records, 1, 0}, 1));
+        Measure("query", WithCommas(records), matches, {records, 1, 0}, 1);
     }
 
     std::vector<Match*> concurrent;
@@ -138,7 +122,7 @@ void MeasureCalls(const std::string& programs)
         return match->Subject().IsConcurrent() && (match->Subject().HasServer()) && name != "packet socket";
     });
     for (const int threads : {1, 2, 4, 8}) {
-        Print("threads", std::to_string(threads), concurrent, Measure(concurrent, {0, threads, 0}, 1));
+        Measure("threads", std::to_string(threads), concurrent, {0, threads, 0}, 1);
     }
     for (const size_t clients : {1, 4, 16}) {
         for (Match* match : concurrent) {
@@ -146,12 +130,12 @@ void MeasureCalls(const std::string& programs)
                 match->AddClient();
             }
         }
-        Print("processes", std::to_string(clients), concurrent, Measure(concurrent, {0, 1, 0}, clients));
+        Measure("processes", std::to_string(clients), concurrent, {0, 1, 0}, clients);
     }
     MeasureFirstCalls(concurrent);
     MeasureFirstAnswers(programs);
     // The same with one client, while those before are idle.
-    Print("processes", "1, and 15 idle", concurrent, Measure(concurrent, {0, 1, 0}, 1));
+    Measure("processes", "1, and 15 idle", concurrent, {0, 1, 0}, 1);
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Bench

@@ -223,14 +223,13 @@ void MeasureEvents()
             const std::string row = std::to_string(processes) + (processes == 1 ? " process" : " processes");
             RawAudience raw(kind, processes);
             LibraryAudience library(kind, processes);
-            std::vector<double> ratios;
+            std::vector<double> limits;
             std::vector<double> times;
             for (int round = 0; round < ROUNDS; ++round) {
-                const double limit = raw.Run();
+                limits.push_back(raw.Run());
                 times.push_back(library.Run());
-                ratios.push_back(times.back() / limit);
             }
-            PrintFigure("events", row, name, Median(ratios));
+            PrintFigure("events", row, name, MedianRatio(times, limits));
             PrintFigure("events", row, std::string(name) + ", microseconds", Median(times) * 1e6);
         }
     }

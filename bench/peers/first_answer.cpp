@@ -89,15 +89,12 @@ void MeasureFirstAnswers(const std::string& programs)
             Run(program);
         }
     }
-    std::vector<double> ratios;
-    for (size_t i = 0; i < ROUNDS; ++i) {
-        ratios.push_back(all.back().milliseconds[i] / all.front().milliseconds[i]);
-    }
     for (const Program& program : all) {
         PrintFigure("first answer", program.name, "milliseconds", Median(program.milliseconds));
         PrintFigure("first answer", program.name, "private memory, KB", Median(program.kilobytes));
     }
-    PrintFigure("first answer", "library / sd-bus, by a daemon", "milliseconds", Median(ratios));
+    PrintFigure("first answer", "library / sd-bus, by a daemon", "milliseconds",
+        MedianRatio(all.back().milliseconds, all.front().milliseconds));
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Bench

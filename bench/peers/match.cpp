@@ -2,6 +2,7 @@
 #include "match.h"
 
 #include <algorithm>
+#include <functional>
 #include <thread>
 #include <utility>
 
@@ -100,6 +101,13 @@ double Median(std::vector<double> values)
 {
     std::sort(values.begin(), values.end());
     return values[values.size() / 2];
+}
+
+double MedianRatio(const std::vector<double>& dividends, const std::vector<double>& divisors)
+{
+    std::vector<double> ratios(dividends.size());
+    std::transform(dividends.begin(), dividends.end(), divisors.begin(), ratios.begin(), std::divides<>());
+    return Median(std::move(ratios));
 }
 
 double SecondsSince(std::chrono::steady_clock::time_point begin)

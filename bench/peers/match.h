@@ -44,6 +44,9 @@ private:
 
 double Median(std::vector<double> values);
 
+/** The median of the ratios of two series, round by round. */
+double MedianRatio(const std::vector<double>& dividends, const std::vector<double>& divisors);
+
 double SecondsSince(std::chrono::steady_clock::time_point begin);
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Bench
