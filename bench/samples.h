@@ -33,8 +33,8 @@ inline std::vector<Privacy::PrivacyEventDetail> Details(int32_t count)
         detail.uid = 20010000 + i;
         detail.privacySensorType = i % 3;
         detail.startTimestamp = BEGIN + i;
-        detail.realEndTimestamp = BEGIN + 2 * i;
-        detail.showEndTimestamp = BEGIN + 2 * i;
+        detail.realEndTimestamp = BEGIN + 2 * int64_t{i};
+        detail.showEndTimestamp = BEGIN + 2 * int64_t{i};
         detail.realAccessState = 1;
         detail.showAccessState = 1;
         detail.eventFlags = 7;
@@ -63,9 +63,9 @@ inline std::vector<Record::PermissionUsageDuration> Durations(int32_t count)
 
 inline Record::PermissionUsageDurationQuery Query(int32_t names)
 {
-    std::vector<std::string> bundleNames;
+    std::vector<std::string> bundleNames(static_cast<size_t>(names));
     for (int32_t i = 0; i < names; ++i) {
-        bundleNames.push_back(Name(i));
+        bundleNames[static_cast<size_t>(i)] = Name(i);
     }
     Record::PermissionUsageDurationQuery query;
     query.SetBundleNames(bundleNames);

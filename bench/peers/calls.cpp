@@ -119,12 +119,12 @@ void MeasureCalls(const std::string& programs)
     std::vector<Match*> concurrent;
     std::copy_if(matches.begin(), matches.end(), std::back_inserter(concurrent), [](Match* match) {
         const std::string& name = match->Subject().Name();
-        return match->Subject().IsConcurrent() && (match->Subject().HasServer()) && name != "packet socket";
+        return match->Subject().IsConcurrent() && match->Subject().HasServer() && name != "packet socket";
     });
     for (const int threads : {1, 2, 4, 8}) {
         Measure("threads", std::to_string(threads), concurrent, {0, threads, 0}, 1);
     }
-    for (const size_t clients : {1, 4, 16}) {
+    for (const size_t clients : {1U, 4U, 16U}) {
         for (Match* match : concurrent) {
             while (match->CountClients() < clients) {
                 match->AddClient();
@@ -132,10 +132,9 @@ void MeasureCalls(const std::string& programs)
         }
         Measure("processes", std::to_string(clients), concurrent, {0, 1, 0}, clients);
     }
+    Measure("processes", "1, and 15 idle", concurrent, {0, 1, 0}, 1);
     MeasureFirstCalls(concurrent);
     MeasureFirstAnswers(programs);
-    // The same with one client, while those before are idle.
-    Measure("processes", "1, and 15 idle", concurrent, {0, 1, 0}, 1);
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Bench
