@@ -2,8 +2,7 @@
 #ifndef SERVICE_H
 #define SERVICE_H
 
-#include <functional>
-#include <map>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -16,8 +15,9 @@ using EventListener = Privacy::PrivacyEventListenerIntf;
 using SwitchListener = Indicator::IndicatorSwitchListenerIntf;
 
 /**
- * A service that does nothing of its own, so that only the way to it and back is measured. A query returns as many
- * records as its first number says, or `recordCount`. `Stub` is the stub that decodes the requests.
+ * A service that does nothing of its own, so that only the way to it and back is measured. A query by user returns as
+ * many records as the user's number says, and one about durations as many as it has names. `Stub` is the stub that
+ * decodes the requests.
  */
 template <typename Stub>
 class Service : public Stub {

@@ -36,7 +36,7 @@ enum class Kind { SWITCH, EVENT };
 constexpr int REPEATED = 20;
 constexpr int ROUNDS = 31;
 
-/** Counts, for all processes, who has heard of an event. */
+/** Counts, for all processes, how many of them have an event. */
 class Heard {
 public:
     explicit Heard(uint32_t all) : all_(all) {}
@@ -87,7 +87,7 @@ public:
     }
 
 protected:
-    /** In the sender: says that it is ready, and sends events as it is told. */
+    /** In the sender: says that it is ready, and sends events at each byte that it is sent. */
     template <typename F>
     void SendEvents(int line, const F& sendOne)
     {
