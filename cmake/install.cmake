@@ -1,19 +1,37 @@
 # SPDX-License-Identifier: Apache-2.0
-# The installed tree can be moved: it finds everything relative to itself.
+# The installed tree can be moved: it finds everything relative to itself. It has three components: the library with what
+# it runs on, what one needs to develop against it, and the tools.
 include(CMakePackageConfigHelpers)
 
 set(package qnl_privacy_indicator)
-set(package_dir lib/cmake/${package})
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/${package})
 set(version_file ${CMAKE_CURRENT_BINARY_DIR}/${package}ConfigVersion.cmake)
 
-install(TARGETS qnl_privacy_indicator_service_intf EXPORT ${package} LIBRARY DESTINATION lib)
+install(TARGETS qnl_privacy_indicator_service_intf EXPORT ${package}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library)
 install(TARGETS qnl_privacy_indicator_service_intf_device EXPORT ${package}
-    LIBRARY DESTINATION lib/${package}/device)
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/${package}/device COMPONENT library)
 if(QNL_PLATFORM STREQUAL "standin")
-    install(TARGETS qnl_privacy_indicator_testing EXPORT ${package} ARCHIVE DESTINATION lib)
-    install(DIRECTORY testing/ DESTINATION include/${package}_testing FILES_MATCHING PATTERN *.h)
+    install(TARGETS qnl_privacy_indicator_testing EXPORT ${package}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+    install(DIRECTORY testing/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${package}_testing COMPONENT development
+        FILES_MATCHING PATTERN *.h)
+
+    # For pkg-config. The file's own folder leads to the rest of the tree.
+    file(RELATIVE_PATH prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+    file(RELATIVE_PATH libdir ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_FULL_LIBDIR})
+    function(qnl_install_module module template variant folder)
+        set(file ${CMAKE_CURRENT_BINARY_DIR}/${module}.pc)
+        configure_file(cmake/${template}.pc.in ${file} @ONLY)
+        install(FILES ${file} DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+    endfunction()
+    qnl_install_module(${package} ${package} emulator "")
+    qnl_install_module(${package}_device ${package} device /${package}/device)
+    qnl_install_module(${package}_testing ${package}_testing "" "")
 endif()
-install(DIRECTORY interfaces/ DESTINATION include/${package} FILES_MATCHING PATTERN *.h)
-install(EXPORT ${package} NAMESPACE qnl:: DESTINATION ${package_dir} FILE ${package}Targets.cmake)
+install(DIRECTORY interfaces/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${package} COMPONENT development
+    FILES_MATCHING PATTERN *.h)
+install(EXPORT ${package} NAMESPACE qnl:: DESTINATION ${package_dir} FILE ${package}Targets.cmake
+    COMPONENT development)
 write_basic_package_version_file(${version_file} COMPATIBILITY SameMajorVersion)
-install(FILES cmake/${package}Config.cmake ${version_file} DESTINATION ${package_dir})
+install(FILES cmake/${package}Config.cmake ${version_file} DESTINATION ${package_dir} COMPONENT development)

@@ -7,6 +7,12 @@ set(exports ${CMAKE_CURRENT_SOURCE_DIR}/cmake/exports.map)
 file(GLOB sources CONFIGURE_DEPENDS client/*.cpp composer/*.cpp ipc/*.cpp model/*.cpp util/*.cpp)
 list(FILTER sources EXCLUDE REGEX "/client/gate_[a-z]+\\.cpp$")
 
+# The names of the device's libraries, or the stand-in's targets.
+set(platform utils ipc_single samgr_proxy hilog qnl_infrastructure)
+if(QNL_PLATFORM STREQUAL "standin")
+    list(TRANSFORM platform PREPEND qnl::)
+endif()
+
 # What all that is compiled from the library's sources has in common.
 function(qnl_configure target)
     set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
@@ -14,14 +20,13 @@ function(qnl_configure target)
     target_include_directories(${target}
         PUBLIC
             $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/interfaces>
-            $<INSTALL_INTERFACE:include/qnl_privacy_indicator>
+            $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/qnl_privacy_indicator>
         PRIVATE client composer ipc model util)
     if(QNL_PLATFORM STREQUAL "external")
         target_include_directories(${target} SYSTEM PUBLIC "$<BUILD_INTERFACE:${QNL_PLATFORM_INCLUDE_DIRS}>")
         target_link_directories(${target} PUBLIC "$<BUILD_INTERFACE:${QNL_PLATFORM_LIBRARY_DIRS}>")
     endif()
-    # The stand-in's targets, or the names of the device's libraries.
-    target_link_libraries(${target} PUBLIC utils ipc_single samgr_proxy hilog qnl_infrastructure)
+    target_link_libraries(${target} PUBLIC ${platform})
 endfunction()
 
 # Everything but the gate, compiled once. The tests link it with a gate of their own.

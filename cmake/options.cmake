@@ -1,10 +1,15 @@
 # SPDX-License-Identifier: Apache-2.0
 # What a builder may choose, and the flags that everything here is compiled with.
+include(GNUInstallDirs)
 
 set(QNL_PLATFORM standin CACHE STRING "The platform to build against: standin (platform/) or external")
 set_property(CACHE QNL_PLATFORM PROPERTY STRINGS standin external)
 set(QNL_PLATFORM_INCLUDE_DIRS "" CACHE STRING "The external platform's header folders")
 set(QNL_PLATFORM_LIBRARY_DIRS "" CACHE STRING "The external platform's library folders")
+option(QNL_BUILD_EXAMPLES "Build the examples, the tools among them" ${PROJECT_IS_TOP_LEVEL})
+option(QNL_BUILD_TESTS "Build the tests, which run the examples" ${PROJECT_IS_TOP_LEVEL})
+option(QNL_INSTALL "Install what is built" ${PROJECT_IS_TOP_LEVEL})
+option(QNL_WERROR "Take warnings for errors" ${PROJECT_IS_TOP_LEVEL})
 set(QNL_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
 
 if(NOT QNL_PLATFORM MATCHES "^(standin|external)$")
@@ -13,19 +18,26 @@ endif()
 if(QNL_PLATFORM STREQUAL "external" AND NOT QNL_PLATFORM_INCLUDE_DIRS)
     message(FATAL_ERROR "QNL_PLATFORM is external: name its header folders in QNL_PLATFORM_INCLUDE_DIRS.")
 endif()
+if(QNL_BUILD_TESTS AND NOT QNL_BUILD_EXAMPLES)
+    message(FATAL_ERROR "QNL_BUILD_TESTS needs QNL_BUILD_EXAMPLES: the tests run the examples.")
+endif()
 
 set(CMAKE_CXX_STANDARD 17)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+# The build folder leaves no trace in what is built there.
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
-if(NOT CMAKE_BUILD_TYPE)
-    set(CMAKE_BUILD_TYPE Release)
+if(PROJECT_IS_TOP_LEVEL)
+    set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+    if(NOT CMAKE_BUILD_TYPE)
+        set(CMAKE_BUILD_TYPE Release)
+    endif()
+    string(REPLACE "-O3" "-O2" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
 endif()
-string(REPLACE "-O3" "-O2" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
 
-add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion $<$<BOOL:${QNL_WERROR}>:-Werror>)
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     # clang-tidy's own check of it costs a fifth of its time.
     add_compile_options(-Wreserved-identifier -Wreserved-macro-identifier)
