@@ -10,6 +10,7 @@ option(QNL_BUILD_EXAMPLES "Build the examples, the tools among them" ${PROJECT_I
 option(QNL_BUILD_TESTS "Build the tests, which run the examples" ${PROJECT_IS_TOP_LEVEL})
 option(QNL_INSTALL "Install what is built" ${PROJECT_IS_TOP_LEVEL})
 option(QNL_WERROR "Take warnings for errors" ${PROJECT_IS_TOP_LEVEL})
+option(QNL_DEBIAN "Prepare Debian packages, for cpack" OFF)
 set(QNL_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
 
 if(NOT QNL_PLATFORM MATCHES "^(standin|external)$")

@@ -35,7 +35,7 @@ platform=$work/moved/lib/qnl_privacy_indicator/platform
 if grep -rF -e "$source" -e "$build" -e "$work/installed" "$work/moved" "$work/build/build.ninja"; then
     fail "the installed package leads back to where it came from"
 fi
-for library in "$work"/moved/lib/*.so "$platform"/lib/*.so "$work"/moved/bin/*; do
+for library in "$work"/moved/lib/*.so "$platform"/lib/*.so "$work"/moved/bin/indicator_*; do
     if readelf -d "$library" | grep -E 'R(UN)?PATH' | grep -vF '[$ORIGIN' || ldd "$library" | grep -F 'not found'; then
         fail "$library does not find its libraries relative to its own place"
     fi

@@ -3,9 +3,12 @@
 #define PARSE_H
 
 #include <charconv>
+#include <locale>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <system_error>
+#include <type_traits>
 
 #include "privacy_sensor_type.h"
 
@@ -28,9 +31,17 @@ template <typename Number>
 Number ParseNumber(const std::string& text)
 {
     Number number{};
-    const char* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc() || rest != end) {
+    bool isNumber = false;
+    if constexpr (std::is_floating_point_v<Number>) { // Not every standard library has from_chars for these.
+        std::istringstream stream(text);
+        stream.imbue(std::locale::classic());
+        isNumber = stream >> std::noskipws >> number && stream.eof();
+    } else {
+        const char* const end = text.data() + text.size();
+        const auto [rest, error] = std::from_chars(text.data(), end, number);
+        isNumber = error == std::errc() && rest == end;
+    }
+    if (!isNumber) {
         throw ParseError("\"" + text + "\" is not a number, or out of range");
     }
     return number;
