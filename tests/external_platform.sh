@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # usage: external_platform.sh CMAKE CXX SOURCE_DIR BUILD_DIR
 # Builds the library as for a device, without type information and exceptions, against a platform that is not in this
-# tree: the installed stand-in takes its place.
+# tree: the installed stand-in takes its place. Its interface, and what it needs of the platform, are as abi/ says.
 set -eu
 cmake=$1 cxx=$2 source=$3 build=$4
 
@@ -23,3 +23,33 @@ if grep -rF "$source/platform" "$work/build/build.ninja"; then
 fi
 LD_LIBRARY_PATH=$platform/lib "$source/tests/library_symbols.sh" \
     "$work/device/lib/libqnl_privacy_indicator_service_intf.so" Debug no-rtti
+
+library=$work/device/lib/libqnl_privacy_indicator_service_intf.so
+nm -D --undefined-only "$library" | awk '$2 !~ /@/ && $1 == "U" { print $2 }' | LC_ALL=C sort >"$work/needed"
+if grep '^_ZT[IS]' "$work/needed"; then
+    echo "the library needs type information of the platform, which it does not export" >&2
+    exit 1
+fi
+# What the kept files say, or, on demand, shall say.
+kept=$source/abi
+if [ "${QNL_ABI_UPDATE-}" ]; then
+    { echo "# SPDX-License-Identifier: Apache-2.0" && cat "$work/needed"; } >"$kept/platform_symbols.txt"
+fi
+grep -v '^#' "$kept/platform_symbols.txt" | diff - "$work/needed" || {
+    echo "the library needs other symbols of the platform than abi/platform_symbols.txt says, see docs/abi.md" >&2
+    exit 1
+}
+if [ "${QNL_ABI_UPDATE-}" ]; then
+    abidw --headers-dir "$source/interfaces" --drop-private-types --suppressions "$kept/outside.ini" \
+        --exported-interfaces-only --drop-undefined-syms --no-show-locs --no-comp-dir-path --no-corpus-path \
+        --no-write-default-sizes --type-id-style hash "$library" |
+        sed -E "1a <!-- SPDX-License-Identifier: Apache-2.0 -->
+            s| path='[^']*/([a-z]+/[^/']+)'| path='\\1'|" >"$kept/device.xml"
+fi
+if [ "$(uname -m)" = x86_64 ] && command -v abidiff >/dev/null; then
+    abidiff --harmless --headers-dir2 "$source/interfaces" --drop-private-types --suppressions "$kept/outside.ini" \
+        --exported-interfaces-only "$kept/device.xml" "$library" || {
+        echo "the interface differs from abi/device.xml: after ./dev abi, git diff abi/ shows how; see docs/abi.md" >&2
+        exit 1
+    }
+fi
