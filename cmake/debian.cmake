@@ -35,12 +35,14 @@ A service that keeps everything in memory, a command for each of its requests,
 a live board, and a bus to run them on.")
 
 # What each package has under share/doc, and the complaints of lintian that are answered.
-string(TIMESTAMP DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
+string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     string(TOUPPER ${component} upper)
     set(name ${CPACK_DEBIAN_${upper}_PACKAGE_NAME})
     set(folder ${PROJECT_BINARY_DIR}/packaging/${name})
-    configure_file(packaging/changelog.in ${folder}/changelog @ONLY)
+    file(WRITE ${folder}/changelog "qnl-privacy-indicator (${PROJECT_VERSION}) unstable; urgency=medium\n
+  * Packaged from version ${PROJECT_VERSION}; the project's CHANGELOG.md says what changed.\n
+ -- ${CPACK_PACKAGE_CONTACT}  ${date}\n")
     execute_process(COMMAND gzip -9nf ${folder}/changelog COMMAND_ERROR_IS_FATAL ANY)
     install(FILES packaging/copyright ${folder}/changelog.gz
         DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${name} COMPONENT ${component})

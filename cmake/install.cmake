@@ -9,8 +9,8 @@ set(version_file ${CMAKE_CURRENT_BINARY_DIR}/${package}ConfigVersion.cmake)
 
 install(TARGETS qnl_privacy_indicator_service_intf EXPORT ${package}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library)
-install(TARGETS qnl_privacy_indicator_service_intf_device EXPORT ${package}
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/${package}/device COMPONENT library)
+install(TARGETS qnl_privacy_indicator_service_intf_${other} EXPORT ${package}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/${package}/${other} COMPONENT library)
 if(QNL_PLATFORM STREQUAL "standin")
     install(TARGETS qnl_privacy_indicator_testing EXPORT ${package}
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
@@ -33,5 +33,7 @@ install(DIRECTORY interfaces/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${package}
     FILES_MATCHING PATTERN *.h)
 install(EXPORT ${package} NAMESPACE qnl:: DESTINATION ${package_dir} FILE ${package}Targets.cmake
     COMPONENT development)
+configure_file(cmake/${package}Config.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/${package}Config.cmake @ONLY)
 write_basic_package_version_file(${version_file} COMPATIBILITY SameMajorVersion)
-install(FILES cmake/${package}Config.cmake ${version_file} DESTINATION ${package_dir} COMPONENT development)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${package}Config.cmake ${version_file}
+    DESTINATION ${package_dir} COMPONENT development)

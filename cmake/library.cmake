@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-# The library in its two variants: `emulator`, which is the product, and `device`. They differ in the gate to the service
+# The library in its two variants, `emulator` and `device`. They differ in the gate to the service
 # alone, and share their file name and SONAME, so that a program is switched by its library path.
 set(library qnl_privacy_indicator_service_intf)
 set(exports ${CMAKE_CURRENT_SOURCE_DIR}/cmake/exports.map)
@@ -25,6 +25,9 @@ function(qnl_configure target)
     if(QNL_PLATFORM STREQUAL "external")
         target_include_directories(${target} SYSTEM PUBLIC "$<BUILD_INTERFACE:${QNL_PLATFORM_INCLUDE_DIRS}>")
         target_link_directories(${target} PUBLIC "$<BUILD_INTERFACE:${QNL_PLATFORM_LIBRARY_DIRS}>")
+        # As a device compiles. Its platform exports no type information, and lays out RefBase by the definition.
+        target_compile_definitions(${target} PUBLIC OHOS_PLATFORM)
+        target_compile_options(${target} PRIVATE -fno-rtti)
     endif()
     target_link_libraries(${target} PUBLIC ${platform})
 endfunction()
@@ -59,5 +62,12 @@ function(qnl_add_variant target variant to_platform)
     endif()
 endfunction()
 
-qnl_add_variant(${library} emulator qnl_privacy_indicator/platform/lib)
-qnl_add_variant(${library}_device device ../platform/lib)
+# The main one and the other: on a device it is the device's that programs find by themselves.
+set(main emulator)
+set(other device)
+if(QNL_PLATFORM STREQUAL "external")
+    set(main device)
+    set(other emulator)
+endif()
+qnl_add_variant(${library} ${main} qnl_privacy_indicator/platform/lib)
+qnl_add_variant(${library}_${other} ${other} ../platform/lib)

@@ -1,8 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
 # usage: external_platform.sh CMAKE CXX SOURCE_DIR BUILD_DIR
-# Builds the library as for a device, without type information and exceptions, against a platform that is not in this
-# tree: the installed stand-in takes its place. Its interface, and what it needs of the platform, are as abi/ says.
+# Builds the library as for a device, and without exceptions, against a platform that is not in this tree: the installed
+# stand-in takes its place. Its interface, and what it needs of the platform, are as abi/ says.
 set -eu
 cmake=$1 cxx=$2 source=$3 build=$4
 
@@ -12,7 +12,7 @@ trap 'rm -rf "$work"' EXIT
 "$cmake" --install "$build" --prefix "$work/installed"
 platform=$work/installed/lib/qnl_privacy_indicator/platform
 "$cmake" -G Ninja -S "$source" -B "$work/build" -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_BUILD_TYPE=Debug \
-    -DCMAKE_CXX_FLAGS="-fno-rtti -fno-exceptions" \
+    -DCMAKE_CXX_FLAGS=-fno-exceptions \
     -DQNL_PLATFORM=external -DQNL_PLATFORM_INCLUDE_DIRS="$platform/include" -DQNL_PLATFORM_LIBRARY_DIRS="$platform/lib"
 "$cmake" --build "$work/build" --parallel 2
 "$cmake" --install "$work/build" --prefix "$work/device"
@@ -23,6 +23,21 @@ if grep -rF "$source/platform" "$work/build/build.ninja"; then
 fi
 LD_LIBRARY_PATH=$platform/lib "$source/tests/library_symbols.sh" \
     "$work/device/lib/libqnl_privacy_indicator_service_intf.so" Debug no-rtti
+
+# A program that is built from what this installs.
+configure()
+{
+    "$cmake" -G Ninja -S "$source/tests/consumer" -B "$work/consumer" -DCMAKE_CXX_COMPILER="$cxx" \
+        -DCMAKE_PREFIX_PATH="$work/device" "$@"
+}
+if configure 2>"$work/output" || ! grep -F QNL_PLATFORM_INCLUDE_DIRS "$work/output"; then
+    echo "the installed package does not say which variable it lacks" >&2
+    exit 1
+fi
+configure -DQNL_PLATFORM_INCLUDE_DIRS="$platform/include" -DQNL_PLATFORM_LIBRARY_DIRS="$platform/lib"
+"$cmake" --build "$work/consumer"
+LD_LIBRARY_PATH=$platform/lib "$work/consumer/device_consumer" >"$work/output" || true
+echo "result -1, 0 active indicators" | diff - "$work/output"
 
 library=$work/device/lib/libqnl_privacy_indicator_service_intf.so
 nm -D --undefined-only "$library" | awk '$2 !~ /@/ && $1 == "U" { print $2 }' | LC_ALL=C sort >"$work/needed"
