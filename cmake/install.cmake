@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# The installed tree can be moved: it finds everything relative to itself. It has three components: the library with what
-# it runs on, what one needs to develop against it, and the tools.
+# The installed tree can be moved: it finds everything relative to itself. It has three components: the library with
+# what it runs on, what one needs to develop against it, and the tools.
 include(CMakePackageConfigHelpers)
 
 set(package qnl_privacy_indicator)

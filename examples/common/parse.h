@@ -35,7 +35,7 @@ Number ParseNumber(const std::string& text)
     if constexpr (std::is_floating_point_v<Number>) { // Not every standard library has from_chars for these.
         std::istringstream stream(text);
         stream.imbue(std::locale::classic());
-        isNumber = stream >> std::noskipws >> number && stream.eof();
+        isNumber = text.find_first_not_of("+-.0123456789Ee") == std::string::npos && stream >> number && stream.eof();
     } else {
         const char* const end = text.data() + text.size();
         const auto [rest, error] = std::from_chars(text.data(), end, number);
