@@ -34,6 +34,8 @@ endfunction()
 
 # Everything but the gate, compiled once. The tests link it with a gate of their own.
 add_library(qnl_ungated OBJECT ${sources})
+file(GLOB alone CONFIGURE_DEPENDS ipc/*_stub*.cpp model/*.cpp)
+set_source_files_properties(${alone} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 qnl_configure(qnl_ungated)
 
 # A variant, installed into lib/`folder`, from where the stand-in is `to_platform`.

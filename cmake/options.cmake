@@ -30,6 +30,10 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 # The build folder leaves no trace in what is built there.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
+# Where a preset asks for it, a target's sources are compiled as one: most of the time goes into headers. A source whose
+# local names clash with another's stays alone.
+set(CMAKE_UNITY_BUILD_BATCH_SIZE 0)
+
 if(PROJECT_IS_TOP_LEVEL)
     set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
     if(NOT CMAKE_BUILD_TYPE)
