@@ -50,7 +50,16 @@ TEST_F(OhosBusTest, SignalsGoToTheCommandAndTheBusEndsWithIt)
     bus.Signal(SIGTERM);
     EXPECT_EQ(bus.AwaitEnd(), -SIGTERM);
     service.Hears({"down 100"});
+    const std::filesystem::path link = folder_ + "/own";
+    EXPECT_TRUE(AwaitThat([&] { return std::filesystem::is_empty(temporary_) && !is_symlink(link); }));
+}
+
+TEST_F(OhosBusTest, APathThatTheNextBusHasStaysItsOwn)
+{
+    const std::string path = folder_ + "/own";
+    EXPECT_EQ(Run("TMPDIR=" + temporary_ + " " OHOS_BUS " --address " + path + " ln -sfn next " + path), "= 0\n");
     EXPECT_TRUE(AwaitThat([this] { return std::filesystem::is_empty(temporary_); }));
+    EXPECT_EQ(std::filesystem::read_symlink(path), "next");
 }
 
 } // namespace
