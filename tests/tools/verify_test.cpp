@@ -63,6 +63,16 @@ public:
     }
 };
 
+/** One that lets nobody switch indicators. */
+class UnwillingService : public Testing::InMemoryService {
+public:
+    int32_t TurnOnIndicator(
+        int32_t, const Indicator::IndicatorPosition&, const Indicator::IndicatorSize&, int32_t) override
+    {
+        return 201;
+    }
+};
+
 class VerifyTest : public ToolsTest {
 protected:
     /** Exactly these rows, of which this is the beginning, must say that a service is not as it should be. */
@@ -97,6 +107,12 @@ TEST_F(VerifyTest, NamesFaults)
 TEST_F(VerifyTest, NamesAServiceThatWaitsForItsListeners)
 {
     ExpectWrong<WaitingService>("6 TurnOnIndicator (while a listener's \n");
+}
+
+TEST_F(VerifyTest, LeavesOutWhatNeedsASwitchThatIsRefused)
+{
+    ExpectWrong<UnwillingService>("6 TurnOnIndicator location result 201 \n");
+    EXPECT_EQ(Run("grep -c -e OnSwitchChanged -e 'does not read' " + folder_ + "/rows"), "0\n= 1\n");
 }
 
 TEST_F(VerifyTest, PassesTheReferenceService)
