@@ -38,7 +38,7 @@ next()
 prompt()
 {
     next "$1" $'\a'
-    output=$(masked <<<"${shown#*$'\n'}") # Without the command's echo.
+    output=$(masked <<<"$shown")
     next "$1" ' '
     [[ $shown == '0$' ]] || fail "\"${running[$1]}\" in terminal $1 ends with exit code ${shown%$}" "$output"
     running[$1]=
@@ -48,18 +48,28 @@ prompt()
 end()
 {
     deadline=$((SECONDS + patience))
-    [[ -z ${running[$1]} ]] || { printf '%s' "${2:-$'\003'}" >&"${keys[$1]}" && prompt "$1"; }
+    local program=${running[$1]}
+    [[ -z $program ]] || { printf '%s' "${2:-$'\003'}" >&"${keys[$1]}" && prompt "$1"; }
+    [[ $program != *app || $output == ^C ]] || fail "\"$program\" in terminal $1 shows more than it should:" "$output"
 }
 
-# settle NAME TEXT: waits until the program has shown it. One that stays may show it among other lines and in any order,
-# as the two kinds of events come on two threads.
+# settle NAME TEXT: waits until the program has shown it. One that stays may show it in any order, as the two kinds of
+# events come on two threads; all but the app may show other lines, too.
 settle()
 {
     local line lines=$'\n' expected
     expected=$(masked <<<"$2")
     case ${running[$1]} in
     *indicator_monitor) until next "$1" J && [[ $shown == *there* && $shown != *unknown* ]]; do :; done ;;
-    *service | *app | *--lines)
+    *app)
+        while read -r line; do
+            next "$1" $'\n'
+            [[ $(masked <<<"$shown") != "${running[$1]}" ]] || next "$1" $'\n' # The command's echo.
+            lines+=$(masked <<<"$shown")$'\n'
+        done <<<"$expected"
+        diff <(sort <<<$'\n'"$expected"$'\n') <(sort <<<"$lines") >&2 || fail "this is what differs in terminal $1"
+        ;;
+    *service | *--lines)
         while read -r line; do
             until [[ $lines == *$'\n'"$line"$'\n'* ]]; do
                 next "$1" $'\n'
@@ -69,7 +79,7 @@ settle()
         ;;
     ?*)
         prompt "$1"
-        diff <(echo "$expected") - <<<"$output" >&2 || fail "this is what differs in terminal $1"
+        diff <(echo "$expected") - <<<"$(sed 1d <<<"$output")" >&2 || fail "this is what differs in terminal $1"
         ;;
     esac
 }

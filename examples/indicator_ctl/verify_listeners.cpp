@@ -71,7 +71,7 @@ public:
         const std::string came = probe_.TurnOn(sensor_);
         canSwitch_ = came == ACCEPTED;
         report_.Add(on_, SensorText(sensor_), came,
-            "result 0 (if this caller may not switch indicators, run it as a user who may; no listener's call is checked)",
+            "result 0 (no listener's call is checked; if this user may not switch indicators, run it as one who may)",
             canSwitch_);
         return canSwitch_;
     }
