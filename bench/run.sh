@@ -181,9 +181,11 @@ judge()
 # Prints a bar for each contender's small call.
 draw()
 {
+    echo '```text'
     awk -F'|' '$1 == "small call" && $3 == "one core" {
         bar = sprintf("%*s", $4 * 4 > 60 ? 60 : int($4 * 4 + 0.5), ""); gsub(/ /, "#", bar)
-        printf "    %-28s %5.2f %s\n", $2, $4, bar }' "$work/figures"
+        printf "%-28s %5.2f %s\n", $2, $4, bar }' "$work/figures"
+    echo '```'
 }
 
 print_page()
