@@ -11,7 +11,8 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Indicator {
 class PRIVACY_INDICATOR_EXPORT IndicatorSwitchListener {
 public:
     /**
-     * An indicator has changed to `indicatorData`, which is valid during the call only.
+     * An indicator has changed to `indicatorData`, which is valid during the call only; or the service has gone, as
+     * PrivacyIndicatorClient says.
      *
      * Called on a platform thread, with the client's lock for switch listeners held: it must not register or unregister
      * switch listeners, nor wait for a thread that does. It may register and unregister privacy event listeners. All

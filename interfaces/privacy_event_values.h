@@ -14,7 +14,8 @@ inline constexpr char SENSOR_STATE_CHANGE[] = "sensorStateChange";
 
 /**
  * The access state of a sensor that is not in use any more: the client reports it for every sensor when the service
- * goes away. What any other access state stands for is the service's own.
+ * goes away. A service should write it into the history, too. What any other access state stands for is the service's
+ * own.
  */
 inline constexpr int32_t ACCESS_STATE_OFF = 2;
 

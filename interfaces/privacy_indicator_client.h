@@ -47,9 +47,15 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
  *
  * Listeners. A listener is called as long as it is registered, also across restarts of the service. Listeners are
  * identified by their address and held while they are registered. When the service goes away, every switch listener is
- * called with state OFF for each sensor, and the privacy event listeners of SENSOR_STATE_CHANGE, no others, are called
- * once with ACCESS_STATE_OFF for all sensors. Nothing is called when the service comes back: the state is to be asked
- * for anew.
+ * called once for each sensor, with state OFF, the colour "#000000" and 0 for the rest: only a notice of the service's
+ * end tells that from a real switch. Then the privacy event listeners of SENSOR_STATE_CHANGE, no others, are called
+ * once with a record for each sensor: no name, uid -1, ACCESS_STATE_OFF. A service's own event should have a name; a
+ * filter by user must let these pass.
+ *
+ * The state. Nothing is called when the service comes back: the state is to be asked for anew. For that, an app
+ * subscribes to the service with the system ability manager, and calls GetInstance() before. Where subscribers are
+ * called in the order of their subscription, as on Linux, its own notices then come after the listeners were registered
+ * anew, or called at the service's end. Where that is not so, it may call both ReRegister operations before it asks.
  *
  * Processes. The child of a fork must not use the client before exec. A process must exit by its main thread and while
  * no other thread is in the client, or without its exit handlers, since the client is destroyed by them. A listener's
@@ -127,7 +133,9 @@ public:
     /**
      * Has `listener` called at indicator switches. Returns -1 if it is null or if there is no memory for the stub: it
      * is not registered then. After any other failure it is registered with the client all the same, and with the
-     * service when that comes back.
+     * service when that comes back. Contract: while the client has a switch listener, a further registration, even of
+     * the same one, returns 0 and sends nothing. To try again after a failure, unregister all of them first; or call
+     * ReRegisterPrivacyIndicatorSwitchListener, which does not say whether it succeeded.
      */
     int32_t RegisterPrivacyIndicatorSwitchListener(
         const std::shared_ptr<Indicator::IndicatorSwitchListener>& listener) noexcept;
@@ -137,8 +145,8 @@ public:
         const std::shared_ptr<Indicator::IndicatorSwitchListener>& listener) noexcept;
 
     /**
-     * Has `listener` called at privacy events of `dataType`, such as SENSOR_STATE_CHANGE. Results as those of
-     * RegisterPrivacyIndicatorSwitchListener.
+     * Has `listener` called at privacy events of `dataType`, such as SENSOR_STATE_CHANGE. As with
+     * RegisterPrivacyIndicatorSwitchListener, results and a further try included, for each data type.
      */
     int32_t RegisterPrivacyEventListener(
         const std::string& dataType, const std::shared_ptr<Privacy::PrivacyEventListener>& listener) noexcept;

@@ -48,10 +48,13 @@ public:
     /** Returns when every listener has been called with all that happened until now. Not for a listener to call. */
     void AwaitDelivery();
 
-    /** Has every request refused with this code from now on, so that it changes nothing; with SUCCESS, ends that. */
+    /** Every request from now on is answered with this code, and not carried out; SUCCESS ends that. */
     void SetRefusal(int32_t code);
 
-    /** A listener that is registered. */
+    /**
+     * A listener that is registered, for one data type. A process's client registers one for all its switch listeners,
+     * and one for all its privacy event listeners of a data type; with each service that starts, once it has made it.
+     */
     struct Registration {
         sptr<IRemoteObject> listener;
         std::string dataType; // Empty for a switch listener.

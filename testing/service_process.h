@@ -25,12 +25,15 @@ public:
     ServiceProcess(const ServiceProcess&) = delete;
     ServiceProcess& operator=(const ServiceProcess&) = delete;
 
-    /** Starts the process anew, with `service`, after Kill. On return the clients have registered their listeners. */
+    /**
+     * Starts the process anew, with `service`, after Kill. On return the client has registered its listeners, and all
+     * who have subscribed to the service have been called. A service that was killed still has its former listeners.
+     */
     void Start(const sptr<IRemoteObject>& service);
 
     /**
-     * Kills the process: every request fails, those that are delayed included. On return the clients have dropped their
-     * proxies and called their listeners.
+     * Kills the process: every request fails, those that are delayed included. On return the client has dropped its
+     * proxy and called its listeners, and all who have subscribed to the service have been called.
      */
     void Kill();
 

@@ -49,7 +49,7 @@ public:
     bool IsInUse(PrivacySensorType sensor) const;
 
     /**
-     * Appends the uses by applications of one user (a uid's multiple of 200000) or of ALL_USERS; of one sensor, if one
+     * Appends the uses by applications of one user (their uid / 200000) or of ALL_USERS; of one sensor, if one
      * is given. Oldest first; both ends of a use under way are 0.
      */
     void AppendDetails(int32_t userId, std::optional<PrivacySensorType> sensor,
