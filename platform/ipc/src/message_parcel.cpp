@@ -47,6 +47,7 @@ bool MessageParcel::WriteRemoteObject(const sptr<IRemoteObject>& object)
     }
     std::memset(bytes, 0, Transport::OBJECT_SIZE);
     objects_.push_back({position, object});
+    SetHasObjects();
     return true;
 }
 

@@ -82,7 +82,10 @@ int ParcelMessage::Read(const Transport::Message& message, Transport::ObjectTabl
             return Transport::NO_MEMORY;
         }
     }
-    std::move(objects.begin(), objects.end(), std::back_inserter(parcel.objects_));
+    if (!objects.empty()) {
+        std::move(objects.begin(), objects.end(), std::back_inserter(parcel.objects_));
+        parcel.SetHasObjects();
+    }
     parcel.SetReceived();
     return 0;
 }

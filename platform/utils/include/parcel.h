@@ -2,6 +2,7 @@
 #ifndef PARCEL_H
 #define PARCEL_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -75,7 +76,15 @@ public:
     bool WriteStrongParcelable(const sptr<Parcelable>& object);
 
     /** Copies `size` bytes, without a length before them. False for null or no bytes. */
-    bool WriteBuffer(const void* data, size_t size);
+    bool WriteBuffer(const void* data, size_t size)
+    {
+        uint8_t* begin = data != nullptr && size > 0 ? Extend(size) : nullptr;
+        if (begin == nullptr) {
+            return false;
+        }
+        std::memcpy(begin, data, size);
+        return true;
+    }
 
     bool ReadBool(bool& value);
     bool ReadInt32(int32_t& value) { return Read(value); }
@@ -117,13 +126,31 @@ public:
 
 protected:
     /** Appends `size` bytes, which the caller fills in at once, and their padding. Null where a write would fail. */
-    uint8_t* Extend(size_t size);
+    uint8_t* Extend(size_t size)
+    {
+        const size_t padding = PaddingOf(size);
+        const size_t room = capacity_ - dataSize_;
+        if ((size > room || padding > room - size) && !Grow(size, padding)) {
+            return nullptr;
+        }
+        uint8_t* begin = data_ + dataSize_;
+        std::memset(begin + size, 0, padding);
+        dataSize_ += size + padding;
+        return begin;
+    }
 
     /** Cuts the data to `size` bytes: data from outside, once copied in, need not end with padding. */
     void Truncate(size_t size);
 
     /** Ends writing: what came from outside is only read. */
-    void SetReceived() { received_ = true; }
+    void SetReceived()
+    {
+        received_ = true;
+        capacity_ = dataSize_; // The next write is to ask for more, and not to get it.
+    }
+
+    /** Begins to ask HasObject. */
+    void SetHasObjects() { hasObjects_ = true; }
 
     /** Moves the read cursor past `size` bytes and their padding. False, and no change, if there are fewer. */
     bool Skip(size_t size) { return Take(size) != nullptr; }
@@ -132,7 +159,21 @@ protected:
     virtual bool HasObject(size_t /* begin */, size_t /* end */) const { return false; }
 
 private:
-    const uint8_t* Take(size_t size);
+    static constexpr size_t ALIGNMENT = 4;
+
+    static size_t PaddingOf(size_t size) { return -size % ALIGNMENT; }
+
+    bool Grow(size_t size, size_t padding);
+    const uint8_t* Take(size_t size)
+    {
+        const size_t readable = GetReadableBytes();
+        if (size > readable) {
+            return nullptr;
+        }
+        const uint8_t* begin = data_ + readPosition_;
+        readPosition_ += size + std::min(PaddingOf(size), readable - size);
+        return begin;
+    }
     template <typename T>
     bool Write(T value)
     {
@@ -149,17 +190,18 @@ private:
 
     uint8_t* data_ = nullptr;
     size_t dataSize_ = 0;
-    size_t capacity_ = 0; // Bytes allocated at data_.
+    size_t capacity_ = 0; // Bytes that are there to be written to at data_.
     size_t maxCapacity_ = 204800;
     size_t readPosition_ = 0;
     bool received_ = false;
+    bool hasObjects_ = false;
 };
 
 template <typename T>
 bool Parcel::Read(T& value)
 {
     const uint8_t* begin = Take(sizeof(value));
-    if (begin == nullptr || HasObject(readPosition_ - sizeof(value), readPosition_)) {
+    if (begin == nullptr || (hasObjects_ && HasObject(readPosition_ - sizeof(value), readPosition_))) {
         return false;
     }
     std::memcpy(&value, begin, sizeof(value));

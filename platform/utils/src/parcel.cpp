@@ -9,12 +9,9 @@
 namespace OHOS {
 namespace {
 
-constexpr size_t ALIGNMENT = 4;
 constexpr size_t FIRST_CAPACITY = 256;
 
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "items are copied as the host keeps them");
-
-size_t PaddingOf(size_t size) { return (ALIGNMENT - size % ALIGNMENT) % ALIGNMENT; }
 
 } // namespace
 
@@ -38,45 +35,28 @@ bool Parcel::RewindRead(size_t position)
     return true;
 }
 
-uint8_t* Parcel::Extend(size_t size)
+// Makes room for as many bytes. False where they would be too many, without memory, and in a parcel that was received.
+bool Parcel::Grow(size_t size, size_t padding)
 {
-    const size_t padding = PaddingOf(size);
     const size_t room = maxCapacity_ - dataSize_;
     if (received_ || size > room || padding > room - size) {
-        return nullptr;
+        return false;
     }
-    const size_t end = dataSize_ + size + padding;
-    if (end > capacity_ || data_ == nullptr) {
-        // Doubling keeps the copying linear. The allocator holds less than half the address space: no overflow.
-        const size_t grown = std::min(std::max({end, capacity_ * 2, FIRST_CAPACITY}), maxCapacity_);
-        void* data = std::realloc(data_, grown);
-        if (data == nullptr) {
-            return nullptr;
-        }
-        data_ = static_cast<uint8_t*>(data);
-        capacity_ = grown;
+    // Doubling keeps the copying linear. The allocator holds less than half the address space: no overflow.
+    const size_t grown = std::min(std::max({dataSize_ + size + padding, capacity_ * 2, FIRST_CAPACITY}), maxCapacity_);
+    void* data = std::realloc(data_, grown);
+    if (data == nullptr) {
+        return false;
     }
-    uint8_t* begin = data_ + dataSize_;
-    std::memset(begin + size, 0, padding);
-    dataSize_ = end;
-    return begin;
+    data_ = static_cast<uint8_t*>(data);
+    capacity_ = grown;
+    return true;
 }
 
 void Parcel::Truncate(size_t size)
 {
     dataSize_ = std::min(dataSize_, size);
     readPosition_ = std::min(readPosition_, dataSize_);
-}
-
-const uint8_t* Parcel::Take(size_t size)
-{
-    const size_t readable = GetReadableBytes();
-    if (size > readable) {
-        return nullptr;
-    }
-    const uint8_t* begin = data_ + readPosition_;
-    readPosition_ += size + std::min(PaddingOf(size), readable - size);
-    return begin;
 }
 
 template <typename Char>
@@ -102,7 +82,7 @@ bool Parcel::Read(std::basic_string<Char>& text)
         const size_t textSize = static_cast<size_t>(length) * sizeof(Char);
         const uint8_t* begin = Take(textSize + sizeof(Char));
         constexpr Char END = 0;
-        if (begin != nullptr && !HasObject(textStart, textStart + textSize + sizeof(END)) &&
+        if (begin != nullptr && !(hasObjects_ && HasObject(textStart, textStart + textSize + sizeof(END))) &&
             std::memcmp(begin + textSize, &END, sizeof(END)) == 0) {
             text.resize(static_cast<size_t>(length));
             std::memcpy(text.data(), begin, textSize);
@@ -143,19 +123,9 @@ bool Parcel::WriteStrongParcelable(const sptr<Parcelable>& object)
     return WriteParcelable(object.GetRefPtr()) || object == nullptr;
 }
 
-bool Parcel::WriteBuffer(const void* data, size_t size)
-{
-    uint8_t* begin = data != nullptr && size > 0 ? Extend(size) : nullptr;
-    if (begin == nullptr) {
-        return false;
-    }
-    std::memcpy(begin, data, size);
-    return true;
-}
-
 const uint8_t* Parcel::ReadBuffer(size_t size)
 {
-    if (size > GetReadableBytes() || HasObject(readPosition_, readPosition_ + size)) {
+    if (size > GetReadableBytes() || (hasObjects_ && HasObject(readPosition_, readPosition_ + size))) {
         return nullptr;
     }
     const uint8_t* begin = data_ + readPosition_;
