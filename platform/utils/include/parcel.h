@@ -188,13 +188,14 @@ private:
     template <typename T>
     T ReadOrEmpty();
 
-    uint8_t* data_ = nullptr;
+    uint8_t* data_ = nullptr; // Null, first_, or allocated.
     size_t dataSize_ = 0;
     size_t capacity_ = 0; // Bytes that are there to be written to at data_.
     size_t maxCapacity_ = 204800;
     size_t readPosition_ = 0;
     bool received_ = false;
     bool hasObjects_ = false;
+    uint8_t first_[256]; // Most requests and replies fit in here.
 };
 
 template <typename T>

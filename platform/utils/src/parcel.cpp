@@ -9,13 +9,16 @@
 namespace OHOS {
 namespace {
 
-constexpr size_t FIRST_CAPACITY = 256;
-
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "items are copied as the host keeps them");
 
 } // namespace
 
-Parcel::~Parcel() { std::free(data_); }
+Parcel::~Parcel()
+{
+    if (data_ != first_) {
+        std::free(data_);
+    }
+}
 
 bool Parcel::SetMaxCapacity(size_t maxCapacity)
 {
@@ -42,11 +45,20 @@ bool Parcel::Grow(size_t size, size_t padding)
     if (received_ || size > room || padding > room - size) {
         return false;
     }
+    const size_t end = dataSize_ + size + padding;
+    if (end <= sizeof(first_)) {
+        data_ = first_;
+        capacity_ = sizeof(first_);
+        return true;
+    }
     // Doubling keeps the copying linear. The allocator holds less than half the address space: no overflow.
-    const size_t grown = std::min(std::max({dataSize_ + size + padding, capacity_ * 2, FIRST_CAPACITY}), maxCapacity_);
-    void* data = std::realloc(data_, grown);
+    const size_t grown = std::min(std::max(end, capacity_ * 2), maxCapacity_);
+    void* data = std::realloc(data_ != first_ ? data_ : nullptr, grown);
     if (data == nullptr) {
         return false;
+    }
+    if (data_ == first_) {
+        std::memcpy(data, first_, dataSize_);
     }
     data_ = static_cast<uint8_t*>(data);
     capacity_ = grown;
