@@ -9,6 +9,11 @@
 namespace OHOS {
 namespace {
 
+// A large parcel gets this much at once. Memory that nobody touches costs nothing, and glibc's allocator keeps twice
+// the largest block that it has been given back; else it returns the memory of each large message to the kernel.
+constexpr size_t LARGE = 64 << 10;
+constexpr size_t SPACIOUS = 512 << 10;
+
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "items are copied as the host keeps them");
 
 } // namespace
@@ -52,7 +57,8 @@ bool Parcel::Grow(size_t size, size_t padding)
         return true;
     }
     // Doubling keeps the copying linear. The allocator holds less than half the address space: no overflow.
-    const size_t grown = std::min(std::max(end, capacity_ * 2), maxCapacity_);
+    size_t grown = std::max(end, capacity_ * 2);
+    grown = grown > LARGE ? std::max(grown, SPACIOUS) : grown;
     void* data = std::realloc(data_ != first_ ? data_ : nullptr, grown);
     if (data == nullptr) {
         return false;
@@ -61,7 +67,7 @@ bool Parcel::Grow(size_t size, size_t padding)
         std::memcpy(data, first_, dataSize_);
     }
     data_ = static_cast<uint8_t*>(data);
-    capacity_ = grown;
+    capacity_ = std::min(grown, maxCapacity_);
     return true;
 }
 
