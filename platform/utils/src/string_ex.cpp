@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "string_ex.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace OHOS {
@@ -38,9 +39,9 @@ void AppendUtf16(std::u16string& text, char32_t point)
 
 void AppendUtf8(std::string& text, char32_t point)
 {
-    size_t tails = MOST_TAILS;
-    while (point < FORMS[tails].least) {
-        tails--;
+    size_t tails = 0;
+    while (tails < MOST_TAILS && point >= FORMS[tails + 1].least) {
+        tails++;
     }
     size_t shift = tails * TAIL_BITS;
     text += static_cast<char>(FORMS[tails].lead | (point >> shift));
@@ -55,11 +56,12 @@ void AppendUtf8(std::string& text, char32_t point)
 std::u16string Str8ToStr16(const std::string& text)
 {
     std::u16string result;
+    result.reserve(text.size());
     for (size_t at = 0; at < text.size();) {
         const auto lead = static_cast<unsigned char>(text[at++]);
-        size_t tails = MOST_TAILS;
-        while (lead < FORMS[tails].lead) {
-            tails--;
+        size_t tails = 0;
+        while (tails < MOST_TAILS && lead >= FORMS[tails + 1].lead) {
+            tails++;
         }
         if (tails > text.size() - at) {
             return {};
@@ -71,7 +73,8 @@ std::u16string Str8ToStr16(const std::string& text)
         AppendUtf16(result, point);
     }
     // A NUL may also come of two bytes or more.
-    return result.substr(0, result.find(u'\0'));
+    result.resize(std::min(result.find(u'\0'), result.size()));
+    return result;
 }
 
 std::string Str16ToStr8(const std::u16string& text)
