@@ -38,7 +38,7 @@ public:
     uint32_t calls = 0; // Sent on it, for their numbers.
 
 private:
-    void SetTimeout(Clock::time_point deadline);
+    bool SetTimeout(Clock::time_point deadline);
 
     const Descriptor socket_;
     uint8_t* buffer_ = nullptr;

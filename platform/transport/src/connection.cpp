@@ -52,10 +52,9 @@ int Connection::Receive(Message& message, Clock::time_point deadline)
     packet.msg_iovlen = 1;
     ssize_t received = -1;
     do {
-        if (Clock::now() >= deadline) {
+        if (!SetTimeout(deadline)) {
             return TIMED_OUT;
         }
-        SetTimeout(deadline);
         received = recvmsg(Get(), &packet, 0);
         // The peer hung up without reading all, which is said once, before what it has sent.
         const bool isReset = received < 0 && errno == ECONNRESET && !std::exchange(isReset_, true);
@@ -70,11 +69,14 @@ int Connection::Receive(Message& message, Clock::time_point deadline)
     return isWhole && message.Parse(buffer_, touched_) ? 0 : BAD_MESSAGE;
 }
 
-void Connection::SetTimeout(Clock::time_point deadline)
+bool Connection::SetTimeout(Clock::time_point deadline)
 {
     int64_t wanted = 0;
     if (deadline != NO_DEADLINE) {
         const auto left = std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now()).count();
+        if (left <= 0) {
+            return false;
+        }
         wanted = std::max<int64_t>(left, LEAST_TIMEOUT);
     }
     if (std::abs(wanted - timeout_) >= TOLERANCE || (wanted == 0) != (timeout_ == 0)) {
@@ -82,6 +84,7 @@ void Connection::SetTimeout(Clock::time_point deadline)
         const timeval time{timeout_ / SECOND, timeout_ % SECOND};
         setsockopt(Get(), SOL_SOCKET, SO_RCVTIMEO, &time, sizeof(time));
     }
+    return true;
 }
 
 void Connection::HangUpReading() { shutdown(Get(), SHUT_RD); }
