@@ -195,7 +195,7 @@ private:
     size_t readPosition_ = 0;
     bool received_ = false;
     bool hasObjects_ = false;
-    uint8_t first_[256]; // Most requests and replies fit in here.
+    alignas(ALIGNMENT) uint8_t first_[256]; // Most requests and replies fit in here.
 };
 
 template <typename T>

@@ -102,8 +102,12 @@ bool Parcel::Read(std::basic_string<Char>& text)
         constexpr Char END = 0;
         if (begin != nullptr && !(hasObjects_ && HasObject(textStart, textStart + textSize + sizeof(END))) &&
             std::memcmp(begin + textSize, &END, sizeof(END)) == 0) {
-            text.resize(static_cast<size_t>(length));
-            std::memcpy(text.data(), begin, textSize);
+            if (reinterpret_cast<uintptr_t>(begin) % alignof(Char) == 0) {
+                text.assign(reinterpret_cast<const Char*>(begin), static_cast<size_t>(length));
+            } else { // After an odd position was set.
+                text.resize(static_cast<size_t>(length));
+                std::memcpy(text.data(), begin, textSize);
+            }
             return true;
         }
     }
