@@ -37,11 +37,11 @@ public:
     /** No notice to `listener` begins any more. */
     void Unsubscribe(int32_t systemAbilityId, const Listener& listener)
     {
-        std::shared_ptr<const Subscription> removed; // Destroyed after the lock.
+        Listener removed; // Destroyed after the lock. The subscription is not: a notice could find it still.
         const Transport::MutexLock lock(mutex_);
         const auto found = Find(systemAbilityId, listener);
         if (found != subscriptions_.end()) {
-            removed = std::move(*found);
+            removed = (*found)->listener;
             subscriptions_.erase(found);
         }
     }
