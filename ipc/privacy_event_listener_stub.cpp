@@ -40,12 +40,14 @@ int32_t PrivacyEventListenerStub::OnRemoteRequest(
         return INVALID_SIZE;
     }
     std::vector<PrivacyEventRemindInfo> infos;
-    ReserveReceived(infos, count, data);
     for (int32_t i = 0; i < count; ++i) {
         const std::unique_ptr<PrivacyEventRemindInfo> info(data.ReadParcelable<PrivacyEventRemindInfo>());
         if (info == nullptr) {
             LogDebug(TAG, "OnRemoteRequest", "privacyEventRemindInfo is null");
             continue;
+        }
+        if (i == 0) {
+            ReserveReceived(infos, count, data);
         }
         infos.push_back(*info);
     }

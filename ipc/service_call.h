@@ -44,11 +44,13 @@ public:
         if (!MayCarry(count)) {
             return Error();
         }
-        ReserveReceived(records, count, reply_);
         for (int32_t i = 0; i < count; ++i) {
             const std::unique_ptr<T> record(reply_.ReadParcelable<T>());
             if (record == nullptr) {
                 return Fail(PrivacyIndicatorServiceIntf::INVALID_DATA, failure);
+            }
+            if (i == 0) {
+                ReserveReceived(records, count, reply_);
             }
             records.push_back(*record);
         }
