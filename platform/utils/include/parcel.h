@@ -35,6 +35,7 @@ public:
  */
 class Parcel {
 public:
+    // cppcheck-suppress uninitMemberVar; first_ is written before it is read.
     Parcel() = default;
     Parcel(const Parcel&) = delete;
     Parcel& operator=(const Parcel&) = delete;
@@ -125,7 +126,8 @@ public:
     const uint8_t* ReadBuffer(size_t size);
 
 protected:
-    /** Appends `size` bytes, which the caller fills in at once, and their padding. Null where a write would fail. */
+    /** Appends `size` bytes, at least 1, which the caller fills in at once, and their padding. Null if a write fails.
+     */
     uint8_t* Extend(size_t size)
     {
         const size_t padding = PaddingOf(size);

@@ -75,6 +75,9 @@ void Parcel::Truncate(size_t size)
 {
     dataSize_ = std::min(dataSize_, size);
     readPosition_ = std::min(readPosition_, dataSize_);
+    if (received_) {
+        SetReceived();
+    }
 }
 
 template <typename Char>
