@@ -45,7 +45,7 @@ public:
             const size_t begin = end == std::string::npos ? end : bytes_.rfind("\033[H", end);
             if (begin != std::string::npos) {
                 static const std::regex sequence("\033\\[[^A-Za-z]*[A-Za-z]|\r");
-                const std::string board = std::regex_replace(bytes_.substr(begin, end - begin), sequence, "");
+                std::string board = std::regex_replace(bytes_.substr(begin, end - begin), sequence, "");
                 if (board.find(text) != std::string::npos) {
                     return board;
                 }
