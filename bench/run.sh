@@ -195,13 +195,14 @@ print_page()
 # Performance
 
 \`./dev bench\` wrote this page: $(date -u +%F), $(nproc) processors ($(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo |
-        head -n 1)), $(uname -sr), $(${CXX:-g++} --version | head -n 1), load $(cut -d' ' -f1 /proc/loadavg) at its start.
+        head -n 1)), $(uname -s) $kernel, $(${CXX:-g++} --version | head -n 1), load $load at its start.
 
 The contenders take turns within each round, and a ratio is the median of the ratios of all rounds, so that what else the
 machine does falls on all of them. A busy machine still makes those dearer that use more threads, and what crosses cores.
 Logging is off, but where a row says that it is on: lines of level info and above then go to \`/dev/null\`. \`library\` is
 the client that an app uses, with the service of the test kit in another process; \`./dev bench --check\` compares the
-tables of instructions, allocations, system calls, memory and the library itself with those that were recorded.
+tables of instructions, allocations, system calls (but the long query's), memory and the library itself with those that
+were recorded.
 
 A small call on one core, as a multiple of a stream socket's:
 
@@ -231,6 +232,9 @@ report()
     cat "$work/page"
 }
 
+load=$(cut -d' ' -f1 /proc/loadavg)
+kernel=$(uname -r)
+kernel=${kernel%%-*}
 measure_repeatable >"$work/figures"
 case $2 in
 record) record ;;

@@ -112,6 +112,9 @@ void MeasureCalls(const std::string& programs)
         }
         Measure("small call", name, matches, {0, 1, 0}, 1);
     }
+    for (Match* match : matches) {
+        match->Place(Placement::ONE_CORE);
+    }
     for (const int32_t records : {1, 10, 100, 1000, 2000}) {
         Measure("query", WithCommas(records), matches, {records, 1, 0}, 1);
     }
@@ -121,6 +124,9 @@ void MeasureCalls(const std::string& programs)
         const std::string& name = match->Subject().Name();
         return match->Subject().IsConcurrent() && match->Subject().HasServer() && name != "packet socket";
     });
+    for (Match* match : concurrent) {
+        match->Place(Placement::FREE);
+    }
     for (const int threads : {1, 2, 4, 8}) {
         Measure("threads", std::to_string(threads), concurrent, {0, threads, 0}, 1);
     }

@@ -132,7 +132,7 @@ public:
                 Fail("no socket pair");
             }
             AddListener([&, kind](int ready) {
-                std::array<char, EVENT_SIZE> event{};
+                std::string event(SizeOf(kind), '\0');
                 SendAll(ready, "", 1);
                 while (ReceiveAll(line[1], event.data(), event.size())) {
                     heard_->Add();
@@ -144,7 +144,7 @@ public:
         }
         SetSender([&, kind](int line) {
             SendEvents(line, [&](int /* number */) {
-                const std::array<char, EVENT_SIZE> event{};
+                const std::string event(SizeOf(kind), '\0');
                 std::array<char, ANSWER_SIZE> answer{};
                 for (const auto& listener : lines) {
                     SendAll(listener[0], event.data(), event.size());
@@ -162,7 +162,8 @@ public:
     }
 
 private:
-    static constexpr size_t EVENT_SIZE = 220; // As the library's.
+    /** As the library's messages are, with their header. */
+    static size_t SizeOf(Kind kind) { return kind == Kind::SWITCH ? 188 : 264; }
 };
 
 struct Listener : Indicator::IndicatorSwitchListener, Privacy::PrivacyEventListener {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <future>
 #include <thread>
 #include <utility>
 
@@ -19,25 +20,44 @@ void Repeat(Contender& contender, const Task& task)
     }
 }
 
+/** The seconds that a task takes. Each thread has made a call before, and so is connected. */
+double TimeOf(Contender& contender, const Task& task)
+{
+    if (task.threads == 1) {
+        const auto begin = std::chrono::steady_clock::now();
+        Repeat(contender, task);
+        return SecondsSince(begin);
+    }
+    std::promise<void> gate;
+    const std::shared_future<void> open = gate.get_future().share();
+    std::vector<std::promise<void>> connected(static_cast<size_t>(task.threads));
+    std::vector<std::thread> threads;
+    for (auto& isConnected : connected) {
+        threads.emplace_back([&, open] {
+            contender.Call();
+            isConnected.set_value();
+            open.wait();
+            Repeat(contender, task);
+        });
+    }
+    for (auto& isConnected : connected) {
+        isConnected.get_future().wait();
+    }
+    const auto begin = std::chrono::steady_clock::now();
+    gate.set_value();
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    return SecondsSince(begin);
+}
+
 /** As the client of `contender`, does its tasks, and says how many seconds each took. */
 void RunTasks(Contender& contender, int line)
 {
     contender.Query(1); // A wrong answer to a query is seen.
     Task task{};
     while (ReceiveAll(line, &task, sizeof(task))) {
-        const auto begin = std::chrono::steady_clock::now();
-        if (task.threads == 1) {
-            Repeat(contender, task);
-        } else {
-            std::vector<std::thread> threads;
-            for (int i = 0; i < task.threads; ++i) {
-                threads.emplace_back([&] { Repeat(contender, task); });
-            }
-            for (auto& thread : threads) {
-                thread.join();
-            }
-        }
-        const double seconds = SecondsSince(begin);
+        const double seconds = TimeOf(contender, task);
         SendAll(line, &seconds, sizeof(seconds));
     }
 }

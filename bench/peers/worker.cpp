@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -65,7 +66,10 @@ void Pin(pid_t process, int processor)
     }
     const std::filesystem::path tasks = "/proc/" + std::to_string(process) + "/task";
     for (const auto& task : std::filesystem::directory_iterator(tasks)) {
-        sched_setaffinity(std::atoi(task.path().filename().c_str()), sizeof(set), &set);
+        // A thread may have ended meanwhile.
+        if (sched_setaffinity(std::atoi(task.path().filename().c_str()), sizeof(set), &set) != 0 && errno != ESRCH) {
+            Fail("there is no processor " + std::to_string(processor) + " to run on");
+        }
     }
 }
 
