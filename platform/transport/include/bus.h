@@ -23,12 +23,12 @@ namespace OHOS::Transport {
 
 /**
  * The bus daemon, which knows who owns a name and who has gone: nothing else is asked of it, and nobody else is spoken
- * to. A thread of its own joins the bus, joins it anew when it has ended, and hears of changes. Any other thread may
- * ask in its turn.
+ * to. A thread of its own joins the bus, joins it anew when it has ended, and receives the daemon's signals. Any other
+ * thread may ask in its turn.
  */
 class Bus {
 public:
-    /** Hears of the bus, on whichever thread has its turn. It may ask, but runs no code of the users'. */
+    /** Is notified of changes, on whichever thread has its turn. It may ask, but runs no code of the users'. */
     class Observer {
     public:
         virtual ~Observer() = default;
@@ -115,7 +115,7 @@ private:
     void Leave();
     void ReadQueued();
     void AnnounceChanges();
-    void Hear(sd_bus_message* signal);
+    void OnNameOwnerChanged(sd_bus_message* signal);
 
     std::vector<Observer*> observers_;
     std::atomic<bool> isUp_{false};
@@ -131,7 +131,7 @@ private:
     std::string ownName_;
     std::string id_;
     std::map<std::string, std::shared_ptr<sd_bus_slot>> watched_;
-    std::deque<Change> changes_; // Heard, and yet to be announced.
+    std::deque<Change> changes_; // Received, and yet to be announced.
 };
 
 } // namespace OHOS::Transport

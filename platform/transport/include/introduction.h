@@ -19,7 +19,7 @@ struct Identity {
 
 /**
  * How two processes meet: each listens on a packet socket whose abstract address follows from its identity, and who
- * connects says its own unique name first. The kernel tells each the other's pid. Nothing waits for anybody.
+ * connects says its own unique name first. The kernel gives each the other's pid. Nothing waits for anybody.
  */
 class Introduction {
 public:

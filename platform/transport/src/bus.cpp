@@ -177,12 +177,12 @@ std::string Bus::Watch(const std::string& name)
 {
     const std::string rule = std::string("type='signal',sender='") + DAEMON + "',path='" + DAEMON_PATH +
                              "',interface='" + DAEMON + "',member='NameOwnerChanged',arg0='" + name + "'";
-    const auto hear = [](sd_bus_message* signal, void* self, sd_bus_error* /* error */) {
-        static_cast<Bus*>(self)->Hear(signal);
+    const auto receive = [](sd_bus_message* signal, void* self, sd_bus_error* /* error */) {
+        static_cast<Bus*>(self)->OnNameOwnerChanged(signal);
         return 0;
     };
     sd_bus_slot* slot = nullptr;
-    const int matched = watched_.count(name) == 0 ? sd_bus_add_match(bus_, &slot, rule.c_str(), hear, this) : 0;
+    const int matched = watched_.count(name) == 0 ? sd_bus_add_match(bus_, &slot, rule.c_str(), receive, this) : 0;
     if (matched < 0 && matched != -ETIMEDOUT) {
         return "";
     }
@@ -197,7 +197,7 @@ std::string Bus::Watch(const std::string& name)
     return owner.value_or("");
 }
 
-void Bus::Hear(sd_bus_message* signal)
+void Bus::OnNameOwnerChanged(sd_bus_message* signal)
 {
     const char* name = nullptr;
     const char* from = nullptr;

@@ -24,7 +24,7 @@ std::shared_ptr<Peer> Peers::Meet(const std::string& name)
     }
     Identity identity{self_.busId, name, 0};
     uid_t uid = 0;
-    // Watched first, so that its end is heard of whenever it comes.
+    // Watched first, so that its end is noticed whenever it comes.
     if (bus.Watch(name) != name || !bus.GetCredentials(name, identity.pid, uid)) {
         bus.Unwatch(name);
         return nullptr;
