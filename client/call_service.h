@@ -9,6 +9,9 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
+/** What the client's operations return for a failure that they find themselves. */
+constexpr int32_t FAILURE = -1;
+
 /**
  * Hands `operation`, an int32_t(PrivacyIndicatorServiceIntf&), to the client's gate. Returns what the operation
  * returned, or 0 if it was not run. `function` is the function name that the log line shows if there is no service.
@@ -24,7 +27,7 @@ int32_t CallService(PrivacyIndicatorClient& client, const char* function, const 
         }
         result = operation(*service);
     };
-    // A std::function that holds a reference allocates no memory, so a request cannot fail for want of it.
+    // A std::function that holds a reference allocates no memory, so no request fails here for lack of it.
     client.WithSystemAbilityProxy([&request](const sptr<PrivacyIndicatorServiceIntf>& service) { request(service); });
     return result;
 }

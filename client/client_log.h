@@ -9,14 +9,14 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
-/** The one tag that all source files of the client log under. */
+/** The tag that all source files of the client log under. */
 inline const Util::OstLog::Tag CLIENT_TAG = Util::FileTag("PrivacyIndicator");
 
 /** Logs each record's text on a line of its own, between quotes. */
 template <typename Record>
 void LogRecords(LogLevel level, const char* function, const std::vector<Record>& records)
 {
-    if (!Util::IsHeard(level, CLIENT_TAG)) {
+    if (!Util::IsLoggable(level, CLIENT_TAG)) {
         return;
     }
     for (const Record& record : records) {

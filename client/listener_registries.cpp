@@ -11,12 +11,6 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
-namespace {
-
-constexpr int32_t FAILURE = -1;
-
-} // namespace
-
 using Util::LogError;
 using Util::LogInfo;
 using Util::LogWarn;
@@ -178,10 +172,8 @@ void PrivacyIndicatorClient::ReRegisterPrivacyEventListener() noexcept
 {
     LogInfo(CLIENT_TAG, "ReRegisterPrivacyEventListener", "begin.");
     std::lock_guard<std::mutex> lock(privacyEventMutex);
-    for (const auto& [dataType, stub] : privacyEventStubs) {
-        if (stub != nullptr) {
-            RegisterEventListenerStub(dataType);
-        }
+    for (const auto& entry : privacyEventStubs) {
+        RegisterEventListenerStub(entry.first);
     }
 }
 

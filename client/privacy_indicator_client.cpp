@@ -186,7 +186,7 @@ int32_t PrivacyIndicatorClient::NotifyPowerEvent(int32_t event) noexcept
     LogInfo(CLIENT_TAG, FUNCTION, "event: %{public}s", number.c_str());
     if (!Composer::ComposerPowerEvent::IsValidEvent(event)) {
         LogError(CLIENT_TAG, FUNCTION, "error event: %{public}s", number.c_str());
-        return -1;
+        return FAILURE;
     }
     return CallService(
         *this, FUNCTION, [event](PrivacyIndicatorServiceIntf& service) { return service.NotifyPowerEvent(event); });

@@ -46,7 +46,7 @@ void IndicatorSwitchListenerProxy::OnSwitchChanged(const IndicatorData& indicato
         LogError(TAG, "OnSwitchChanged", "Write parcelable failed  in proxy.");
         return;
     }
-    if (Util::IsHeard(LOG_INFO, TAG)) {
+    if (Util::IsLoggable(LOG_INFO, TAG)) {
         LogInfo(TAG, "OnSwitchChanged", "Write parcelable success  in proxy:%{public}s",
             Util::Quoted(indicatorData.ToString()).c_str());
     }
@@ -59,7 +59,7 @@ void IndicatorSwitchListenerProxy::OnSwitchChanged(const IndicatorData& indicato
     MessageOption option(MessageOption::TF_ASYNC, WAIT_SECONDS);
     const int32_t error = remote->SendRequest(ON_SWITCH_CHANGED, data, reply, option);
     if (error != 0) {
-        // Contract: the only number that is passed as one, not as text.
+        // Contract: passed as a number; all other log lines of the library pass a number's text.
         LogError(TAG, "OnSwitchChanged", "SendRequest is failed, error code: %{public}d.", error);
     }
     LogInfo(TAG, "OnSwitchChanged", "OnSwitchChanged end in proxy");

@@ -14,7 +14,7 @@ using Util::LogInfo;
 
 const auto TAG = Util::FileTag("PrivacyIndicator");
 
-// Contract: other numbers than those of the other stubs.
+// Contract: not the numbers that the other stubs return.
 constexpr int32_t TOKEN_MISMATCH = 10;
 constexpr int32_t UNREADABLE_RECORD = -1;
 

@@ -20,7 +20,7 @@ IndicatorSwitchListenerStubImpl::IndicatorSwitchListenerStubImpl(Callback onSwit
 
 void IndicatorSwitchListenerStubImpl::OnSwitchChanged(const IndicatorData& indicatorData) noexcept
 {
-    // Contract: the message names another function than the line.
+    // Contract: the message names another function than the line's prefix does.
     const std::string privacySensorType = std::to_string(static_cast<int32_t>(indicatorData.privacySensorType));
     Util::LogInfo(TAG, "OnSwitchChanged", "OnRemoteRequest called in stub impl. %{public}s", privacySensorType.c_str());
     if (callback) {

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "privacy_indicator_service_intf_stub.h"
 
-#include <memory>
 #include <string>
-#include <vector>
 
 #include "interface_token.h"
 #include "service_request.h"

@@ -11,23 +11,24 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
 
-/** A record in a parcel has at least this many bytes: its flag, an empty text and four numbers. */
-constexpr size_t LEAST_RECORD_SIZE = 28;
+/** A record takes at least this many bytes of a parcel: its flag, an empty text and four numbers. */
+constexpr size_t MIN_RECORD_SIZE = 28;
 
-/** At most as many records get room at once. */
-constexpr size_t MOST_RESERVED = 1024;
+/** Room is made for at most this many records at once. */
+constexpr size_t MAX_RESERVED = 1024;
 
 /**
- * Makes room in `records` for the rest of `count`, which may be a lie: for no more than `parcel` can hold, and only
- * once a record was read. The vector's own growth copies every text there is, since records have no move.
+ * Makes room in `records` for `count` records, at least 1, of which the first one has been read from `parcel` and the
+ * others follow there. The count is the sender's and may be false, so room is made for no more records than the parcel
+ * can hold. Without it the vector would copy every text each time it grows, since records have no move operations.
  */
 template <typename T>
 void ReserveReceived(std::vector<T>& records, int32_t count, const Parcel& parcel)
 {
-    const size_t left = parcel.GetReadableBytes() / LEAST_RECORD_SIZE;
-    const size_t needed = records.size() + std::min({static_cast<size_t>(std::max(count, 0)), left + 1, MOST_RESERVED});
+    const size_t left = parcel.GetReadableBytes() / MIN_RECORD_SIZE;
+    const size_t needed = records.size() + std::min({static_cast<size_t>(count), left + 1, MAX_RESERVED});
     if (needed > records.capacity()) {
-        // Twice as many at least, or a vector that many calls append to would be copied by each of them.
+        // At least twice as many: otherwise each of many calls that append to one vector would copy it.
         records.reserve(std::max(needed, records.capacity() * 2));
     }
 }

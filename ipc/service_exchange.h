@@ -21,7 +21,8 @@ protected:
     /** The first failure's code; SUCCESS before it. */
     int32_t Error() const { return error_; }
 
-    /** Logs `failure`, which has no placeholders, and keeps `error`, unless something failed before. Returns Error().
+    /**
+     * Logs `failure`, which has no placeholders, and keeps `error`, unless something failed before. Returns Error().
      */
     int32_t Fail(int32_t error, const char* failure);
 

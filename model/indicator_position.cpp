@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "indicator_position.h"
 
-#include <memory>
 #include <tuple>
 
 #include "format_utils.h"

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "privacy_event_remind_info.h"
 
-#include <memory>
 #include <tuple>
 
 #include "format_utils.h"

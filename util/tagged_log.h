@@ -12,14 +12,14 @@
 
 namespace OHOS::Korvane::Quenlar::Util {
 
-/** The tag of a source file of this component: every line that the file logs shows `module`. */
+/** A source file's tag: every line that is logged under it shows `module`. */
 inline OstLog::Tag FileTag(const std::string& module)
 {
     return OstLog::Tag::Create(module, OstLog::Tag::DEFAULT_COMPONENT_TAG, OstLog::Tag::DEFAULT_SUB_SYSTEM_TAG);
 }
 
-/** Whether a line of `level` is heard. If not, the texts of its placeholders need not be made. */
-inline bool IsHeard(LogLevel level, const OstLog::Tag& tag)
+/** Whether a line of `level` reaches the log. If not, the texts of its placeholders need not be made. */
+inline bool IsLoggable(LogLevel level, const OstLog::Tag& tag)
 {
     return HiLogIsLoggable(tag.GetDomain(), tag.GetSubSystemTag().c_str(), level);
 }
@@ -32,7 +32,7 @@ inline bool IsHeard(LogLevel level, const OstLog::Tag& tag)
 template <size_t SIZE, typename... Args>
 void LogLine(LogLevel level, const OstLog::Tag& tag, const char* function, const char (&message)[SIZE], Args... args)
 {
-    if (!IsHeard(level, tag)) {
+    if (!IsLoggable(level, tag)) {
         return;
     }
     constexpr char PREFIX[] = "[%{public}s][%{public}s]%{public}s: ";
