@@ -16,7 +16,7 @@ public:
      *
      * Called on a platform thread, with the client's lock for switch listeners held: it must not register or unregister
      * switch listeners, nor wait for a thread that does. It may register and unregister privacy event listeners. All
-     * further switch listeners wait until it returns.
+     * other switch listeners wait until it returns.
      */
     virtual void OnSwitchChanged(const IndicatorData& indicatorData) = 0;
 

@@ -8,7 +8,7 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Composer {
 
-/** The valid power events are the numbers below this one. What each of them stands for is the service's own. */
+/** The valid power events are the numbers below this one. What each of them stands for is up to the service. */
 inline constexpr uint32_t POWER_EVENT_COUNT = 2;
 
 /** The user whose power events are sent to the service again when it comes back. */

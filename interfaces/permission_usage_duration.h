@@ -12,7 +12,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Record {
 
 /**
  * How long one application used one permission group, and when last. The unit of the duration and of the timestamps is
- * the service's own. Setters copy; the reference that a getter returns is valid as long as the record.
+ * up to the service. Setters copy; the reference that a getter returns is valid as long as the record.
  */
 class PRIVACY_INDICATOR_EXPORT PermissionUsageDuration : public Parcelable {
 public:

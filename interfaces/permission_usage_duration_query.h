@@ -13,7 +13,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Record {
 
 /**
  * A question about usage durations: of which applications, of which permission groups, and in which time range. The
- * unit of the timestamps, and what an empty list stands for, is the service's own. A list may have any length here, but
+ * unit of the timestamps, and what an empty list stands for, is up to the service. A list may have any length here, but
  * no more than 999 entries in a parcel. Setters copy; the reference that a getter returns is valid as long as the
  * record.
  */

@@ -12,7 +12,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 
 /**
  * One entry of the history of privacy events: an application's use of a sensor. The unit of the timestamps, and what
- * the access states (but see privacy_event_values.h) and the flags stand for, is the service's own.
+ * the access states (but see privacy_event_values.h) and the flags stand for, is up to the service.
  */
 class PRIVACY_INDICATOR_EXPORT PrivacyEventDetail : public Parcelable {
 public:

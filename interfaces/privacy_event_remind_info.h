@@ -12,7 +12,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 
 /**
  * One entry of what a privacy event listener is called with: an application's use of a sensor. What the access state
- * (but see privacy_event_values.h) and the flag stand for is the service's own.
+ * (but see privacy_event_values.h) and the flag stand for is up to the service.
  */
 class PRIVACY_INDICATOR_EXPORT PrivacyEventRemindInfo : public Parcelable {
 public:

@@ -8,14 +8,14 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 
 /**
  * The data type under which the client reports, when the service goes away, that every sensor is off. A service should
- * report the begin and the end of a sensor's use under it. What other data types there are is the service's own.
+ * report the begin and the end of a sensor's use under it. What other data types there are is up to the service.
  */
 inline constexpr char SENSOR_STATE_CHANGE[] = "sensorStateChange";
 
 /**
  * The access state of a sensor that is not in use any more: the client reports it for every sensor when the service
- * goes away. A service should write it into the history, too. What any other access state stands for is the service's
- * own.
+ * goes away. A service should write it into the history, too. What any other access state stands for is up to the
+ * service.
  */
 inline constexpr int32_t ACCESS_STATE_OFF = 2;
 

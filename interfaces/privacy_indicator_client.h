@@ -38,8 +38,8 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
  * Results. An operation that reaches the service returns 0 or a failure's code: the service's, the platform's, or one
  * of PrivacyIndicatorServiceIntf::ErrorCode. It also returns 0 when there is no service, which is only logged. In the
  * emulator variant of the library no request reaches the service: every such operation returns 0 and leaves its output
- * as it was. The numbers of users and of types of animation, and the names of data types, are the service's own and are
- * carried unchanged.
+ * as it was. What the numbers of users and of types of animation and the names of data types stand for is up to the
+ * service: they are carried unchanged.
  *
  * Blocking. An operation that reaches the service blocks its thread while the platform looks the service up, one thread
  * at a time, and then until the service has replied, however long that takes. An operation on listeners also waits
@@ -48,14 +48,15 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
  * Listeners. A listener is called as long as it is registered, also across restarts of the service. Listeners are
  * identified by their address and held while they are registered. When the service goes away, every switch listener is
  * called once for each sensor, with state OFF, the colour "#000000" and 0 for the rest: only a notice of the service's
- * end tells that from a real switch. Then the privacy event listeners of SENSOR_STATE_CHANGE, no others, are called
- * once with a record for each sensor: no name, uid -1, ACCESS_STATE_OFF. A service's own event should have a name; a
- * filter by user must let these pass.
+ * end distinguishes that from a real switch. Then the privacy event listeners of SENSOR_STATE_CHANGE, no others, are
+ * called once with a record for each sensor: no name, uid -1, ACCESS_STATE_OFF. An event that the service itself
+ * reports should have a name; a filter by user must let the records without one pass.
  *
- * The state. Nothing is called when the service comes back: the state is to be asked for anew. For that, an app
- * subscribes to the service with the system ability manager, and calls GetInstance() before. Where subscribers are
- * called in the order of their subscription, as on Linux, its own notices then come after the listeners were registered
- * anew, or called at the service's end. Where that is not so, it may call both ReRegister operations before it asks.
+ * The state. No listener is called when the service comes back: an app has to query the state again. For that it
+ * subscribes to the service with the system ability manager, after its first call of GetInstance(). Where subscribers
+ * are called in the order of their subscription, as on Linux, its own notices then come after the listeners were
+ * registered again, or called at the service's end. Where that is not so, it may call both ReRegister operations before
+ * it queries.
  *
  * Processes. The child of a fork must not use the client before exec. A process must exit by its main thread and while
  * no other thread is in the client, or without its exit handlers, since the client is destroyed by them. A listener's
@@ -89,7 +90,7 @@ public:
     /**
      * The gate to the service, in which alone the library's two variants differ. The emulator's never calls `func`. The
      * device's calls it once, on this thread and without holding the proxy's lock, with the service's proxy, or with
-     * null if there is no service.
+     * null if there is no service. `func` must not be empty.
      */
     void WithSystemAbilityProxy(const std::function<void(const sptr<PrivacyIndicatorServiceIntf>&)>& func) noexcept;
 
@@ -99,7 +100,7 @@ public:
     /** Drops the proxy. */
     void ResetProxy() noexcept;
 
-    /** Subscribes to the service's coming and going. For the constructor. */
+    /** Subscribes to the service's coming and going. The constructor alone calls it: each call adds a subscription. */
     void SubscribePrivacyIndicatorAbility() noexcept;
 
     /** Appends the privacy events of a user to `privacyEventDetails`. */

@@ -29,7 +29,7 @@ inline constexpr int32_t PRIVACY_INDICATOR_SA_ID = 66090;
  *
  * Every operation returns SUCCESS, one of the other codes below, a code of the transport's, or whatever the service
  * returned. A query appends to its vector and never clears it; no other thread may touch the vector during the call.
- * The numbers of users and of types of animation are the service's own.
+ * What the numbers of users and of types of animation stand for is up to the service.
  */
 class PRIVACY_INDICATOR_EXPORT PrivacyIndicatorServiceIntf : public IRemoteBroker {
 public:
