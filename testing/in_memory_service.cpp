@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "in_memory_service.h"
 
+#include <optional>
+#include <utility>
+
 #include "ipc_skeleton.h"
 #include "message_parcel.h"
 #include "notify_power_event.h"
@@ -50,7 +53,7 @@ bool InMemoryService::BeginUse(const SensorUse& use)
     if (!history_.Begin(use)) {
         return false;
     }
-    IndicatorData& indicator = Of(use.sensor).indicator;
+    IndicatorData& indicator = SensorOf(use.sensor).indicator;
     if (indicator.state != IndicatorState::ON) {
         Switch(indicator, IndicatorState::ON);
     }
@@ -64,7 +67,7 @@ bool InMemoryService::EndUse(const SensorUse& use)
     if (!history_.End(use)) {
         return false;
     }
-    Sensor& sensor = Of(use.sensor);
+    Sensor& sensor = SensorOf(use.sensor);
     if (sensor.indicator.state == IndicatorState::ON && !sensor.isTurnedOn && !history_.IsInUse(use.sensor)) {
         Switch(sensor.indicator, IndicatorState::OFF);
     }
@@ -74,8 +77,9 @@ bool InMemoryService::EndUse(const SensorUse& use)
 
 void InMemoryService::Close()
 {
-    const auto ofSwitch = switchListeners_->Close();
-    const auto ofEvents = eventListeners_->Close();
+    // Both are closed before the calls under way are waited for.
+    const auto switchCalls = switchListeners_->Close();
+    const auto eventCalls = eventListeners_->Close();
 }
 
 void InMemoryService::AwaitDelivery()
@@ -173,7 +177,7 @@ int32_t InMemoryService::TurnOnIndicator(int32_t privacySensorType,
         return INVALID_VALUE;
     }
     std::lock_guard<std::mutex> lock(mutex_);
-    Sensor& sensor = Of(static_cast<PrivacySensorType>(privacySensorType));
+    Sensor& sensor = SensorOf(static_cast<PrivacySensorType>(privacySensorType));
     sensor.isTurnedOn = true;
     sensor.indicator.positionX = indicatorPosition.positionX;
     sensor.indicator.positionY = indicatorPosition.positionY;
@@ -190,7 +194,7 @@ int32_t InMemoryService::TurnOffIndicator(int32_t privacySensorType, int32_t ani
         return INVALID_VALUE;
     }
     std::lock_guard<std::mutex> lock(mutex_);
-    Sensor& sensor = Of(static_cast<PrivacySensorType>(privacySensorType));
+    Sensor& sensor = SensorOf(static_cast<PrivacySensorType>(privacySensorType));
     sensor.isTurnedOn = false;
     if (sensor.indicator.state == IndicatorState::ON) {
         sensor.indicator.animationType = animationType;
@@ -235,7 +239,7 @@ int32_t InMemoryService::NotifyPowerEvent(int32_t event)
     return SUCCESS;
 }
 
-InMemoryService::Sensor& InMemoryService::Of(PrivacySensorType sensor)
+InMemoryService::Sensor& InMemoryService::SensorOf(PrivacySensorType sensor)
 {
     return sensors_.at(static_cast<size_t>(sensor));
 }

@@ -17,19 +17,19 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing {
 
 /**
- * The privacy indicator service, in memory. Any thread may call anything; no call waits for a listener.
+ * The privacy indicator service, in memory. Any thread may call anything; no request waits for a listener.
  *
  * A sensor's indicator is on while an application uses the sensor, and from TurnOnIndicator on. It goes off when
  * neither holds any more, and with TurnOffIndicator, whichever application uses the sensor: the sensor's next use shows
  * it again. A change is reported to the switch listeners, and each begin and end of a use to the privacy event
  * listeners of SENSOR_STATE_CHANGE, in order. A listener that is slower by more than PushQueue holds misses the oldest
- * ones. An event that a listener does not take is not sent again: only the library's log shows it.
+ * ones. An event that a listener refuses is not sent again: only the library's log shows it.
  *
  * Times are milliseconds since the epoch. A request with an argument out of range gets INVALID_VALUE.
  */
 class InMemoryService : public PrivacyIndicatorServiceIntfStub {
 public:
-    /** What the service has to say, as lines of text. Either function may be empty; both are called on any thread. */
+    /** What the service reports, as lines of text. Either function may be empty; both may be called on any thread. */
     struct Reports {
         std::function<void(const std::string&)> event;   // A registration or a power event.
         std::function<void(const std::string&)> problem; // A listener that is too slow.
@@ -52,8 +52,9 @@ public:
     void SetRefusal(int32_t code);
 
     /**
-     * A listener that is registered, for one data type. A process's client registers one for all its switch listeners,
-     * and one for all its privacy event listeners of a data type; with each service that starts, once it has made it.
+     * A listener that is registered, for one data type. A process's client registers one object for all its switch
+     * listeners, and one for all its privacy event listeners of a data type, and registers them again with each service
+     * that starts.
      */
     struct Registration {
         sptr<IRemoteObject> listener;
@@ -62,7 +63,7 @@ public:
     };
     std::vector<Registration> GetRegistrations();
 
-    /** Removes all listeners, and takes no more. Waits for the calls that they are in. */
+    /** Removes all listeners, and takes no more. Waits for the calls that they are in: not for a listener to call. */
     void Close();
 
     int32_t OnRemoteRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option) override;
@@ -108,7 +109,7 @@ private:
     };
 
     /** The three below are called with the lock held, so that changes are reported in their order. */
-    Sensor& Of(PrivacySensorType sensor);
+    Sensor& SensorOf(PrivacySensorType sensor);
     void Switch(Indicator::IndicatorData& indicator, Indicator::IndicatorState state);
     void PushUse(const SensorUse& use, AccessState state);
 

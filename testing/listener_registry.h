@@ -23,7 +23,7 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing {
 
 /**
- * The listeners of one interface, and what each of them wants to hear: its topics. Every listener has a queue and a
+ * The listeners of one interface, each with the topics whose events it is to get. Every listener has a queue and a
  * thread that empties it, so that one that does not answer delays no other. A listener is its remote object: added
  * again, it is still one listener. It is removed when its process dies. Any thread may call anything.
  */
@@ -42,13 +42,15 @@ public:
 
     explicit ListenerRegistry(PushQueue::Report report) : report_(std::move(report)) {}
 
-    /** Does not call the listener. INVALID_VALUE if the listener's process is gone; NO_ROOM beyond the limits, or for
-     * no thread. */
+    /**
+     * Adds a topic to those of `listener`, which is not called. INVALID_VALUE if the listener's process has died;
+     * NO_ROOM beyond the limits, after Close, or if no thread can be started.
+     */
     int32_t Add(const sptr<Listener>& listener, const std::string& topic)
     {
         const sptr<IRemoteObject> object = listener->AsObject();
         std::lock_guard<std::mutex> lock(mutex_);
-        ForgetEndedThreads();
+        RemoveEndedThreads();
         const auto known = entries_.find(object);
         if (known != entries_.end()) {
             auto& topics = known->second.topics;
@@ -73,7 +75,7 @@ public:
         } catch (const std::system_error&) {
             return NO_ROOM;
         }
-        // A listener of this very process ends with it.
+        // A listener of this process dies only with the registry.
         if (object->IsProxyObject() && !object->AddDeathRecipient(this)) {
             queue->Close();
             return INVALID_VALUE;
@@ -82,7 +84,7 @@ public:
         return SUCCESS;
     }
 
-    /** Does not wait for a call that the listener is in. INVALID_VALUE if it is not there. */
+    /** Does not wait for a call that the listener is in. INVALID_VALUE if it is not registered. */
     int32_t Remove(const sptr<IRemoteObject>& object)
     {
         Entry removed; // Destroyed after the lock is released.
@@ -99,7 +101,7 @@ public:
         return SUCCESS;
     }
 
-    /** Has `event` called with every listener of that topic, soon and on other threads. */
+    /** Has `event` called with every listener of that topic, on the listeners' threads. Does not wait. */
     void Push(const std::string& topic, Event event)
     {
         const auto shared = std::make_shared<const Event>(std::move(event));
@@ -126,7 +128,7 @@ public:
         }
     }
 
-    /** The listeners, each with what it wants to hear and how often it was added for that. */
+    /** The listeners, each with its topics and how often it was added for each. */
     std::map<sptr<IRemoteObject>, std::map<std::string, int>> GetTopics()
     {
         std::map<sptr<IRemoteObject>, std::map<std::string, int>> topics;
@@ -168,13 +170,13 @@ public:
 private:
     struct Entry {
         sptr<Listener> listener;
-        pid_t process;                     // That has registered it.
+        pid_t process;                     // The one that has registered it.
         std::map<std::string, int> topics; // How often each was added.
         std::shared_ptr<PushQueue> queue;
         std::future<void> thread; // Runs the queue. Its destructor waits for the thread.
     };
 
-    void ForgetEndedThreads()
+    void RemoveEndedThreads()
     {
         endedThreads_.remove_if([](const std::future<void>& thread) {
             return thread.wait_for(std::chrono::seconds(0)) == std::future_status::ready;

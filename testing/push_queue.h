@@ -23,10 +23,10 @@ public:
 
     using Call = std::function<void()>;
 
-    /** Has one line of text written somewhere. Called on any thread. */
+    /** Takes a line of text that reports dropped calls. Called on the thread that is in Run. */
     using Report = std::function<void(const std::string& line)>;
 
-    /** `name` is the listener's in what is reported. */
+    /** `name` is what a report calls the listener. `report` may be empty. */
     PushQueue(std::string name, Report report);
 
     void Push(Call call);

@@ -5,7 +5,7 @@
 #include <future>
 #include <list>
 #include <mutex>
-#include <utility>
+#include <string>
 
 #include "ipc_object_stub.h"
 #include "ipc_types.h"
@@ -31,10 +31,11 @@ public:
     std::promise<void> happened;
 };
 
-// The manager's notices come in order: the one about this system ability comes after all those before it.
+// Returns when all notices until now have been delivered: they come in order, so a notice about one more system ability
+// comes after them.
 void AwaitNotices()
 {
-    constexpr int32_t LAST_ID = 0x00ffffff;
+    constexpr int32_t LAST_ID = 0x00ffffff; // The greatest there is, which no service is expected to have.
     const sptr<Arrival> arrival(new Arrival());
     Manager()->AddSystemAbility(LAST_ID, new IPCObjectStub());
     Manager()->SubscribeSystemAbility(LAST_ID, arrival);

@@ -17,14 +17,14 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Testing {
 
-/** An application with a sensor. */
+/** An application's use of a sensor. */
 struct SensorUse {
     PrivacySensorType sensor;
     std::string bundleName;
     int32_t uid;
 };
 
-/** What this service writes into the records' access states. */
+/** The access states that InMemoryService writes into records. */
 enum AccessState : int32_t { ACCESS_BEGUN = 1, ACCESS_ENDED = Privacy::ACCESS_STATE_OFF };
 
 /**
