@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "commands.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <csignal>
 
@@ -18,15 +20,15 @@ namespace {
 
 constexpr int32_t EVERY_USER = -1;
 
-// The action that has the service's result from `request`; says on stderr what it is, if it is not 0.
+// The action that makes `request`, and names its result on standard error if that is not 0.
 Action Requesting(Format format, const std::function<int32_t(const Target&)>& request)
 {
     return [=](const Target& target) {
         const int32_t result = request(target);
-        const std::string text = format == Format::RAW ? std::to_string(result) : ResultText(result);
         if (result == 0) {
             return EXIT_DONE;
         }
+        const std::string text = format == Format::RAW ? std::to_string(result) : ResultText(result);
         if (target.service->AsObject()->IsObjectDead() || result == ERR_TIMED_OUT || result == ECONNREFUSED) {
             Complain("the service did not answer: " + text);
             return EXIT_NO_SERVICE;
@@ -63,7 +65,7 @@ Action ParseOff(const Arguments& arguments, Format format)
         format, [=](const Target& target) { return target.service->TurnOffIndicator(sensor, animation); });
 }
 
-// Prints what `query` appends, as far as it came.
+// Prints the records that `query` appends, also those before a failure.
 template <typename Record>
 Action PrintQuery(Format format, std::function<int32_t(PrivacyIndicatorServiceIntf&, std::vector<Record>&)> query)
 {
@@ -118,14 +120,14 @@ Action ParseWatch(const Arguments& /* arguments */, Format format)
     }
     return Requesting(format, [=](const Target& target) {
         constexpr timespec NEXT_TRY{2, 0};
-        constexpr int WORK = SIGUSR1;
+        constexpr int BACK = SIGUSR1;
         sigset_t signals = BlockEndSignals();
-        sigaddset(&signals, WORK);
+        sigaddset(&signals, BACK);
         pthread_sigmask(SIG_BLOCK, &signals, nullptr);
         const sptr<Watcher> watcher(new Watcher(
             target.manager, [=](const auto& data) { PrintSwitch(data, format); },
             [=](const auto& dataType, const auto& infos) { PrintEvent(dataType, infos, format); },
-            [=] { kill(getpid(), WORK); }));
+            [=] { kill(getpid(), BACK); }));
         const int32_t result = watcher->Start(target.service);
         if (result != 0) {
             return result;
@@ -169,7 +171,7 @@ const std::vector<Command>& Commands()
         {"power", "EVENT", "report the power event 0 or 1", "", 1, {}, ParsePower},
         {"watch", "", "print what listeners are called with, until SIGINT or SIGTERM", "", 0, {}, ParseWatch},
         {"verify", "", "check that the service keeps to the contract, and print each check", "", 0, {}, ParseVerify},
-        {HOLD_LISTENERS, "COUNT", "", "", 1, {}, ParseHoldListeners}, // Without a summary it is not in the help.
+        {HOLD_LISTENERS, "COUNT", "", "", 1, {}, ParseHoldListeners}, // Not in the help: verify starts it.
     };
     return commands;
 }

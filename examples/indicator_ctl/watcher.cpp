@@ -11,8 +11,8 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
 namespace {
 
-// Says what the service did, if it did.
-int32_t Report(int32_t result, const std::string& done)
+// Prints what the service has done, if it has.
+int32_t PrintIfDone(int32_t result, const std::string& done)
 {
     if (result == 0) {
         PrintLine(done);
@@ -24,15 +24,16 @@ int32_t Report(int32_t result, const std::string& done)
 
 Watcher::Watcher(const sptr<ISystemAbilityManager>& manager,
     Indicator::IndicatorSwitchListenerStubImpl::Callback onSwitch,
-    Privacy::PrivacyEventListenerStubImpl::Callback onEvent, std::function<void()> hasWork)
+    Privacy::PrivacyEventListenerStubImpl::Callback onEvent, std::function<void()> onBack)
     : manager_(manager), switchListener_(new Indicator::IndicatorSwitchListenerStubImpl(std::move(onSwitch))),
-      eventListener_(new Privacy::PrivacyEventListenerStubImpl(std::move(onEvent))), hasWork_(std::move(hasWork))
+      eventListener_(new Privacy::PrivacyEventListenerStubImpl(std::move(onEvent))), onBack_(std::move(onBack))
 {}
 
 int32_t Watcher::Start(const sptr<PrivacyIndicatorServiceIntf>& service)
 {
-    const int32_t result = Follow(service) ? Register(*service) : int32_t{ERR_DEAD_OBJECT};
-    return result != 0 ? result : manager_->SubscribeSystemAbility(PRIVACY_INDICATOR_SA_ID, this);
+    Follow(service);
+    const int32_t error = manager_->SubscribeSystemAbility(PRIVACY_INDICATOR_SA_ID, this);
+    return error != 0 ? error : Register(*service);
 }
 
 void Watcher::Attach()
@@ -57,30 +58,20 @@ int32_t Watcher::Stop()
     sptr<PrivacyIndicatorServiceIntf> service;
     {
         std::lock_guard<std::mutex> lock(mutex_);
-        service = std::exchange(service_, nullptr);
+        const sptr<PrivacyIndicatorServiceIntf> followed = std::exchange(service_, nullptr);
+        service = isRegistered_ ? followed : nullptr;
     }
     if (service == nullptr) {
         return 0;
     }
-    service->AsObject()->RemoveDeathRecipient(this);
-    if (!isRegistered_) {
-        return 0;
-    }
     const int32_t ofSwitch =
-        Report(service->UnregisterPrivacyIndicatorSwitchListener(switchListener_), "switch listener unregistered");
+        PrintIfDone(service->UnregisterPrivacyIndicatorSwitchListener(switchListener_), "switch listener unregistered");
     const int32_t ofEvent =
-        Report(service->UnregisterPrivacyEventListener(eventListener_), "event listener unregistered");
+        PrintIfDone(service->UnregisterPrivacyEventListener(eventListener_), "event listener unregistered");
     if (service->AsObject()->IsObjectDead()) {
         return 0; // Gone just now, and the listeners with it.
     }
     return ofSwitch != 0 ? ofSwitch : ofEvent;
-}
-
-void Watcher::OnRemoteDied(const wptr<IRemoteObject>& object)
-{
-    if (Followed() == object.promote()) {
-        Lose();
-    }
 }
 
 void Watcher::OnAddSystemAbility(int32_t /* systemAbilityId */, const std::string& /* deviceId */)
@@ -91,29 +82,25 @@ void Watcher::OnAddSystemAbility(int32_t /* systemAbilityId */, const std::strin
     }
     Lose();
     PrintLine("the service is back");
-    if (Follow(service)) {
-        hasWork_();
-    }
+    Follow(service);
+    onBack_();
 }
 
 void Watcher::OnRemoveSystemAbility(int32_t /* systemAbilityId */, const std::string& /* deviceId */) { Lose(); }
 
-bool Watcher::Follow(const sptr<PrivacyIndicatorServiceIntf>& service)
+void Watcher::Follow(const sptr<PrivacyIndicatorServiceIntf>& service)
 {
-    {
-        std::lock_guard<std::mutex> lock(mutex_);
-        service_ = service;
-        isRegistered_ = false;
-    }
-    return service->AsObject()->AddDeathRecipient(this);
+    std::lock_guard<std::mutex> lock(mutex_);
+    service_ = service;
+    isRegistered_ = false;
 }
 
 int32_t Watcher::Register(PrivacyIndicatorServiceIntf& service)
 {
     int32_t result =
-        Report(service.RegisterPrivacyIndicatorSwitchListener(switchListener_), "switch listener registered");
+        PrintIfDone(service.RegisterPrivacyIndicatorSwitchListener(switchListener_), "switch listener registered");
     if (result == 0) {
-        result = Report(service.RegisterPrivacyEventListener(Privacy::SENSOR_STATE_CHANGE, eventListener_),
+        result = PrintIfDone(service.RegisterPrivacyEventListener(Privacy::SENSOR_STATE_CHANGE, eventListener_),
             "event listener registered");
     }
     std::lock_guard<std::mutex> lock(mutex_);

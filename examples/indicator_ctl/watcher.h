@@ -16,49 +16,44 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
 /**
- * Registers a listener of each kind, which calls a function. Follows the service: says on standard output when it is
- * gone, and when it is back registers with it anew, again and again if the service does not answer.
- *
- * It is the service's death recipient and its availability listener: the first hears of the process's end, the second
- * of the service's return. Both are called on one thread, in order, and must not wait.
+ * Registers a listener of each kind, which calls a function, and follows the service: prints when it is gone, and when
+ * it is back registers with it again, repeatedly if the service does not answer. The notices of the service's coming
+ * and going are delivered on one thread, in order, and must not wait.
  */
-class Watcher : public SystemAbilityStatusChangeStub, public IRemoteObject::DeathRecipient {
+class Watcher : public SystemAbilityStatusChangeStub {
 public:
-    /** `hasWork` is called when it is time for Attach. */
+    /** `onBack` is called when the service is back: it is time for Attach. */
     Watcher(const sptr<ISystemAbilityManager>& manager, Indicator::IndicatorSwitchListenerStubImpl::Callback onSwitch,
-        Privacy::PrivacyEventListenerStubImpl::Callback onEvent, std::function<void()> hasWork);
+        Privacy::PrivacyEventListenerStubImpl::Callback onEvent, std::function<void()> onBack);
 
-    /** Registers the listeners with `service`, and begins to follow it. 0, or the first result that is not. */
+    /** Begins to follow `service`, and registers the listeners with it. 0, or the first result that is not. */
     int32_t Start(const sptr<PrivacyIndicatorServiceIntf>& service);
 
-    /** Registers the listeners with the service that is back, if there is one. Says so where that is to be tried again.
-     */
+    /** Registers the listeners, if the service is there and has not got them. Complains if it does not take them. */
     void Attach();
 
     /** Ends that, and unregisters the listeners if the service is there. 0, or the first result that is not. */
     int32_t Stop();
 
-    void OnRemoteDied(const wptr<IRemoteObject>& object) override;
     void OnAddSystemAbility(int32_t systemAbilityId, const std::string& deviceId) override;
     void OnRemoveSystemAbility(int32_t systemAbilityId, const std::string& deviceId) override;
 
 private:
-    /** Makes `service` the one that is followed. False if it is dead. */
-    bool Follow(const sptr<PrivacyIndicatorServiceIntf>& service);
+    void Follow(const sptr<PrivacyIndicatorServiceIntf>& service);
 
     int32_t Register(PrivacyIndicatorServiceIntf& service);
 
     /** The object of the service that is followed, or null. */
     sptr<IRemoteObject> Followed();
 
-    /** Forgets the service, and says so if it was not forgotten before. */
+    /** Forgets the service that is followed, and prints that it is gone, if there is one. */
     void Lose();
 
     const sptr<ISystemAbilityManager> manager_;
     const sptr<Indicator::IndicatorSwitchListenerIntf> switchListener_;
     const sptr<Privacy::PrivacyEventListenerIntf> eventListener_;
 
-    const std::function<void()> hasWork_;
+    const std::function<void()> onBack_;
 
     std::mutex mutex_;
     sptr<PrivacyIndicatorServiceIntf> service_; // The one that is followed, or null.
