@@ -24,7 +24,8 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
 namespace {
 
-constexpr std::chrono::seconds PATIENCE{3}; // For a service that has yet to notice the death of former listeners.
+// For a service that has yet to notice the death of former listeners.
+constexpr std::chrono::seconds REGISTRATION_PATIENCE{3};
 constexpr std::chrono::milliseconds RETRY_INTERVAL{20};
 
 } // namespace
@@ -33,11 +34,11 @@ void HoldListeners(const sptr<IRemoteObject>& service, size_t count)
 {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     const ServiceProbe probe(service);
-    const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
+    const auto deadline = std::chrono::steady_clock::now() + REGISTRATION_PATIENCE;
     std::vector<sptr<IRemoteObject>> taken;
     while (taken.size() < count && std::chrono::steady_clock::now() < deadline) {
         const sptr<IRemoteObject> listener(new IPCObjectStub(Indicator::IndicatorSwitchListenerIntf::GetDescriptor()));
-        if (probe.RegisterSwitchListener(listener) == "result 0") {
+        if (probe.RegisterSwitchListener(listener) == ACCEPTED) {
             taken.push_back(listener);
         } else {
             std::this_thread::sleep_for(RETRY_INTERVAL);
@@ -67,7 +68,7 @@ ListenerProcess::ListenerProcess(size_t count)
     }
     posix_spawn_file_actions_destroy(&actions);
     close(pipe[1]);
-    // It prints one line, within its patience; or ends.
+    // It prints one line within REGISTRATION_PATIENCE, or ends.
     std::FILE* const output = fdopen(pipe[0], "r");
     if (std::fscanf(output, "%zu", &taken_) != 1) {
         taken_ = 0;

@@ -10,10 +10,10 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
-/** The command of this program that ListenerProcess starts; not for people. */
+/** The command of this program that ListenerProcess starts. The help leaves it out. */
 inline constexpr const char* HOLD_LISTENERS = "hold-listeners";
 
-/** Registers `count` switch listeners, prints how many the service took within some seconds, and waits for its end. */
+/** Registers `count` switch listeners, prints how many the service took within some seconds, and waits to be killed. */
 [[noreturn]] void HoldListeners(const sptr<IRemoteObject>& service, size_t count);
 
 /** Another process of this program, which holds listeners. It is killed with this object. */
@@ -27,7 +27,7 @@ public:
     /** How many of its listeners the service has taken; 0 if the process could not be started. */
     size_t GetTaken() const;
 
-    /** Has it read nothing any more. */
+    /** Stops the process, so that it reads nothing any more. */
     void Freeze() const;
 
 private:

@@ -2,6 +2,7 @@
 #include "recording_listener.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include "indicator_switch_listener_intf.h"
@@ -13,7 +14,7 @@ namespace {
 
 using Intf = Indicator::IndicatorSwitchListenerIntf;
 
-constexpr std::chrono::seconds PATIENCE{3};
+constexpr std::chrono::seconds CALL_PATIENCE{3};
 constexpr std::chrono::milliseconds AFTERMATH{300}; // In which a call that should not come would come.
 
 std::string Decode(MessageParcel& data, const MessageOption& option)
@@ -50,7 +51,7 @@ int RecordingListener::OnRemoteRequest(uint32_t code, MessageParcel& data, Messa
 std::vector<std::string> RecordingListener::TakeCalls(size_t count)
 {
     std::unique_lock<std::mutex> lock(mutex_);
-    called_.wait_for(lock, PATIENCE, [&] { return calls_.size() >= count; });
+    called_.wait_for(lock, CALL_PATIENCE, [&] { return calls_.size() >= count; });
     called_.wait_for(lock, AFTERMATH, [&] { return calls_.size() > count; });
     return std::exchange(calls_, {});
 }
@@ -58,8 +59,8 @@ std::vector<std::string> RecordingListener::TakeCalls(size_t count)
 bool RecordingListener::IsCalledWith(const std::string& call)
 {
     std::unique_lock<std::mutex> lock(mutex_);
-    const bool isCalled =
-        called_.wait_for(lock, PATIENCE, [&] { return std::find(calls_.begin(), calls_.end(), call) != calls_.end(); });
+    const bool isCalled = called_.wait_for(
+        lock, CALL_PATIENCE, [&] { return std::find(calls_.begin(), calls_.end(), call) != calls_.end(); });
     calls_.clear();
     return isCalled;
 }

@@ -2,7 +2,6 @@
 #ifndef RECORDING_LISTENER_H
 #define RECORDING_LISTENER_H
 
-#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <string>

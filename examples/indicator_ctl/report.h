@@ -12,7 +12,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 /** The checks of a service, in their order. */
 class Report {
 public:
-    /** `expected` is printed if `isRight` is false. */
+    /** In a table, `expected` is printed only if `isRight` is false. */
     void Add(const std::string& request, const std::string& sent, const std::string& came, const std::string& expected,
         bool isRight);
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "service_probe.h"
 
-#include <memory>
-
 #include "permission_usage_duration.h"
 #include "privacy_event_detail.h"
 #include "privacy_indicator_service_intf.h"

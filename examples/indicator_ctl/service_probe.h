@@ -12,7 +12,7 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
-/** Sends requests that are written by hand, so that they can be wrong. */
+/** Sends requests whose bytes the caller writes, so that they can be malformed. Any thread may call anything. */
 class ServiceProbe {
 public:
     using Write = std::function<void(MessageParcel&)>;
@@ -28,7 +28,7 @@ public:
     /** The same, with the service's own token. */
     std::string Ask(uint32_t code, const Write& write) const;
 
-    /** The indicators that are on; none if the service does not say. */
+    /** The indicators that are on; none if the request fails. */
     std::vector<Indicator::IndicatorData> GetActiveIndicators() const;
 
     /** @{ Shows or hides an indicator. Returns what came. */
@@ -41,6 +41,9 @@ public:
 private:
     const sptr<IRemoteObject> service_;
 };
+
+/** What ServiceProbe returns for a request that the service has carried out. */
+inline constexpr const char* ACCEPTED = "result 0";
 
 /** "6 TurnOnIndicator"; the code alone if there is no such request. */
 std::string RequestName(uint32_t code);

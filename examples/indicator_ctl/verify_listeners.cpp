@@ -17,7 +17,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Service = PrivacyIndicatorServiceIntf;
 
-constexpr const char* ACCEPTED = "result 0";
 constexpr size_t MANY_LISTENERS = 150;
 constexpr int MANY_CHANGES = 300;
 constexpr int ORDERED_CHANGES = 10;

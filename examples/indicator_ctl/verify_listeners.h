@@ -8,8 +8,8 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
 /**
- * Checks what switch listeners are called with, and when they are not. Nothing that a caller can do causes a privacy
- * event, so that of their listeners only the registration can be checked.
+ * Checks what switch listeners are called with, and when they are not. No request causes a privacy event, so of the
+ * listeners of these only the registration can be checked.
  */
 void VerifyListeners(const ServiceProbe& probe, Report& report);
 

@@ -20,8 +20,7 @@ using Service = PrivacyIndicatorServiceIntf;
 constexpr int32_t NO_SENSOR = 99;
 constexpr size_t MAX_NAMES = 999;
 
-constexpr const char* ACCEPTED = "result 0";
-constexpr const char* ANSWERED = "result"; // Whether 0 or not is up to the service.
+constexpr const char* ANSWERED = "result"; // Any result: it is up to the service.
 constexpr const char* BAD_INPUT = "status 5, no reply";
 constexpr const char* OTHER_TOKEN = "status 1, no reply";
 constexpr const char* NO_SUCH_REQUEST = "status 305, no reply";
@@ -29,7 +28,7 @@ constexpr const char* NO_SUCH_REQUEST = "status 305, no reply";
 struct RequestCheck {
     uint32_t code;
     const char* sent;
-    const char* expected; // How that which comes begins.
+    const char* expected; // The beginning of what should come.
     ServiceProbe::Write write;
 };
 
@@ -53,7 +52,7 @@ void WriteQuery(MessageParcel& data, size_t names)
     data.WriteInt64(0);
 }
 
-// Of a sensor that there is not, so that no indicator moves.
+// For a sensor that does not exist, so that no indicator moves.
 void WriteTurnOn(MessageParcel& data, float width)
 {
     const Indicator::IndicatorPosition position;

@@ -7,7 +7,7 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
-/** Checks each request by itself: with good and bad input, another token, and codes that there are not. */
+/** Checks each request by itself: with good and bad input and another token; and codes that are no requests. */
 void VerifyRequests(const ServiceProbe& probe, Report& report);
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
