@@ -23,9 +23,6 @@ public:
 /** `camera`, `microphone` or `location`. Throws ParseError for anything else. */
 PrivacySensorType ParseSensor(const std::string& name);
 
-/** The name that ParseSensor reads; "unknown sensor" if `sensor` is not one of the three. */
-const char* NameOf(PrivacySensorType sensor);
-
 /** A decimal number that fits `Number`. Throws ParseError for anything else. */
 template <typename Number>
 Number ParseNumber(const std::string& text)

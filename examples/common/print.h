@@ -10,9 +10,9 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 inline constexpr int EXIT_NOT_WRITTEN = 4;
 
 /**
- * Prints text on standard output, at once and whole. Any thread may call it. Where nobody reads any more, SIGPIPE ends
- * the program; after any other failure it ends with a message and EXIT_NOT_WRITTEN. A program that ignores SIGPIPE goes
- * on in either case.
+ * Prints text on standard output, at once and whole. Any thread may call it. Where nothing reads it any more, SIGPIPE
+ * ends the program; after any other failure it ends with a message and EXIT_NOT_WRITTEN. A program that ignores SIGPIPE
+ * goes on in either case.
  */
 void Print(const std::string& text);
 
@@ -25,7 +25,8 @@ void PrintLine(const std::string& line);
  */
 void PrintLineIfRead(const std::string& line);
 
-/** Prints "PROGRAM: message" as a line on standard error, Printable where that is a terminal. Any thread may call it.
+/**
+ * Prints "PROGRAM: message" as a line on standard error, Printable where that is a terminal. Any thread may call it.
  */
 void Complain(const std::string& message);
 

@@ -45,19 +45,20 @@ void LogQuietly(const char* level) { setenv("HILOG_LEVEL", level, 0); }
 
 sptr<ISystemAbilityManager> FindManager()
 {
-    const char* address = "";
+    std::string reason = "the platform has none";
 #ifndef OHOS_PLATFORM // A device has one manager, without an address.
     // Without an address there would be a manager, but one that no other process can see.
-    address = std::getenv("OHOS_BUS_ADDRESS");
+    const char* const address = std::getenv("OHOS_BUS_ADDRESS");
     if (address == nullptr || *address == '\0') {
         Complain(
             "no system ability manager: OHOS_BUS_ADDRESS is not set (\"ohos_bus bash\" starts a shell that has it)");
         return nullptr;
     }
+    reason = std::string("OHOS_BUS_ADDRESS is no socket's address: ") + address;
 #endif
     sptr<ISystemAbilityManager> manager = SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager();
     if (manager == nullptr) {
-        Complain("no system ability manager: OHOS_BUS_ADDRESS is no socket's address: " + std::string(address));
+        Complain("no system ability manager: " + reason);
     }
     return manager;
 }

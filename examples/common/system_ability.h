@@ -13,7 +13,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
  */
 void LogQuietly(const char* level = "W");
 
-/** The system ability manager. Null, and a line on stderr, if OHOS_BUS_ADDRESS cannot lead to it. */
+/** The system ability manager. Null, with a message on standard error, if there is none that others share. */
 sptr<ISystemAbilityManager> FindManager();
 
 /** The privacy indicator service. Null if there is none at the moment. Does not ask the service itself. */

@@ -2,6 +2,7 @@
 #include "table.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "print.h"
 

@@ -5,7 +5,6 @@
 #include <map>
 
 #include "ipc_types.h"
-#include "parse.h"
 #include "print.h"
 #include "privacy_event_values.h"
 #include "privacy_indicator_service_intf.h"
@@ -22,9 +21,16 @@ std::string SensorText(int32_t sensor) { return SensorText(static_cast<PrivacySe
 
 std::string SensorText(PrivacySensorType sensor)
 {
-    const auto number = static_cast<int32_t>(sensor);
-    const bool isKnown = sensor >= PrivacySensorType::CAMERA && sensor <= PrivacySensorType::LOCATION;
-    return isKnown ? NameOf(sensor) : "sensor " + std::to_string(number);
+    switch (sensor) {
+    case PrivacySensorType::CAMERA:
+        return "camera";
+    case PrivacySensorType::MICROPHONE:
+        return "microphone";
+    case PrivacySensorType::LOCATION:
+        return "location";
+    default:
+        return "sensor " + std::to_string(static_cast<int32_t>(sensor));
+    }
 }
 
 std::string StateText(Indicator::IndicatorState state)
