@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Reports power events as a program does that knows nothing of the library but the name of one function.
+// Reports power events with the library loaded at run time, and one function of it found by name.
 #include <dlfcn.h>
 
 #include <iostream>
@@ -15,14 +15,22 @@ using namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples;
 
 namespace {
 
-constexpr const char* USAGE = R"(usage: power_reporter [EVENT...]
+constexpr const char* USAGE = R"(Usage: power_reporter [EVENT]...
 
-Loads the library and reports power events, 0 or 1: first those of the command line, then one for each line of standard
-input, until its end. Each result is a line on standard output. What it cannot read it names on standard error, and goes
-on. While the program lives, the library reports the last event again whenever the service comes back, if the user that
-it runs as is 3036.
+Load the library and report power events, 0 or 1: first those of the command line, then one for each line of standard
+input, until its end. Each result is a line on standard output. An event that cannot be read is named on standard error
+and skipped. While the program runs, the library reports the last event again whenever the service comes back, if the
+user that it runs as is 3036.
 
-Exit codes: 0 every event was taken, 1 one was refused or could not be read, 2 the library could not be loaded.
+Options:
+  -h, --help  print this and exit
+  --version   print the version and exit
+
+Exit status:
+  0  every event was taken
+  1  an event was refused or could not be read
+  2  the library could not be loaded
+  4  standard output cannot be written
 )";
 
 enum ExitCode { EXIT_TAKEN = 0, EXIT_NOT_ALL = 1, EXIT_NO_LIBRARY = 2 };
@@ -32,7 +40,7 @@ constexpr const char* FUNCTION = "NotifyPowerEvent";
 
 using Notify = decltype(&NotifyPowerEvent);
 
-/** Null, and a line on stderr, if there is no such function to be had. */
+/** The library's function. Null, with a message on standard error, if it cannot be loaded. */
 Notify LoadNotify()
 {
     // Never unloaded: the library's threads may call it as long as the program lives.
@@ -44,7 +52,7 @@ Notify LoadNotify()
     return reinterpret_cast<Notify>(function);
 }
 
-/** False, and a line that says why, if the event was not taken. `place` is where the text stands. */
+/** Whether the event was taken. Otherwise a message gives the reason, and `place`, where `text` was found. */
 bool Report(Notify notify, const std::string& text, const std::string& place)
 {
     try {
@@ -63,7 +71,7 @@ bool Report(Notify notify, const std::string& text, const std::string& place)
 int main(int argc, char** argv)
 {
     const std::vector<std::string> events(argv + 1, argv + argc);
-    if (PrintHelp(events, USAGE)) {
+    if (PrintHelpOrVersion(events, USAGE)) {
         return EXIT_TAKEN;
     }
     const Notify notify = LoadNotify();

@@ -57,7 +57,7 @@ const std::vector<std::string>& Arguments::Values(const std::string& option) con
 
 bool Arguments::Has(const std::string& flag) const { return flags_.count(flag) > 0; }
 
-bool PrintHelp(const std::vector<std::string>& line, const std::string& usage)
+bool PrintHelpOrVersion(const std::vector<std::string>& line, const std::string& usage)
 {
     const auto end = std::find(line.begin(), line.end(), "--");
     const auto has = [&](const char* option) { return std::find(line.begin(), end, option) != end; };

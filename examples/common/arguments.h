@@ -59,7 +59,7 @@ private:
  * Prints `usage` if `-h` or `--help` is anywhere on the command line before `--`, else the program's name and version
  * if `--version` is. Returns whether it printed.
  */
-bool PrintHelp(const std::vector<std::string>& line, const std::string& usage);
+bool PrintHelpOrVersion(const std::vector<std::string>& line, const std::string& usage);
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
 

@@ -13,7 +13,7 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
-/** What a command has to do with. */
+/** The service that a command is for, and the manager that it was found with. */
 struct Target {
     sptr<ISystemAbilityManager> manager;
     sptr<PrivacyIndicatorServiceIntf> service;
@@ -21,14 +21,14 @@ struct Target {
 
 enum ExitCode { EXIT_DONE = 0, EXIT_REFUSED = 1, EXIT_USAGE = 2, EXIT_NO_SERVICE = 3 };
 
-/** Does what a command is for, and prints what comes of it. Returns the exit code. */
+/** Carries a command out and prints its result. Returns the exit code. */
 using Action = std::function<ExitCode(const Target&)>;
 
-/** A command of the command line, and all that there is to say of it. */
+/** A command of the command line, with its help. */
 struct Command {
     std::string name;
     std::string arguments;
-    std::string summary; // Empty for what is not for people.
+    std::string summary; // Empty for a command that the help leaves out.
     std::string details; // Lines of help for the command's own options.
     size_t mostWords;
     std::vector<std::string> options; // Those with a value.

@@ -14,10 +14,10 @@ using namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples;
 
 namespace {
 
-/** The command line, taken apart. */
+/** What the command line asks for. */
 struct Call {
     Action action;
-    bool isToWait;
+    bool waitsForService;
 };
 
 /** Null if there is no command on the command line. Throws ParseError. */
@@ -55,7 +55,7 @@ int Run(const Call& call)
     if (target.manager == nullptr) {
         return EXIT_NO_SERVICE;
     }
-    target.service = call.isToWait ? AwaitService(*target.manager) : FindService(*target.manager);
+    target.service = call.waitsForService ? AwaitService(*target.manager) : FindService(*target.manager);
     if (target.service == nullptr) {
         Complain("the service is not there");
         return EXIT_NO_SERVICE;
@@ -71,7 +71,7 @@ int main(int argc, char** argv)
     LogQuietly();
     try {
         const Command* const command = FindCommand(line);
-        if (PrintHelp(line, command == nullptr ? UsageOfAll() : UsageOf(*command))) {
+        if (PrintHelpOrVersion(line, command == nullptr ? UsageOfAll() : UsageOf(*command))) {
             return EXIT_DONE;
         }
         if (command == nullptr) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// An app on the client: shows which sensors are used, and by which applications. That the service may come and go
-// meanwhile is the client's business.
+// An app on the client: shows which sensors are used, and by which applications. The client copes with the service's
+// coming and going.
 #include <poll.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
@@ -35,7 +35,7 @@ last events; q or Ctrl-C ends it. Otherwise it is a line for each event, until S
 waits for it.
 
 Options:
-  --json       print a JSON object for each event, and for how things are whenever the service has come
+  --json       print a JSON object for each event, and for the state whenever the service has come
   --lines      print a line for each event on a terminal, too
   --user=ID    of which user the uses under way are asked for; of all users if left out (-1)
   -h, --help   print this and exit
@@ -71,8 +71,8 @@ bool IsOnDeviceVariant()
 }
 
 /**
- * Blocks the signals that end the program, and under a board those that have to do with the terminal: in the threads
- * that the library and the feed start later, too. Returns a descriptor to read them from.
+ * Blocks the signals that end the program and, under a board, those that concern the terminal. To be called before
+ * threads are started, which inherit that. Returns a descriptor to read them from.
  */
 int BlockSignals(bool isBoard)
 {
@@ -166,7 +166,7 @@ int Run(bool isJson, bool isBoard, int32_t user)
 int main(int argc, char** argv)
 {
     const std::vector<std::string> line(argv + 1, argv + argc);
-    if (PrintHelp(line, USAGE)) {
+    if (PrintHelpOrVersion(line, USAGE)) {
         return EXIT_ENDED;
     }
     try {

@@ -25,22 +25,32 @@ using namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples;
 
 namespace {
 
-constexpr const char* USAGE = R"(usage: indicator_service [--watch SENSOR=PATH]...
+constexpr const char* USAGE = R"(Usage: indicator_service [OPTION]...
 
-The privacy indicator service, system ability 66090 on the bus that OHOS_BUS_ADDRESS names. It keeps everything in
-memory. "ready" on standard output says that callers can find it; who registers a listener and what power events come is
-printed there too, as long as somebody reads it. When the bus ends it waits for the next one.
+Be the privacy indicator service, system ability 66090, and keep everything in memory, until SIGINT or SIGTERM. "ready"
+on standard output says that callers can find it. The registrations of listeners and the power events are printed there
+too, as long as they are read. When the bus ends it waits for the next one.
 
-Standard input says which application uses which sensor (camera, microphone or location), a line each:
-    start camera com.example.chat 20010043
-    stop camera com.example.chat 20010043
-What it cannot read it names on standard error, with the line's number, and goes on. The end of the input does not end
-it; SIGINT and SIGTERM do. In the background of a terminal it reads nothing.
+Standard input says which application uses which sensor (camera, microphone or location), in lines such as
+"start camera com.example.chat 20010043" and "stop camera com.example.chat 20010043". A line that cannot be read is
+named on standard error, with its number, and skipped. The end of the input does not end the service. In the background
+of a terminal it reads nothing.
 
-With --watch camera=/dev/video0, the camera is also in use while a process has that file open; any file can stand for a
-sensor. Of other users' processes only root sees what they have open.
+Options:
+  --watch=SENSOR=PATH  count the sensor as in use, too, while a process has that file open, such as
+                       --watch=camera=/dev/video0; may be given repeatedly. Which files the processes of other users
+                       have open, only root sees
+  -h, --help           print this and exit
+  --version            print the version and exit
 
-Exit codes: 0 ended by a signal, 1 cannot be the service (any more) or watch a file, 2 wrong usage.
+Environment:
+  OHOS_BUS_ADDRESS  where the bus is that it is the service on
+  HILOG_LEVEL       from which level on the library's log is printed: D, I, W, E, F or OFF; W if it is not set
+
+Exit status:
+  0  it was ended by a signal
+  1  it cannot be the service, or not any more, or cannot watch a file
+  2  the command line is wrong
 )";
 
 constexpr int FOREGROUND_TICK = 1000; // Milliseconds after which a process in the background looks where it is.
@@ -137,7 +147,7 @@ int Run(const std::vector<SensorFile>& sensorFiles)
 
     Serve(*service, files, ended);
 
-    service->Close(); // First, so that no event comes after the news of the service's end.
+    service->Close(); // First, so that no event comes after the notice of the service's end.
     if (manager->RemoveSystemAbility(PRIVACY_INDICATOR_SA_ID) == ERR_INVALID_VALUE) {
         Complain("another process is the service now");
         return EXIT_NO_SERVICE;
@@ -150,7 +160,7 @@ int Run(const std::vector<SensorFile>& sensorFiles)
 int main(int argc, char** argv)
 {
     const std::vector<std::string> line(argv + 1, argv + argc);
-    if (PrintHelp(line, USAGE)) {
+    if (PrintHelpOrVersion(line, USAGE)) {
         return EXIT_ENDED;
     }
     LogQuietly();
