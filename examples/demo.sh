@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# The privacy indicator service, its callers and apps on the client at work, each in a process of its own:
+# Shows the privacy indicator service, its callers and apps on the client at work, each in a process of its own:
 # `examples/demo.sh [--all] BUILD_DIR`. Every step says what happens, and shows what the programs then print; a line at
-# the end says whether all of it came. Without --all it is a device's story in four scenes; with it, everything, on
-# either variant of the library.
+# the end says whether all of it came. Without --all it is four scenes on a device; with it, everything, on either
+# variant of the library.
 set -euo pipefail
 
 here=$(dirname "$(readlink -f "$0")")
@@ -34,7 +34,7 @@ for program in "${needed[@]}"; do
 done
 readonly patience=20                 # Seconds that a line is waited for...
 readonly deadline=$((SECONDS + 100)) # ...but not beyond this.
-export HILOG_LEVEL=OFF               # The library's log would stand between the lines, but where it is the story.
+export HILOG_LEVEL=OFF               # The library's log is shown only where a step is about it.
 readonly replayed_uid=3036           # Whose power events the client replays.
 
 bold='' green='' red='' plain=''
@@ -121,8 +121,8 @@ start()
     process[$1]=$!
 }
 
-# run_reporter EVENT: as the user whose events are replayed, if a user namespace can be had for it. The bus sees the
-# user outside, whom it knows.
+# run_reporter EVENT: as the user whose events are replayed, if a user namespace can be made for it. The bus sees the
+# user outside of it, as it does for the others.
 can_be_replayed=no
 run_reporter()
 {
@@ -131,7 +131,7 @@ run_reporter()
         can_be_replayed=yes
     else
         can_be_replayed=no as=()
-        printf '   (no user namespace to be had here: not as uid %d, so its event will not be replayed)\n' $replayed_uid
+        printf '   (no user namespace can be made here: not as uid %d, so its event is not replayed)\n' $replayed_uid
     fi
     printf '   $ %s\n' "${as[*]:+${as[*]} }power_reporter $1"
     HILOG_LEVEL=I start reporter power "${as[@]}" "$programs/power_reporter" "$1"
@@ -202,8 +202,8 @@ refuse()
     fi
 }
 
-# hear_camera on|off STATE APPLICATION UID: what the caller and both apps hear about the camera's only use.
-hear_camera()
+# expect_camera on|off STATE APPLICATION UID: what the caller and both apps print about the camera's only use.
+expect_camera()
 {
     local app
     expect first "^switch: Indicator\{privacySensorType=0, state=$(($2 - 1)),"
@@ -214,7 +214,7 @@ hear_camera()
     done
 }
 
-# send NAME SIGNAL. A program that is gone already will be missed elsewhere.
+# send NAME SIGNAL. If it has ended already, its lines will be missing.
 send()
 {
     printf '   (%s gets SIG%s)\n' "$1" "$2"
@@ -245,7 +245,7 @@ ended()
             wait "${process[$1]}" || code=$?
             echo "exit code $code" >>"$folder/$1"
         fi
-    } 2>/dev/null # Where the shell would say that a program was killed.
+    } 2>/dev/null # Where the shell reports that a program was killed.
     for pattern in "${@:3}" "^exit code $2\$"; do
         expect "$1" "$pattern"
     done
@@ -280,7 +280,7 @@ has_ended()
 # scene TITLE TEXT: a step that a reader has time to take in, and what there is to know about it.
 scene()
 {
-    # Nobody reads along where the output goes into a file.
+    # Without a terminal there is no reader to wait for.
     ((steps == 0)) || [[ ! -t 1 ]] || sleep 4
     step "$1"
     fold -s -w 100 <<<"$2" | sed 's/^/   /'
@@ -291,7 +291,7 @@ scenes()
     variant device "a device"
     scene "On. An application starts the camera." \
         "The monitor is an app: it has registered a listener of each kind with the client, which has registered one \
-of its own with the service, in another process. The service hears of the camera here from its standard input."
+of its own with the service, in another process. Which sensors are used, the service reads from its standard input."
     run service indicator_service
     expect service '^ready$'
     run app indicator_monitor
@@ -303,14 +303,14 @@ of its own with the service, in another process. The service hears of the camera
     ctl "active" 0 '^Indicator\{privacySensorType=0, state=0,'
 
     scene "Off. The application stops the camera." \
-        "One call for the indicator, one event for the use: the service sends each to every listener that it knows."
+        "One call for the indicator, one event for the use: the service sends each to every registered listener."
     app "stop camera com.example.chat 20010043"
     expect app '  indicator  camera off$'
     expect app '  use        camera by com.example.chat off$'
 
     scene "The service dies while the microphone is in use." \
-        "Nobody can say now what is in use. So the client itself reports to its listeners that all three sensors are \
-off, and a request fails at once."
+        "The state of the sensors is unknown now. So the client itself reports to its listeners that all are off, and \
+a request fails at once."
     app "start microphone com.example.chat 20010043"
     expect app '  indicator  microphone on$'
     stop service KILL 137
@@ -319,8 +319,8 @@ off, and a request fails at once."
     ctl "active" 3 'the service is not there$'
 
     scene "The service is back." \
-        "The app does nothing. Its client hears that the service is there, registers its listeners again, and the \
-next use of a sensor arrives as before."
+        "The app does nothing. Its client is notified that the service is there and registers its listeners again, and \
+the next use of a sensor arrives as before."
     run service indicator_service
     expect service "^event listener of process ${process[app]}\$"
     app "start location com.example.maps 20210044"
@@ -365,7 +365,7 @@ app "start camera com.example.chat 20010043"
 expect caller "^sensorStateChange: .*='com.example.chat', uid=20010043, privacySensorType=0, privacyAccessState=1,"
 refuse app '(indicator|use)  '
 
-step "The service is killed: the app hears of three switches, and of one event with three records."
+step "The service is killed: the app's listeners get three switches, and one event with three records."
 stop service KILL 137
 expect_in_order app '  indicator  camera off$' '  indicator  microphone off$' '  indicator  location off$' \
     '  use        camera off, microphone off, location off$'
@@ -398,7 +398,7 @@ variant device "a device"
 camera=$folder/video0
 touch "$camera"
 
-step "A service starts. What applications do it reads from its standard input, and sees from who has a file open."
+step "A service starts. Its standard input, and which processes have a file open, say what applications do."
 run service indicator_service --watch "camera=$camera"
 expect service '^ready$'
 
@@ -409,7 +409,7 @@ for watcher in first second; do
     expect $watcher '^event listener registered$'
 done
 
-step "An application starts the camera: every listener hears of the indicator and of the event."
+step "An application starts the camera: every listener gets the indicator and the event."
 app "start camera com.example.chat 20010043"
 for watcher in first second; do
     expect $watcher '^switch: Indicator\{privacySensorType=0, state=0,'
@@ -435,7 +435,7 @@ ctl "active" 0 '^Indicator\{privacySensorType=1, state=0, positionX=1.500000,'
 ctl "off microphone" 0
 expect first '^switch: Indicator\{privacySensorType=1, state=1,'
 
-step "Who used what: all of it (request 3), one sensor's (request 4), and one user's."
+step "The uses: all of them (request 3), one sensor's (request 4), and one user's."
 app "start location com.example.maps 20210044"
 expect first '^sensorStateChange: .*, privacySensorType=2, privacyAccessState=1,'
 ended='startTimestamp=[1-9][0-9]*, realEndTimestamp=[1-9][0-9]*, showEndTimestamp=[1-9][0-9]*'
@@ -461,7 +461,7 @@ step "A line that the service cannot read is named and skipped."
 app "start toaster com.example.chat 20010043"
 expect service ': line [0-9]+: "toaster" is not a sensor'
 
-step "A listener that does not answer delays nobody else, and hears what it missed when it is back."
+step "A listener that does not answer delays no other one, and gets what it has missed when it answers again."
 send second STOP
 app "start microphone com.example.chat 20010043"
 expect first '^switch: Indicator\{privacySensorType=1, state=0,'
@@ -470,7 +470,7 @@ send second CONT
 expect second '^switch: Indicator\{privacySensorType=1, state=0,'
 expect second '^sensorStateChange: .*, privacySensorType=1, privacyAccessState=1,'
 
-step "A caller has heard enough and unregisters its listeners (requests 9 and 2)."
+step "A caller ends and unregisters its listeners (requests 9 and 2)."
 stop second INT 0 '^switch listener unregistered$' '^event listener unregistered$'
 
 step "Two apps on the client: here, their requests reach the service."
@@ -486,15 +486,15 @@ run_reporter 1
 expect reporter '^power event 1: 0$'
 expect service '^power event 1 from uid [0-9]+$'
 
-step "A process opens the file that stands for the camera: every listener of every process hears."
+step "A process opens the file that stands for the camera: every listener of every process is called."
 printf '   $ tail -f %s\n' "$camera"
 start user applications tail -f "$camera"
-hear_camera on 1 tail "$(id -u)"
+expect_camera on 1 tail "$(id -u)"
 ctl "active" 0 '^Indicator\{privacySensorType=0, state=0,'
 
 step "The process is killed, which closes the file: the indicator is off."
 stop user KILL 137
-hear_camera off 2 tail "$(id -u)"
+expect_camera off 2 tail "$(id -u)"
 
 step "The service is killed: every listener is called, and requests fail at once."
 stop service KILL 137
@@ -521,9 +521,9 @@ expect first '^the service is back$'
 expect first '^switch listener registered$'
 expect first '^event listener registered$'
 
-step "Without having done anything, the apps hear again."
+step "Without having done anything, the apps get events again."
 app "start camera com.example.chat 20010043"
-hear_camera on 1 com.example.chat 20010043
+expect_camera on 1 com.example.chat 20010043
 ctl "active" 0 '^Indicator\{privacySensorType=0, state=0,'
 
 step "All end when asked to, the reporter with its input."

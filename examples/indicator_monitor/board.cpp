@@ -101,7 +101,7 @@ void Board::OnState(int64_t /* time */, const ServiceState& state)
     for (const auto& use : state.uses) {
         sensors_[use.privacySensorType].uses[{use.bundleName, use.uid}] = use.startTimestamp;
     }
-    // Whether or not they are part of the answer: the last change of a sensor is how it is now.
+    // They may be part of the answer, or not; in either case a sensor's last change is its state now.
     for (const auto& change : changesSinceAsked_) {
         change();
     }
@@ -118,7 +118,7 @@ std::vector<ScreenLine> Board::Lines(int64_t now, size_t rows) const
     for (const auto& event : events_) {
         lines.push_back({event, ""});
     }
-    // What there is no room for are the oldest events.
+    // The oldest events are left out where there is no room.
     constexpr size_t END_LINES = 2;
     lines.resize(std::min(lines.size(), rows > END_LINES ? rows - END_LINES : 0));
     lines.push_back({"", ""});

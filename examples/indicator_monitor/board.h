@@ -17,7 +17,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
 /**
  * How the sensors are, as a screen: a row for each sensor with the applications that use it and since when, and the
- * last events. While the service is not there, or does not say how things are, their state is unknown.
+ * last events. While the service is not there, or does not answer, their state is unknown.
  */
 class Board : public View {
 public:
@@ -39,10 +39,10 @@ private:
 
     struct Sensor {
         std::string state = "off";           // Of its indicator.
-        std::map<Application, int64_t> uses; // And since when.
+        std::map<Application, int64_t> uses; // The applications that use it, and since when.
     };
 
-    /** Changes the sensors by `change`: now, and once more when the answer has come that is being waited for. */
+    /** Changes the sensors by `change`: now and, while the state is being asked for, once more after the answer. */
     void Apply(const std::function<void()>& change);
 
     /** Adds to the last events. */

@@ -7,7 +7,6 @@
 #include <deque>
 #include <functional>
 #include <future>
-#include <memory>
 #include <mutex>
 #include <string>
 
@@ -18,13 +17,13 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
 /**
- * Brings what the client's listeners are called with, and how the service is, to the main thread: as calls of a view,
- * in a queue. The client's requests are made on a thread of the feed's own, since each of them blocks as long as the
+ * Brings the calls of the client's listeners, and the service's state, to the main thread: as calls of a view, in a
+ * queue. The client's requests are made on a thread of the feed's own, since each of them blocks as long as the
  * service takes. The state is asked for whenever the service has come, and again while that fails.
  */
 class Feed : public SystemAbilityStatusChangeStub {
 public:
-    /** `user` is whose uses are asked for; `asksState` says whether the state is asked for at all. */
+    /** `user` is the user whose uses are asked for; the state is asked for at all only if `asksState`. */
     Feed(int32_t user, bool asksState);
     ~Feed() override;
     Feed(const Feed&) = delete;

@@ -19,7 +19,7 @@ private:
     bool wasGone_ = false;
 };
 
-/** A JSON object on a line of its own for each event, and for each answer of the service that says how things are. */
+/** A JSON object on a line of its own for each event, and for each answer with the service's state. */
 class JsonView : public View {
 public:
     void OnSwitch(int64_t time, const Indicator::IndicatorData& data) override;

@@ -49,7 +49,7 @@ bool Terminal::IsThere()
 bool Terminal::Enter()
 {
     if (!IsInForegroundOf(STDOUT_FILENO)) {
-        hasScreen_ = false; // Whoever has it now has it as it is.
+        hasScreen_ = false; // Another process has it now, as it is.
         return false;
     }
     if (hasScreen_) {

@@ -37,7 +37,7 @@ public:
     /** The service has come or has gone. */
     virtual void OnService(int64_t time, bool isThere) = 0;
 
-    /** The state is being asked for: what happens from now on may be part of the answer already, or not. */
+    /** The state is being asked for: from now on, an event may be part of the answer already, or not. */
     virtual void OnAsking() {}
 
     /** The answer, or why there is none. */

@@ -13,7 +13,6 @@
 #include <cerrno>
 #include <cstring>
 #include <system_error>
-#include <utility>
 
 #include "parse.h"
 #include "print.h"
@@ -90,7 +89,7 @@ void FileWatch::Look()
     const bool hasExpired = read(timer_, &expirations, sizeof(expirations)) > 0;
     if (isResting_ && hasExpired && !isInDoubt_) {
         isResting_ = false;
-        Await(uses_.empty() ? std::chrono::nanoseconds(0) : LOOK_INTERVAL, true);
+        WakeAfter(uses_.empty() ? std::chrono::nanoseconds(0) : LOOK_INTERVAL, true);
         return;
     }
     const auto begin = Clock::now();
@@ -98,7 +97,7 @@ void FileWatch::Look()
     FollowAll();
     Report(FindUses());
     isResting_ = true;
-    Await(std::max<Clock::duration>(REST, (Clock::now() - begin) * REST_FACTOR), false);
+    WakeAfter(std::max<Clock::duration>(REST, (Clock::now() - begin) * REST_FACTOR), false);
 }
 
 void FileWatch::CloseAll()
@@ -110,7 +109,7 @@ void FileWatch::CloseAll()
     }
 }
 
-void FileWatch::Await(std::chrono::nanoseconds time, bool takesNotices)
+void FileWatch::WakeAfter(std::chrono::nanoseconds time, bool takesNotices)
 {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
     const itimerspec due{{}, {seconds.count(), (time - seconds).count()}};

@@ -38,8 +38,8 @@ SensorFile ParseSensorFile(const std::string& text);
  * closed since, but that no process can be seen to have open, is used by UNKNOWN_PROCESS: a process of another user, or
  * a descriptor on its way between two processes.
  *
- * A file may be absent, be removed or be replaced, which is said on stderr: a process that has the old one open still
- * uses the sensor, and a new one under the same path is watched in its place. Not thread-safe.
+ * A file may be absent, be removed or be replaced, with a message on standard error: a process that has the old one
+ * open still uses the sensor, and a new one under the same path is watched in its place. Not thread-safe.
  */
 class FileWatch {
 public:
@@ -64,7 +64,7 @@ private:
     struct Inode {
         int watch;
         dev_t device;
-        ino_t number;          // 0 once the file is no more: another one may get its number.
+        ino_t number;          // 0 once the file is deleted: another one may get its number.
         bool isOpen = false;   // The last notice was of an opening.
         bool isSeen = false;   // At the last look a process had it open,
         bool isUnseen = false; // or none, though it was open.
@@ -83,10 +83,10 @@ private:
     template <typename Visit>
     void ForEachInode(const Visit& visit);
 
-    /** Takes what is under the path now for current, if it is not yet. 0, or the error. */
+    /** Makes the file that is under the path now the current one, if it is another one. Returns 0 or the error. */
     int Follow(Watched& watched) const;
 
-    /** Follows all files, and says what has become of them. */
+    /** Follows all files, and prints a message for each that is gone, replaced or there again. */
     void FollowAll();
 
     /** The uses that there are. Forgets the former files that nobody has open. */
@@ -94,8 +94,8 @@ private:
 
     void Report(const std::set<Use>& uses);
 
-    /** Has the descriptor be readable after `time`, and before if `takesNotices` and there is a notice. */
-    void Await(std::chrono::nanoseconds time, bool takesNotices);
+    /** Makes the descriptor readable after `time`; if `takesNotices`, also as soon as there is a notice. */
+    void WakeAfter(std::chrono::nanoseconds time, bool takesNotices);
 
     void CloseAll();
 
@@ -103,10 +103,10 @@ private:
     std::vector<Watched> watched_;
     int notices_ = -1;
     int timer_ = -1;
-    int fd_ = -1; // Readable when one of these two is that is listened to.
+    int fd_ = -1; // An epoll instance with these two.
     bool isResting_ = false;
     bool isInDoubt_ = false; // A file is open, but by no process that was seen: look again.
-    std::set<Use> uses_;     // As the service knows them.
+    std::set<Use> uses_;     // Those that the service has been given.
 };
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples

@@ -11,7 +11,7 @@
 
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
-/** An application: a desktop's if it was started by one, else the process's program. */
+/** The application that a process belongs to: the desktop's, if a desktop has started it, else its program. */
 struct ProcessOwner {
     std::string name; // Printable.
     int32_t uid = -1; // The real user's.
@@ -27,8 +27,9 @@ void ForEachProcess(const std::function<void(pid_t process)>& visit);
 void ForEachOpenFile(pid_t process, const std::function<void(dev_t device, ino_t inode)>& visit);
 
 /**
- * Whose process it is now: it may have been another program before. A process with a controlling terminal was not
- * started by the desktop, but typed into one of its windows: it goes by its program. Nothing if the process has ended.
+ * Whose process it is now: it may have run another program before. A process with a controlling terminal was not
+ * started by the desktop, but from a shell in one of its windows: it is named after its program. Nothing if the process
+ * has ended.
  */
 std::optional<ProcessOwner> FindOwner(pid_t process);
 

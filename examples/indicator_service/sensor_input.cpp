@@ -17,7 +17,7 @@ namespace {
 
 constexpr size_t MAX_LINE = 1000;
 
-void Tell(Testing::InMemoryService& service, const std::string& line)
+void ReportUse(Testing::InMemoryService& service, const std::string& line)
 {
     if (line.size() > MAX_LINE) {
         throw ParseError("longer than " + std::to_string(MAX_LINE) + " bytes");
@@ -81,7 +81,7 @@ void SensorInput::TakeByte(char byte)
 void SensorInput::TakeLine()
 {
     try {
-        Tell(service_, line_);
+        ReportUse(service_, line_);
     } catch (const ParseError& error) {
         Complain("line " + std::to_string(lineNumber_) + ": " + error.what());
     }

@@ -10,8 +10,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
 /**
  * Sensor use as lines of text, `start SENSOR BUNDLE UID` and `stop SENSOR BUNDLE UID`, reported to a service. A line
- * that means nothing is skipped, and what is wrong with it is said on stderr. Blank lines mean nothing and are not
- * wrong.
+ * that cannot be read is skipped, with a message on standard error. Blank lines are skipped without one.
  */
 class SensorInput {
 public:
