@@ -41,7 +41,7 @@ public:
             return Error();
         }
         const int32_t count = reply_.ReadInt32();
-        if (!MayCarry(count)) {
+        if (!CheckCount(count)) {
             return Error();
         }
         for (int32_t i = 0; i < count; ++i) {

@@ -16,7 +16,7 @@ int32_t ServiceExchange::Fail(int32_t error, const char* failure)
     return error_;
 }
 
-bool ServiceExchange::MayCarry(int64_t count)
+bool ServiceExchange::CheckCount(int64_t count)
 {
     if (count > vectorSizeLimit_) {
         Fail(PrivacyIndicatorServiceIntf::INVALID_DATA, "The vector/array size exceeds the security limit!");

@@ -26,8 +26,8 @@ protected:
      */
     int32_t Fail(int32_t error, const char* failure);
 
-    /** Whether a reply may carry `count` records; fails if not. */
-    bool MayCarry(int64_t count);
+    /** Fails if `count` is more records than a reply may carry. Returns IsGood(). */
+    bool CheckCount(int64_t count);
 
 private:
     const int32_t vectorSizeLimit_;

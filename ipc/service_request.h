@@ -65,7 +65,7 @@ public:
         std::vector<T> records;
         const int32_t result = operation(records);
         if (WriteResult(result) != PrivacyIndicatorServiceIntf::SUCCESS ||
-            result != PrivacyIndicatorServiceIntf::SUCCESS || !MayCarry(static_cast<int64_t>(records.size()))) {
+            result != PrivacyIndicatorServiceIntf::SUCCESS || !CheckCount(static_cast<int64_t>(records.size()))) {
             return Error();
         }
         // Contract: whether the count can be written is not checked.
