@@ -29,11 +29,11 @@ Options:
 Exit status:
   0  every event was taken
   1  an event was refused or could not be read
-  2  the library could not be loaded
+  2  the command line is wrong, or the library could not be loaded
   4  standard output cannot be written
 )";
 
-enum ExitCode { EXIT_TAKEN = 0, EXIT_NOT_ALL = 1, EXIT_NO_LIBRARY = 2 };
+enum ExitCode { EXIT_TAKEN = 0, EXIT_NOT_ALL = 1, EXIT_USAGE = 2, EXIT_NO_LIBRARY = 2 };
 
 constexpr const char* LIBRARY = "libqnl_privacy_indicator_service_intf.so";
 constexpr const char* FUNCTION = "NotifyPowerEvent";
@@ -52,7 +52,7 @@ Notify LoadNotify()
     return reinterpret_cast<Notify>(function);
 }
 
-/** Whether the event was taken. Otherwise a message gives the reason, and `place`, where `text` was found. */
+/** Whether the event was taken. `place` is where `text` was found, for the message if it cannot be read. */
 bool Report(Notify notify, const std::string& text, const std::string& place)
 {
     try {
@@ -66,25 +66,36 @@ bool Report(Notify notify, const std::string& text, const std::string& place)
     }
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+// Returns the exit code.
+int Run(const Arguments& events)
 {
-    const std::vector<std::string> events(argv + 1, argv + argc);
-    if (PrintHelpOrVersion(events, USAGE)) {
-        return EXIT_TAKEN;
-    }
     const Notify notify = LoadNotify();
     if (notify == nullptr) {
         return EXIT_NO_LIBRARY;
     }
     bool isAllTaken = true;
-    for (size_t i = 0; i < events.size(); ++i) {
-        isAllTaken &= Report(notify, events[i], "event " + std::to_string(i + 1));
+    for (size_t i = 0; i < events.Count(); ++i) {
+        isAllTaken &= Report(notify, events.Word(i, "EVENT"), "event " + std::to_string(i + 1));
     }
     std::string line;
     for (int number = 1; std::getline(std::cin, line); ++number) {
         isAllTaken &= Report(notify, line, "line " + std::to_string(number));
     }
     return isAllTaken ? EXIT_TAKEN : EXIT_NOT_ALL;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    if (PrintHelpOrVersion(arguments, USAGE)) {
+        return EXIT_TAKEN;
+    }
+    try {
+        return Run(Arguments(arguments, arguments.size(), {}));
+    } catch (const ParseError& error) {
+        Complain(std::string(error.what()) + " (see --help)");
+        return EXIT_USAGE;
+    }
 }
