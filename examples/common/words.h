@@ -15,7 +15,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 std::string SensorText(int32_t sensor); ///< "camera", "sensor 7"
 std::string SensorText(PrivacySensorType sensor);
 std::string StateText(Indicator::IndicatorState state); ///< "on", "off", "state 7"
-std::string AccessText(int32_t accessState);            ///< The same of a use.
+std::string AccessText(int32_t accessState);            ///< The same for a use.
 /** @} */
 
 /** An application and its user, printable: "com.example.chat (20010043)". */
@@ -26,7 +26,7 @@ std::string SwitchText(const Indicator::IndicatorData& data);                   
 std::string UseText(const std::vector<Privacy::PrivacyEventRemindInfo>& infos); ///< "use        camera by A on, ..."
 /** @} */
 
-/** A request's result: "22, an argument is not valid". The service's own codes are but numbers. */
+/** A request's result: "22, an argument is not valid". A code that the service itself defines stays a number. */
 std::string ResultText(int32_t result);
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples

@@ -121,9 +121,7 @@ Action ParseWatch(const Arguments& /* arguments */, Format format)
     return Requesting(format, [=](const Target& target) {
         constexpr timespec NEXT_TRY{2, 0};
         constexpr int BACK = SIGUSR1;
-        sigset_t signals = BlockEndSignals();
-        sigaddset(&signals, BACK);
-        pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+        const sigset_t signals = BlockEndSignals({BACK});
         const sptr<Watcher> watcher(new Watcher(
             target.manager, [=](const auto& data) { PrintSwitch(data, format); },
             [=](const auto& dataType, const auto& infos) { PrintEvent(dataType, infos, format); },

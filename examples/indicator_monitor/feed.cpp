@@ -5,8 +5,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <memory>
+#include <system_error>
 #include <utility>
 
 #include "local_time.h"
@@ -51,7 +53,11 @@ private:
 
 Feed::Feed(int32_t user, bool asksState)
     : user_(user), asksState_(asksState), fd_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
-{}
+{
+    if (fd_ < 0) {
+        throw std::system_error(errno, std::generic_category(), "cannot queue events");
+    }
+}
 
 Feed::~Feed() { close(fd_); }
 

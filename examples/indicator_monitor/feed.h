@@ -23,12 +23,16 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
  */
 class Feed : public SystemAbilityStatusChangeStub {
 public:
-    /** `user` is the user whose uses are asked for; the state is asked for at all only if `asksState`. */
+    /**
+     * `user` is the user whose uses are asked for; the state is asked for at all only if `asksState`. Throws
+     * std::system_error if no descriptor is left.
+     */
     Feed(int32_t user, bool asksState);
     ~Feed() override;
     Feed(const Feed&) = delete;
     Feed& operator=(const Feed&) = delete;
 
+    /** Registers the listeners, on the feed's thread. Throws std::system_error if that cannot be started. */
     void Start(ISystemAbilityManager& manager);
 
     /**

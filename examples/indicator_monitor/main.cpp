@@ -9,6 +9,7 @@
 #include <csignal>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "arguments.h"
@@ -49,12 +50,12 @@ Environment:
 
 Exit status:
   0  it was ended
-  1  there is no system ability manager
+  1  there is no system ability manager, or no descriptor or thread is left
   2  the command line is wrong
   4  standard output cannot be written
 )";
 
-enum ExitCode { EXIT_ENDED = 0, EXIT_NO_MANAGER = 1, EXIT_USAGE = 2 };
+enum ExitCode { EXIT_ENDED = 0, EXIT_FAILED = 1, EXIT_USAGE = 2 };
 
 constexpr int32_t ALL_USERS = -1;
 constexpr int TICK = 1000; // Milliseconds after which the board is drawn anew.
@@ -74,16 +75,10 @@ bool IsOnDeviceVariant()
  * Blocks the signals that end the program and, under a board, those that concern the terminal. To be called before
  * threads are started, which inherit that. Returns a descriptor to read them from.
  */
-int BlockSignals(bool isBoard)
+int OpenSignals(bool isBoard)
 {
-    sigset_t signals = BlockEndSignals();
-    for (const int number : {SIGHUP, SIGQUIT, SIGTSTP, SIGCONT, SIGWINCH, SIGTTIN, SIGTTOU}) {
-        if (isBoard) {
-            sigaddset(&signals, number);
-        }
-    }
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    return signalfd(-1, &signals, SFD_CLOEXEC);
+    const std::vector<int> ofTerminal{SIGHUP, SIGQUIT, SIGTSTP, SIGCONT, SIGWINCH, SIGTTIN, SIGTTOU};
+    return OpenEndSignals(isBoard ? ofTerminal : std::vector<int>());
 }
 
 /** The next signal. */
@@ -134,13 +129,13 @@ void ShowBoard(Feed& feed, Board& board, int signals)
     }
 }
 
-// As main returns.
+// Returns the exit code. Throws std::system_error.
 int Run(bool isJson, bool isBoard, int32_t user)
 {
-    const int signals = BlockSignals(isBoard);
+    const int signals = OpenSignals(isBoard);
     const sptr<ISystemAbilityManager> manager = FindManager();
     if (manager == nullptr) {
-        return EXIT_NO_MANAGER;
+        return EXIT_FAILED;
     }
     const bool isReachable = IsOnDeviceVariant();
     if (!isReachable) {
@@ -178,5 +173,8 @@ int main(int argc, char** argv)
     } catch (const ParseError& error) {
         Complain(std::string(error.what()) + " (see --help)");
         return EXIT_USAGE;
+    } catch (const std::system_error& error) {
+        Complain(error.what());
+        return EXIT_FAILED;
     }
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The privacy indicator service as a program of its own.
 #include <poll.h>
-#include <sys/signalfd.h>
 #include <unistd.h>
 
 #include <array>
@@ -131,16 +130,15 @@ std::vector<SensorFile> ParseFiles(const std::vector<std::string>& line)
     return files;
 }
 
-// As main returns.
+// Returns the exit code. Throws std::system_error.
 int Run(const std::vector<SensorFile>& sensorFiles)
 {
     std::signal(SIGPIPE, SIG_IGN); // Callers are served whether or not anyone reads what this prints.
-    const sigset_t endSignals = BlockEndSignals();
-    const int ended = signalfd(-1, &endSignals, SFD_CLOEXEC);
+    const int ended = OpenEndSignals();
     const sptr<ISystemAbilityManager> manager = FindManager();
     const sptr<Testing::InMemoryService> service(new Testing::InMemoryService({PrintLineIfRead, Complain}));
     FileWatch files(sensorFiles, *service);
-    if (ended < 0 || manager == nullptr || !Publish(manager, service)) {
+    if (manager == nullptr || !Publish(manager, service)) {
         return EXIT_NO_SERVICE;
     }
     PrintLineIfRead("ready");
