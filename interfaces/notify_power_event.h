@@ -18,7 +18,8 @@ inline constexpr int32_t POWER_EVENT_REPLAY_UID = 3036;
 
 /**
  * Reports a power event to the service. The event is also remembered together with the calling user, until the next
- * one: if the user is POWER_EVENT_REPLAY_UID, the client sends the event again when the service comes back.
+ * one: if the user is POWER_EVENT_REPLAY_UID, the client sends the event again when the service comes back. The calling
+ * user is the one whose request this thread is serving, or else this process's own.
  *
  * Returns 0; -1 if the event is not valid, which changes nothing; or another failure's code, as PrivacyIndicatorClient
  * describes. Any thread may call it. It blocks as the operations of PrivacyIndicatorClient do.

@@ -42,8 +42,8 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
  * service: they are carried unchanged.
  *
  * Blocking. An operation that reaches the service blocks its thread while the platform looks the service up, one thread
- * at a time, and then until the service has replied, however long that takes. An operation on listeners also waits
- * until no listener of that kind is being called.
+ * at a time, and then until the service has replied, however long that takes (on Linux: 8 s at most). An operation on
+ * listeners also waits until no listener of that kind is being called.
  *
  * Listeners. A listener is called as long as it is registered, also across restarts of the service. Listeners are
  * identified by their address and held while they are registered. When the service goes away, every switch listener is
@@ -126,8 +126,8 @@ public:
         std::vector<Record::PermissionUsageDuration>& durations) noexcept;
 
     /**
-     * Reports a power event to the service. Returns -1 if it is not valid. The event is not remembered: that is what
-     * the function of notify_power_event.h is for, which calls this one.
+     * Reports a power event to the service. Returns -1 if it is not valid. The event is not remembered: that is done
+     * by the function of notify_power_event.h, which calls this one.
      */
     int32_t NotifyPowerEvent(int32_t event) noexcept;
 
@@ -141,7 +141,11 @@ public:
     int32_t RegisterPrivacyIndicatorSwitchListener(
         const std::shared_ptr<Indicator::IndicatorSwitchListener>& listener) noexcept;
 
-    /** Ends the calls of `listener`: none is under way on return. Returns -1 if it is null. */
+    /**
+     * Ends the calls of `listener`: none is under way on return. Returns -1 if it is null. Contract: if no listener is
+     * left, the client's stub is unregistered from the service, even if `listener` was not registered. If there never
+     * was one, the proxy refuses that with PrivacyIndicatorServiceIntf::INVALID_DATA.
+     */
     int32_t UnregisterPrivacyIndicatorSwitchListener(
         const std::shared_ptr<Indicator::IndicatorSwitchListener>& listener) noexcept;
 

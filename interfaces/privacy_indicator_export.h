@@ -7,12 +7,12 @@
  *
  * Exceptions. None leaves the library: a container that cannot get memory, or a callback that throws, ends the
  * process. Only a stub's OnRemoteRequest, which runs on the platform's threads, passes on what its operation throws.
- * Where a lack of memory is said to be reported, by a code or by null, the process lives on.
+ * Where a comment says that a lack of memory is reported, by a code or by null, the process lives on.
  *
  * Records. The classes that derive from Parcelable are values. They hold no lock: several threads may read one at once,
  * but no thread may read one that another one writes. The library carries every number and text unchanged and checks no
- * range, unless it is said otherwise. A record is copied member by member; it declares its copy operations, because on
- * a device an implicit move would also move the reference count of the base class. Each has these three operations:
+ * range, unless a comment says otherwise. A record is copied member by member; it declares its copy operations, because
+ * on a device an implicit move would also move the reference count of the base class. Each has these three operations:
  *
  * - Marshalling appends the fields that docs/wire_format.md lists. It returns false if one does not fit; the fields
  *   before it stay in the parcel.

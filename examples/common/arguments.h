@@ -25,7 +25,7 @@ public:
     /** How many words there are. */
     size_t Count() const;
 
-    /** Throws ParseError if there is no such word. `meaning` says what is missing. */
+    /** Throws ParseError if there is no such word. `meaning` is what the message calls it. */
     const std::string& Word(size_t index, const std::string& meaning) const;
 
     /** All values of an option that is known, in their order. */

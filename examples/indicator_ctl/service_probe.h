@@ -20,7 +20,7 @@ public:
     explicit ServiceProbe(const sptr<IRemoteObject>& service);
 
     /**
-     * Sends a request with this token and these arguments. Returns what came, in words: "status 5, no reply", or
+     * Sends a request with this token and these arguments. Returns the reply in words: "status 5, no reply", or
      * "result 22", or "result 0, 3 records".
      */
     std::string Ask(uint32_t code, const std::u16string& token, const Write& write) const;
@@ -31,7 +31,7 @@ public:
     /** The indicators that are on; none if the request fails. */
     std::vector<Indicator::IndicatorData> GetActiveIndicators() const;
 
-    /** @{ Shows or hides an indicator. Returns what came. */
+    /** @{ Shows or hides an indicator. Returns the reply, as Ask does. */
     std::string TurnOn(int32_t sensor) const;
     std::string TurnOff(int32_t sensor) const;
     /** @} */

@@ -18,7 +18,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 /**
  * Registers a listener of each kind, which calls a function, and follows the service: prints when it is gone, and when
  * it is back registers with it again, repeatedly if the service does not answer. The notices of the service's coming
- * and going are delivered on one thread, in order, and must not wait.
+ * and going are delivered on one thread, in order; handling one must not wait.
  */
 class Watcher : public SystemAbilityStatusChangeStub {
 public:
