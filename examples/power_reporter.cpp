@@ -33,7 +33,7 @@ Exit status:
   4  standard output cannot be written
 )";
 
-enum ExitCode { EXIT_TAKEN = 0, EXIT_NOT_ALL = 1, EXIT_USAGE = 2, EXIT_NO_LIBRARY = 2 };
+enum ExitCode { EXIT_TAKEN = 0, EXIT_NOT_ALL = 1, EXIT_NO_LIBRARY = 2 };
 
 constexpr const char* LIBRARY = "libqnl_privacy_indicator_service_intf.so";
 constexpr const char* FUNCTION = "NotifyPowerEvent";
@@ -66,9 +66,12 @@ bool Report(Notify notify, const std::string& text, const std::string& place)
     }
 }
 
-// Returns the exit code.
-int Run(const Arguments& events)
+int Run(const std::vector<std::string>& arguments)
 {
+    if (PrintHelpOrVersion(arguments, USAGE)) {
+        return EXIT_TAKEN;
+    }
+    const Arguments events(arguments, arguments.size(), {});
     const Notify notify = LoadNotify();
     if (notify == nullptr) {
         return EXIT_NO_LIBRARY;
@@ -86,16 +89,4 @@ int Run(const Arguments& events)
 
 } // namespace
 
-int main(int argc, char** argv)
-{
-    const std::vector<std::string> arguments(argv + 1, argv + argc);
-    if (PrintHelpOrVersion(arguments, USAGE)) {
-        return EXIT_TAKEN;
-    }
-    try {
-        return Run(Arguments(arguments, arguments.size(), {}));
-    } catch (const ParseError& error) {
-        Complain(std::string(error.what()) + " (see --help)");
-        return EXIT_USAGE;
-    }
-}
+int main(int argc, char** argv) { return RunTool(argc, argv, Run); }

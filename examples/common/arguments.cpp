@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <system_error>
 
 #include "print.h"
 
@@ -68,6 +69,19 @@ bool PrintHelpOrVersion(const std::vector<std::string>& line, const std::string&
         Print(std::string(program_invocation_short_name) + " " EXAMPLES_VERSION "\n");
     }
     return isForHelp || has("--version");
+}
+
+int RunTool(int argc, char** argv, int (*run)(const std::vector<std::string>& line))
+{
+    try {
+        return run({argv + 1, argv + argc});
+    } catch (const ParseError& error) {
+        Complain(std::string(error.what()) + " (see --help)");
+        return EXIT_USAGE;
+    } catch (const std::system_error& error) {
+        Complain(error.what());
+        return EXIT_FAILED;
+    }
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples

@@ -61,6 +61,16 @@ private:
  */
 bool PrintHelpOrVersion(const std::vector<std::string>& line, const std::string& usage);
 
+/** The exit codes of RunTool. */
+inline constexpr int EXIT_FAILED = 1;
+inline constexpr int EXIT_USAGE = 2;
+
+/**
+ * The main function of every tool: returns what `run` returns for the command line. If that throws, prints the message
+ * and returns EXIT_USAGE after a ParseError, EXIT_FAILED after a std::system_error.
+ */
+int RunTool(int argc, char** argv, int (*run)(const std::vector<std::string>& line));
+
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples
 
 #endif // ARGUMENTS_H

@@ -19,7 +19,7 @@ struct Target {
     sptr<PrivacyIndicatorServiceIntf> service;
 };
 
-enum ExitCode { EXIT_DONE = 0, EXIT_REFUSED = 1, EXIT_USAGE = 2, EXIT_NO_SERVICE = 3 };
+enum ExitCode { EXIT_DONE = 0, EXIT_REFUSED = 1, EXIT_NO_SERVICE = 3 };
 
 /** Carries a command out and prints its result. Returns the exit code. */
 using Action = std::function<ExitCode(const Target&)>;

@@ -48,7 +48,7 @@ Call ParseCall(const Command& command, std::vector<std::string> line)
     return {command.parse(arguments, format), arguments.Has("--wait")};
 }
 
-int Run(const Call& call)
+ExitCode Send(const Call& call)
 {
     Target target;
     target.manager = FindManager();
@@ -63,23 +63,19 @@ int Run(const Call& call)
     return call.action(target);
 }
 
+int Run(const std::vector<std::string>& line)
+{
+    LogQuietly();
+    const Command* const command = FindCommand(line);
+    if (PrintHelpOrVersion(line, command == nullptr ? UsageOfAll() : UsageOf(*command))) {
+        return EXIT_DONE;
+    }
+    if (command == nullptr) {
+        throw ParseError("COMMAND is missing");
+    }
+    return Send(ParseCall(*command, line));
+}
+
 } // namespace
 
-int main(int argc, char** argv)
-{
-    const std::vector<std::string> line(argv + 1, argv + argc);
-    LogQuietly();
-    try {
-        const Command* const command = FindCommand(line);
-        if (PrintHelpOrVersion(line, command == nullptr ? UsageOfAll() : UsageOf(*command))) {
-            return EXIT_DONE;
-        }
-        if (command == nullptr) {
-            throw ParseError("COMMAND is missing");
-        }
-        return Run(ParseCall(*command, line));
-    } catch (const ParseError& error) {
-        Complain(std::string(error.what()) + " (see --help)");
-        return EXIT_USAGE;
-    }
-}
+int main(int argc, char** argv) { return RunTool(argc, argv, Run); }

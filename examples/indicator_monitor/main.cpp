@@ -9,7 +9,6 @@
 #include <csignal>
 #include <memory>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "arguments.h"
@@ -55,7 +54,7 @@ Exit status:
   4  standard output cannot be written
 )";
 
-enum ExitCode { EXIT_ENDED = 0, EXIT_FAILED = 1, EXIT_USAGE = 2 };
+constexpr int EXIT_ENDED = 0;
 
 constexpr int32_t ALL_USERS = -1;
 constexpr int TICK = 1000; // Milliseconds after which the board is drawn anew.
@@ -130,7 +129,7 @@ void ShowBoard(Feed& feed, Board& board, int signals)
 }
 
 // Returns the exit code. Throws std::system_error.
-int Run(bool isJson, bool isBoard, int32_t user)
+int Show(bool isJson, bool isBoard, int32_t user)
 {
     const int signals = OpenSignals(isBoard);
     const sptr<ISystemAbilityManager> manager = FindManager();
@@ -156,25 +155,18 @@ int Run(bool isJson, bool isBoard, int32_t user)
     return EXIT_ENDED;
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+int Run(const std::vector<std::string>& line)
 {
-    const std::vector<std::string> line(argv + 1, argv + argc);
     if (PrintHelpOrVersion(line, USAGE)) {
         return EXIT_ENDED;
     }
-    try {
-        const Arguments arguments(line, 0, {"--user"}, {"--json", "--lines"});
-        const bool isJson = arguments.Has("--json");
-        const bool isBoard = !isJson && !arguments.Has("--lines") && Terminal::IsThere();
-        LogQuietly(isBoard && isatty(STDERR_FILENO) == 1 ? "OFF" : "W");
-        return Run(isJson, isBoard, arguments.NumberOf("--user", ALL_USERS));
-    } catch (const ParseError& error) {
-        Complain(std::string(error.what()) + " (see --help)");
-        return EXIT_USAGE;
-    } catch (const std::system_error& error) {
-        Complain(error.what());
-        return EXIT_FAILED;
-    }
+    const Arguments arguments(line, 0, {"--user"}, {"--json", "--lines"});
+    const bool isJson = arguments.Has("--json");
+    const bool isBoard = !isJson && !arguments.Has("--lines") && Terminal::IsThere();
+    LogQuietly(isBoard && isatty(STDERR_FILENO) == 1 ? "OFF" : "W");
+    return Show(isJson, isBoard, arguments.NumberOf("--user", ALL_USERS));
 }
+
+} // namespace
+
+int main(int argc, char** argv) { return RunTool(argc, argv, Run); }

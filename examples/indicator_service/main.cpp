@@ -6,7 +6,6 @@
 #include <array>
 #include <csignal>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "arguments.h"
@@ -54,7 +53,7 @@ Exit status:
 
 constexpr int FOREGROUND_TICK = 1000; // Milliseconds after which a process in the background looks where it is.
 
-enum ExitCode { EXIT_ENDED = 0, EXIT_NO_SERVICE = 1, EXIT_USAGE = 2 };
+enum ExitCode { EXIT_ENDED = 0, EXIT_NO_SERVICE = 1 };
 
 /** Ends the program, as SIGTERM does, once another process is the service: the bus ended, and came back. */
 class LossListener : public SystemAbilityStatusChangeStub {
@@ -130,9 +129,13 @@ std::vector<SensorFile> ParseFiles(const std::vector<std::string>& line)
     return files;
 }
 
-// Returns the exit code. Throws std::system_error.
-int Run(const std::vector<SensorFile>& sensorFiles)
+int Run(const std::vector<std::string>& line)
 {
+    if (PrintHelpOrVersion(line, USAGE)) {
+        return EXIT_ENDED;
+    }
+    LogQuietly();
+    const std::vector<SensorFile> sensorFiles = ParseFiles(line);
     std::signal(SIGPIPE, SIG_IGN); // Callers are served whether or not anyone reads what this prints.
     const int ended = OpenEndSignals();
     const sptr<ISystemAbilityManager> manager = FindManager();
@@ -155,20 +158,4 @@ int Run(const std::vector<SensorFile>& sensorFiles)
 
 } // namespace
 
-int main(int argc, char** argv)
-{
-    const std::vector<std::string> line(argv + 1, argv + argc);
-    if (PrintHelpOrVersion(line, USAGE)) {
-        return EXIT_ENDED;
-    }
-    LogQuietly();
-    try {
-        return Run(ParseFiles(line));
-    } catch (const ParseError& error) {
-        Complain(std::string(error.what()) + " (see --help)");
-        return EXIT_USAGE;
-    } catch (const std::system_error& error) {
-        Complain(error.what());
-        return EXIT_NO_SERVICE;
-    }
-}
+int main(int argc, char** argv) { return RunTool(argc, argv, Run); }
