@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The client's part that keeps the listeners: one stub of each kind is registered with the service for all of them.
+// The client's part that keeps the listeners. With the service it registers one stub for all switch listeners, and one
+// for the event listeners of each data type.
 #include <new>
 
 #include "call_service.h"
@@ -20,9 +21,9 @@ using Util::Quoted;
 
 int32_t PrivacyIndicatorClient::RegisterSwitchListenerStub() noexcept
 {
-    return CallService(*this, "RegisterPrivacyIndicatorSwitchListener",
-        [stub = switchListenerStub](
-            PrivacyIndicatorServiceIntf& service) { return service.RegisterPrivacyIndicatorSwitchListener(stub); });
+    return CallService(*this, "RegisterPrivacyIndicatorSwitchListener", [this](PrivacyIndicatorServiceIntf& service) {
+        return service.RegisterPrivacyIndicatorSwitchListener(switchListenerStub);
+    });
 }
 
 int32_t PrivacyIndicatorClient::RegisterPrivacyIndicatorSwitchListener(
@@ -65,8 +66,8 @@ int32_t PrivacyIndicatorClient::UnregisterPrivacyIndicatorSwitchListener(
         return 0;
     }
     // Contract: the service is called also when the listener was never registered.
-    return CallService(*this, FUNCTION, [stub = switchListenerStub](PrivacyIndicatorServiceIntf& service) {
-        return service.UnregisterPrivacyIndicatorSwitchListener(stub);
+    return CallService(*this, FUNCTION, [this](PrivacyIndicatorServiceIntf& service) {
+        return service.UnregisterPrivacyIndicatorSwitchListener(switchListenerStub);
     });
 }
 

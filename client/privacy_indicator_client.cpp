@@ -153,6 +153,7 @@ int32_t PrivacyIndicatorClient::TurnOnIndicator(const PrivacySensorType& privacy
     constexpr const char* FUNCTION = "TurnOnIndicator";
     LogInfo(CLIENT_TAG, FUNCTION, "TurnOnIndicator");
     const auto sensor = static_cast<int32_t>(privacySensorType);
+    // Contract: the records are copied first, so that a change that another thread makes meanwhile is not sent.
     return CallService(*this, FUNCTION, [sensor, position, size, animationType](PrivacyIndicatorServiceIntf& service) {
         return service.TurnOnIndicator(sensor, position, size, animationType);
     });
