@@ -8,8 +8,8 @@
 namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Examples {
 
 /**
- * Checks what switch listeners are called with, and when they are not. No request causes a privacy event, so of the
- * listeners of these only the registration can be checked.
+ * Checks what switch listeners are called with, and when they are not. No request causes a privacy event, so only the
+ * registration of privacy event listeners can be checked: VerifyRequests does that.
  */
 void VerifyListeners(const ServiceProbe& probe, Report& report);
 

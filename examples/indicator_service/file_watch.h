@@ -94,7 +94,7 @@ private:
 
     void Report(const std::set<Use>& uses);
 
-    /** Makes the descriptor readable after `time`; if `takesNotices`, also as soon as there is a notice. */
+    /** Makes the descriptor readable after `time`, 0 for never; if `takesNotices`, also when there is a notice. */
     void WakeAfter(std::chrono::nanoseconds time, bool takesNotices);
 
     void CloseAll();
