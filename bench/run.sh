@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 # usage: run.sh BUILD check | run.sh BUILD record | run.sh BUILD report PAGE
-# Measures a build of the `bench` preset. `record` keeps the figures that are the same at every run in recorded.txt,
-# `check` compares them with those and fails at a step back, and `report` measures everything, prints the tables and
-# writes them to PAGE. A figure is a line "table|row|column|value"; smaller is better in every table of repeatable ones.
+# Measures a build as it ships. `record` keeps the figures that are the same at every run in recorded.txt, `check`
+# compares them with those and fails at a step back, and `report`, which needs the peers, measures everything, prints the
+# tables and writes them to PAGE. A figure is a line "table|row|column|value"; smaller is better in every table of repeatable ones.
 set -euo pipefail
 folder=$(realpath "$(dirname "${BASH_SOURCE[0]}")")
 build=$(realpath "$1")
@@ -11,6 +11,8 @@ programs=$build/bench
 recorded=$folder/recorded.txt
 work=$(mktemp -d "${TMPDIR:-/tmp}/bench.XXXXXX")
 trap 'rm -rf "$work"' EXIT
+toolchain="$(uname -m), $(${CXX:-g++} --version | head -n 1)"
+readonly toolchain
 readonly TOLERATED=3 # Per cent that a figure may be worse than it was recorded.
 unset OHOS_BUS_ADDRESS
 
@@ -88,7 +90,8 @@ record()
 {
     {
         echo "# SPDX-License-Identifier: Apache-2.0"
-        echo "# The repeatable figures, written by ./dev bench --record."
+        echo "# The repeatable figures, written by ./dev bench --record, of a build by:"
+        echo "# $toolchain"
         cat "$work/figures"
     } >"$recorded"
     echo "Recorded $(grep -c '|' "$recorded") figures."
@@ -195,7 +198,7 @@ print_page()
 # Performance
 
 \`./dev bench\` wrote this page: $(date -u +%F), $(nproc) processors ($(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo |
-        head -n 1)), $(uname -s) $kernel, $(${CXX:-g++} --version | head -n 1), load $load at its start.
+        head -n 1)), $(uname -s) $kernel, $toolchain, load $load at its start.
 
 The contenders take turns within each round, and a ratio is the median of the ratios of all rounds, so that what else the
 machine does falls on all of them. A busy machine still makes those dearer that use more threads, and what crosses cores.
@@ -235,6 +238,11 @@ report()
 load=$(cut -d' ' -f1 /proc/loadavg)
 kernel=$(uname -r)
 kernel=${kernel%%-*}
+if [[ $2 == check ]] && ! grep -qxF "# $toolchain" "$recorded"; then
+    echo "Nothing is compared: the figures are of a build by $(sed -n 's/^# \(.*g++.*\)/\1/p' "$recorded"),"
+    echo "and another compiler's are not theirs. This one is $toolchain."
+    exit
+fi
 measure_repeatable >"$work/figures"
 case $2 in
 record) record ;;

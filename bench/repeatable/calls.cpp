@@ -17,6 +17,7 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "allocation_count.h"
@@ -45,9 +46,10 @@ using Counts = std::array<std::atomic<uint64_t>, 2>;
     std::exit(1);
 }
 
-class MarkingService : public Service<PrivacyIndicatorServiceIntfStub> {
+/** Keeps the listeners that are registered, as a real one does. */
+class CountedService : public Service<PrivacyIndicatorServiceIntfStub> {
 public:
-    explicit MarkingService(Counts& counts) : counts_(counts) {}
+    explicit CountedService(Counts& counts) : counts_(counts) { listeners_.reserve(LISTENERS); }
 
     int32_t OnRemoteRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option) override
     {
@@ -56,25 +58,48 @@ public:
         return Service::OnRemoteRequest(code, data, reply, option);
     }
 
-private:
-    Counts& counts_;
-};
+    int32_t RegisterPrivacyEventListener(
+        const std::string& /* dataType */, const sptr<EventListener>& listener) override
+    {
+        return Keep(listener);
+    }
 
-/** Keeps its listeners, and answers a power event with the bytes that its process has allocated. */
-class KeepingService : public Service<PrivacyIndicatorServiceIntfStub> {
-public:
-    explicit KeepingService(Counts& /* counts */) { listeners_.reserve(LISTENERS); }
+    int32_t UnregisterPrivacyEventListener(const sptr<EventListener>& listener) override { return Drop(listener); }
 
     int32_t RegisterPrivacyIndicatorSwitchListener(const sptr<SwitchListener>& listener) override
+    {
+        return Keep(listener);
+    }
+
+    int32_t UnregisterPrivacyIndicatorSwitchListener(const sptr<SwitchListener>& listener) override
+    {
+        return Drop(listener);
+    }
+
+private:
+    int32_t Keep(const sptr<IRemoteBroker>& listener)
     {
         listeners_.push_back(listener);
         return 0;
     }
 
-    int32_t NotifyPowerEvent(int32_t /* event */) override { return static_cast<int32_t>(mallinfo2().uordblks); }
+    int32_t Drop(const sptr<IRemoteBroker>& listener)
+    {
+        const auto isSame = [&](const auto& kept) { return kept->AsObject() == listener->AsObject(); };
+        listeners_.erase(std::find_if(listeners_.begin(), listeners_.end(), isSame));
+        return 0;
+    }
 
-private:
-    std::vector<sptr<SwitchListener>> listeners_;
+    Counts& counts_;
+    std::vector<sptr<IRemoteBroker>> listeners_;
+};
+
+/** Answers a power event with the bytes that its process has allocated. */
+class MeasuredService : public CountedService {
+public:
+    using CountedService::CountedService;
+
+    int32_t NotifyPowerEvent(int32_t /* event */) override { return static_cast<int32_t>(mallinfo2().uordblks); }
 };
 
 sptr<ISystemAbilityManager> Manager() { return SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager(); }
@@ -120,45 +145,72 @@ void Send(const Request& request, PrivacyIndicatorServiceIntf& service)
     }
 }
 
-/** How many allocations one request takes on each side, once everything is warm. */
-std::array<double, 2> CountAllocations(const Request& request, PrivacyIndicatorServiceIntf& service, Counts& counts)
+/**
+ * The allocations of one request on each side. A second one, which is counted, too, is served once all is done that the
+ * service does for the first one beyond its reply.
+ */
+std::array<uint64_t, 2> CountOnce(
+    const Request& request, const Request& second, PrivacyIndicatorServiceIntf& service, const Counts& counts)
 {
-    constexpr int REPEATED = 100;
-    // What the service does after its reply is counted with the next request, so that each round holds as many.
-    for (int i = 0; i < 10; ++i) {
-        Send(request, service);
-    }
-    const uint64_t before = counts[SERVICE];
-    uint64_t fewest = UINT64_MAX; // Of the client: a listener that is about to be released takes some more.
-    for (int i = 0; i < REPEATED; ++i) {
-        const uint64_t beforeThis = counts[CLIENT];
-        Send(request, service);
-        fewest = std::min(fewest, counts[CLIENT] - beforeThis);
-    }
-    return {static_cast<double>(fewest), static_cast<double>(counts[SERVICE] - before) / REPEATED};
+    const uint64_t ofService = counts[SERVICE];
+    const uint64_t ofClient = counts[CLIENT];
+    Send(request, service);
+    const uint64_t afterClient = counts[CLIENT];
+    Send(second, service);
+    return {afterClient - ofClient, counts[SERVICE] - ofService};
 }
 
-void CountAllocations(Counts& counts)
+/**
+ * The allocations of each request on each side, once everything is warm. Each round registers listeners that the
+ * service does not know, and unregisters them. Of the rounds it is the median: the C library takes memory now and then
+ * for the functions that it calls at exit.
+ */
+std::vector<std::array<double, 2>> CountAllocations(
+    int32_t recordCount, PrivacyIndicatorServiceIntf& service, const Counts& counts)
+{
+    constexpr size_t ROUNDS = 51;
+    std::vector<std::array<std::vector<uint64_t>, 2>> all;
+    for (size_t round = 0; round < ROUNDS; ++round) {
+        const auto requests = Requests(recordCount);
+        const Request& second = requests.back(); // All that it does comes before its reply.
+        const uint64_t ofSecond = CountOnce(second, second, service, counts)[SERVICE] / 2;
+        all.resize(requests.size());
+        for (size_t i = 0; i < requests.size(); ++i) {
+            const auto once = CountOnce(requests[i], second, service, counts);
+            all[i][CLIENT].push_back(once[CLIENT]);
+            all[i][SERVICE].push_back(once[SERVICE] - ofSecond);
+        }
+    }
+    std::vector<std::array<double, 2>> medians(all.size());
+    for (size_t i = 0; i < all.size(); ++i) {
+        for (const Side side : {CLIENT, SERVICE}) {
+            std::sort(all[i][side].begin(), all[i][side].end());
+            medians[i][side] = static_cast<double>(all[i][side][ROUNDS / 2]);
+        }
+    }
+    return medians;
+}
+
+void CountAllocations(const Counts& counts)
 {
     constexpr int32_t FEW = 100;
     constexpr int32_t MANY = 200;
     const auto service = FindService();
-    const auto few = Requests(FEW);
-    const auto many = Requests(MANY);
-    for (size_t i = 0; i < few.size(); ++i) {
-        const bool isQuery =
-            few[i].name == "GetPrivacyEventDetails" || few[i].name == "GetPermissionUsageDurationSummary";
-        const auto ofFew = CountAllocations(few[i], *service, counts);
-        if (few[i].name.find("By") != std::string::npos) {
+    const auto requests = Requests(FEW);
+    const auto few = CountAllocations(FEW, *service, counts);
+    const auto many = CountAllocations(MANY, *service, counts);
+    for (size_t i = 0; i < requests.size(); ++i) {
+        const std::string& name = requests[i].name;
+        if (name.find("By") != std::string::npos) {
             continue; // The same as the query without the sensor.
         }
-        PrintFigure("allocations", few[i].name + (isQuery ? ", 100 records" : ""), "client", ofFew[CLIENT]);
-        PrintFigure("allocations", few[i].name + (isQuery ? ", 100 records" : ""), "service", ofFew[SERVICE]);
-        if (isQuery) {
-            const auto ofMany = CountAllocations(many[i], *service, counts);
-            const std::string row = few[i].name + ", a further record";
-            PrintFigure("allocations", row, "client", (ofMany[CLIENT] - ofFew[CLIENT]) / (MANY - FEW));
-            PrintFigure("allocations", row, "service", (ofMany[SERVICE] - ofFew[SERVICE]) / (MANY - FEW));
+        const bool isQuery = name == "GetPrivacyEventDetails" || name == "GetPermissionUsageDurationSummary";
+        for (const auto& [side, column] : {std::pair(CLIENT, "client"), std::pair(SERVICE, "service")}) {
+            PrintFigure("allocations", name + (isQuery ? ", 100 records" : ""), column, few[i][side]);
+            if (isQuery) {
+                PrintFigure(
+                    "allocations", name + ", a further record", column, (many[i][side] - few[i][side]) / (MANY - FEW));
+            }
         }
     }
 }
@@ -219,7 +271,7 @@ int main(int argc, char** argv)
     }
     auto& counts = *new (shared) Counts{};
     const std::string mode = argc > 1 ? argv[1] : "";
-    mode == "memory" ? StartService<KeepingService>(counts) : StartService<MarkingService>(counts);
+    mode == "memory" ? StartService<MeasuredService>(counts) : StartService<CountedService>(counts);
     allocationCount = &counts[CLIENT];
     if (mode == "allocations") {
         CountAllocations(counts);
