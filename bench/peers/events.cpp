@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // One event to many processes, the library's beside a raw socket to each: from its sending until the last process has
-// it, and for events that are answered, until the last answer is there.
+// it, and for events that are answered, until the last answer is there. A service has one thread for all listeners, or
+// one for each, so that none delays another.
 #include "events.h"
 
 #include <linux/futex.h>
@@ -13,9 +14,14 @@
 #include <atomic>
 #include <cerrno>
 #include <ctime>
+#include <functional>
+#include <list>
 #include <memory>
+#include <mutex>
 #include <new>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "figure.h"
@@ -24,6 +30,10 @@
 #include "match.h"
 #include "privacy_event_values.h"
 #include "privacy_indicator_client.h"
+#include "privacy_indicator_service_intf_stub.h"
+#include "push_queue.h"
+#include "samples.h"
+#include "service.h"
 #include "sockets.h"
 #include "worker.h"
 
@@ -32,6 +42,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Bench {
 namespace {
 
 enum class Kind { SWITCH, EVENT };
+enum class Threads { ONE, EACH };
 
 constexpr int REPEATED = 20;
 constexpr int ROUNDS = 31;
@@ -124,7 +135,7 @@ private:
 
 class RawAudience : public Audience {
 public:
-    RawAudience(Kind kind, int processes) : Audience(processes)
+    RawAudience(Kind kind, Threads threads, int processes) : Audience(processes)
     {
         std::vector<std::array<int, 2>> lines(static_cast<size_t>(processes));
         for (auto& line : lines) {
@@ -142,18 +153,8 @@ public:
                 }
             });
         }
-        SetSender([&, kind](int line) {
-            SendEvents(line, [&](int /* number */) {
-                const std::string event(SizeOf(kind), '\0');
-                std::array<char, ANSWER_SIZE> answer{};
-                for (const auto& listener : lines) {
-                    SendAll(listener[0], event.data(), event.size());
-                }
-                heard_->AwaitAll();
-                for (size_t i = 0; kind == Kind::EVENT && i < lines.size(); ++i) {
-                    ReceiveAll(lines[i][0], answer.data(), answer.size());
-                }
-            });
+        SetSender([&, kind, threads](int line) {
+            threads == Threads::ONE ? SendFromOne(kind, lines, line) : SendFromEach(kind, lines, line);
         });
         for (const auto& line : lines) {
             close(line[0]);
@@ -162,6 +163,57 @@ public:
     }
 
 private:
+    using Lines = std::vector<std::array<int, 2>>;
+
+    void SendFromOne(Kind kind, const Lines& lines, int ready)
+    {
+        SendEvents(ready, [&](int /* number */) {
+            for (const auto& line : lines) {
+                SendOne(kind, line[0]);
+            }
+            heard_->AwaitAll();
+            for (size_t i = 0; kind == Kind::EVENT && i < lines.size(); ++i) {
+                ReceiveAnswer(lines[i][0]);
+            }
+        });
+    }
+
+    void SendFromEach(Kind kind, const Lines& lines, int ready)
+    {
+        std::list<Testing::PushQueue> queues;
+        for (size_t i = 0; i < lines.size(); ++i) {
+            queues.emplace_back("", nullptr);
+            std::thread([&queue = queues.back()] { queue.Run(); }).detach();
+        }
+        SendEvents(ready, [&](int /* number */) {
+            auto queue = queues.begin();
+            for (const auto& line : lines) {
+                (queue++)->Push([kind, fd = line[0]] {
+                    SendOne(kind, fd);
+                    if (kind == Kind::EVENT) {
+                        ReceiveAnswer(fd);
+                    }
+                });
+            }
+            heard_->AwaitAll();
+            for (auto& each : queues) {
+                each.AwaitCalls();
+            }
+        });
+    }
+
+    static void SendOne(Kind kind, int fd)
+    {
+        const std::array<char, 264> event{};
+        SendAll(fd, event.data(), SizeOf(kind));
+    }
+
+    static void ReceiveAnswer(int fd)
+    {
+        std::array<char, ANSWER_SIZE> answer{};
+        ReceiveAll(fd, answer.data(), answer.size());
+    }
+
     /** As the library's messages are, with their header. */
     static size_t SizeOf(Kind kind) { return kind == Kind::SWITCH ? 188 : 264; }
 };
@@ -180,28 +232,48 @@ struct Listener : Indicator::IndicatorSwitchListener, Privacy::PrivacyEventListe
     Heard& heard;
 };
 
+/** Calls its listeners one after the other, on one thread. */
+class SendingService : public Service<PrivacyIndicatorServiceIntfStub> {
+public:
+    int32_t RegisterPrivacyEventListener(
+        const std::string& /* dataType */, const sptr<EventListener>& listener) override
+    {
+        return Add([this, listener] { listener->OnPrivacyEventChanged(Privacy::SENSOR_STATE_CHANGE, infos_); });
+    }
+
+    int32_t RegisterPrivacyIndicatorSwitchListener(const sptr<SwitchListener>& listener) override
+    {
+        return Add([this, listener] { listener->OnSwitchChanged(data_); });
+    }
+
+    void SendToAll()
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        for (const auto& send : sends_) {
+            send();
+        }
+    }
+
+private:
+    int32_t Add(std::function<void()> send)
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        sends_.push_back(std::move(send));
+        return 0;
+    }
+
+    const Indicator::IndicatorData data_ = Indicators(1).front();
+    const std::vector<Privacy::PrivacyEventRemindInfo> infos_ = RemindInfos(1);
+    std::mutex mutex_;
+    std::vector<std::function<void()>> sends_;
+};
+
 class LibraryAudience : public Audience {
 public:
-    LibraryAudience(Kind kind, int processes) : Audience(processes)
+    LibraryAudience(Kind kind, Threads threads, int processes) : Audience(processes)
     {
-        SetSender([&, kind](int line) {
-            const sptr<Testing::InMemoryService> service(new Testing::InMemoryService());
-            if (SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager()->AddSystemAbility(
-                    PRIVACY_INDICATOR_SA_ID, service) != 0) {
-                Fail("events: no bus");
-            }
-            SendEvents(line, [&](int number) {
-                if (kind == Kind::SWITCH) {
-                    number % 2 == 0 ? service->TurnOnIndicator(0, {}, {}, 0) : service->TurnOffIndicator(0, 0);
-                    heard_->AwaitAll();
-                    return;
-                }
-                const Testing::SensorUse use{PrivacySensorType::CAMERA, "com.example.application.n00001", 20010000};
-                number % 2 == 0 ? service->BeginUse(use) : service->EndUse(use);
-                heard_->AwaitAll();
-                service->AwaitDelivery();
-            });
-        });
+        SetSender(
+            [&, kind, threads](int line) { threads == Threads::ONE ? SendFromOne(line) : SendFromEach(kind, line); });
         for (int i = 0; i < processes; ++i) {
             AddListener([&, kind](int line) {
                 auto& client = PrivacyIndicatorClient::GetInstance();
@@ -213,25 +285,64 @@ public:
             });
         }
     }
+
+private:
+    template <typename Kept>
+    static sptr<Kept> Start()
+    {
+        const sptr<Kept> service(new Kept());
+        if (SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager()->AddSystemAbility(
+                PRIVACY_INDICATOR_SA_ID, service) != 0) {
+            Fail("events: no bus");
+        }
+        return service;
+    }
+
+    void SendFromOne(int line)
+    {
+        const auto service = Start<SendingService>();
+        SendEvents(line, [&](int /* number */) {
+            service->SendToAll();
+            heard_->AwaitAll();
+        });
+    }
+
+    void SendFromEach(Kind kind, int line)
+    {
+        const auto service = Start<Testing::InMemoryService>();
+        SendEvents(line, [&](int number) {
+            const Testing::SensorUse use{PrivacySensorType::CAMERA, "com.example.application.n00001", 20010000};
+            if (kind == Kind::SWITCH) {
+                number % 2 == 0 ? service->TurnOnIndicator(0, {}, {}, 0) : service->TurnOffIndicator(0, 0);
+            } else {
+                number % 2 == 0 ? service->BeginUse(use) : service->EndUse(use);
+            }
+            heard_->AwaitAll();
+            service->AwaitDelivery();
+        });
+    }
 };
 
 } // namespace
 
 void MeasureEvents()
 {
-    for (const auto& [kind, name] : {std::pair(Kind::SWITCH, "switch"), std::pair(Kind::EVENT, "event, answered")}) {
+    for (const auto& [kind, name] : {std::pair(Kind::SWITCH, "a switch to "), std::pair(Kind::EVENT, "an event to ")}) {
         for (const int processes : {1, 10, 50}) {
-            const std::string row = std::to_string(processes) + (processes == 1 ? " process" : " processes");
-            RawAudience raw(kind, processes);
-            LibraryAudience library(kind, processes);
-            std::vector<double> limits;
-            std::vector<double> times;
-            for (int round = 0; round < ROUNDS; ++round) {
-                limits.push_back(raw.Run());
-                times.push_back(library.Run());
+            const std::string row = name + std::to_string(processes) + (processes == 1 ? " process" : " processes");
+            for (const auto& [threads, column] :
+                {std::pair(Threads::ONE, "one thread"), std::pair(Threads::EACH, "a thread each")}) {
+                RawAudience raw(kind, threads, processes);
+                LibraryAudience library(kind, threads, processes);
+                std::vector<double> limits;
+                std::vector<double> times;
+                for (int round = 0; round < ROUNDS; ++round) {
+                    limits.push_back(raw.Run());
+                    times.push_back(library.Run());
+                }
+                PrintFigure("events", row, column, MedianRatio(times, limits));
+                PrintFigure("events", row, std::string(column) + ", microseconds", Median(times) * 1e6);
             }
-            PrintFigure("events", row, name, MedianRatio(times, limits));
-            PrintFigure("events", row, std::string(name) + ", microseconds", Median(times) * 1e6);
         }
     }
 }
