@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -87,12 +88,16 @@ public:
      */
     std::string Watch(const std::string& name);
     void Unwatch(const std::string& name) { watched_.erase(name); }
+    bool IsWatched(const std::string& name) const { return watched_.count(name) > 0; }
+
+    /**
+     * Has a process's unique name watched, and asks for the process and the user that the daemon vouches for. False,
+     * and nothing is watched, if nobody has that name.
+     */
+    bool WatchProcess(const std::string& name, pid_t& pid, uid_t& uid);
 
     /** Empty if the daemon says that nobody has that name; none if it says nothing. */
     std::optional<std::string> OwnerOf(const std::string& name);
-
-    /** The process and the user that the daemon vouches for. False if nobody has that unique name. */
-    bool GetCredentials(const std::string& name, pid_t& pid, uid_t& uid);
 
     /** False if the name is another's or not for this user; none if the daemon does not say. */
     std::optional<bool> RequestName(const std::string& name);
@@ -113,6 +118,8 @@ private:
     bool Connect();
     bool ReadNews();
     void Leave();
+    bool Watch(const std::string& name, const std::function<bool()>& ask);
+    std::optional<bool> GetCredentials(const std::string& name, pid_t& pid, uid_t& uid);
     void ReadQueued();
     void AnnounceChanges();
     void OnNameOwnerChanged(sd_bus_message* signal);
@@ -131,6 +138,7 @@ private:
     std::string ownName_;
     std::string id_;
     std::map<std::string, std::shared_ptr<sd_bus_slot>> watched_;
+    bool isMatched_ = false;     // The name that is to be watched.
     std::deque<Change> changes_; // Received, and yet to be announced.
 };
 

@@ -175,26 +175,50 @@ void Bus::AnnounceChanges()
 
 std::string Bus::Watch(const std::string& name)
 {
+    std::optional<std::string> owner;
+    const bool isWatched = Watch(name, [&] { return (owner = OwnerOf(name)).has_value(); });
+    return isWatched ? owner.value_or("") : "";
+}
+
+bool Bus::WatchProcess(const std::string& name, pid_t& pid, uid_t& uid)
+{
+    std::optional<bool> isFound;
+    const bool isWatched = Watch(name, [&] { return (isFound = GetCredentials(name, pid, uid)).has_value(); });
+    if (isWatched && isFound.value_or(false)) {
+        return true;
+    }
+    Unwatch(name);
+    return false;
+}
+
+// The daemon answers in order, so by the answer to what `ask` asks, it watches. False if it does not want to.
+bool Bus::Watch(const std::string& name, const std::function<bool()>& ask)
+{
     const std::string rule = std::string("type='signal',sender='") + DAEMON + "',path='" + DAEMON_PATH +
                              "',interface='" + DAEMON + "',member='NameOwnerChanged',arg0='" + name + "'";
     const auto receive = [](sd_bus_message* signal, void* self, sd_bus_error* /* error */) {
         static_cast<Bus*>(self)->OnNameOwnerChanged(signal);
         return 0;
     };
+    const auto receiveAnswer = [](sd_bus_message* answer, void* self, sd_bus_error* /* error */) {
+        static_cast<Bus*>(self)->isMatched_ = sd_bus_message_is_method_error(answer, nullptr) == 0;
+        return 0;
+    };
     sd_bus_slot* slot = nullptr;
-    const int matched = watched_.count(name) == 0 ? sd_bus_add_match(bus_, &slot, rule.c_str(), receive, this) : 0;
-    if (matched < 0 && matched != -ETIMEDOUT) {
-        return "";
+    isMatched_ = watched_.count(name) != 0;
+    if (!isMatched_ && sd_bus_add_match_async(bus_, &slot, rule.c_str(), receive, receiveAnswer, this) < 0) {
+        return false;
     }
-    const auto owner = matched >= 0 ? OwnerOf(name) : std::nullopt;
+    const std::shared_ptr<sd_bus_slot> match(slot, sd_bus_slot_unref);
+    const bool isAnswered = ask();
     ReadQueued(); // The changes until then are in the answer.
-    if (slot != nullptr) {
-        watched_.emplace(name, std::shared_ptr<sd_bus_slot>(slot, sd_bus_slot_unref));
+    if (match != nullptr && isMatched_) {
+        watched_.emplace(name, match);
     }
-    if (!owner.has_value()) {
+    if (!isAnswered) {
         shutdown(fd_.Get(), SHUT_RDWR);
     }
-    return owner.value_or("");
+    return isMatched_;
 }
 
 void Bus::OnNameOwnerChanged(sd_bus_message* signal)
@@ -222,13 +246,14 @@ std::optional<std::string> Bus::OwnerOf(const std::string& name)
     return answer;
 }
 
-bool Bus::GetCredentials(const std::string& name, pid_t& pid, uid_t& uid)
+std::optional<bool> Bus::GetCredentials(const std::string& name, pid_t& pid, uid_t& uid)
 {
     sd_bus_creds* found = nullptr;
-    const bool isFound = sd_bus_get_name_creds(bus_, name.c_str(), SD_BUS_CREDS_PID | SD_BUS_CREDS_EUID, &found) >= 0 &&
-                         sd_bus_creds_get_pid(found, &pid) >= 0 && sd_bus_creds_get_euid(found, &uid) >= 0;
+    const int result = sd_bus_get_name_creds(bus_, name.c_str(), SD_BUS_CREDS_PID | SD_BUS_CREDS_EUID, &found);
+    const bool isFound =
+        result >= 0 && sd_bus_creds_get_pid(found, &pid) >= 0 && sd_bus_creds_get_euid(found, &uid) >= 0;
     sd_bus_creds_unref(found);
-    return isFound;
+    return result != -ETIMEDOUT ? std::optional(isFound) : std::nullopt;
 }
 
 std::optional<bool> Bus::RequestName(const std::string& name)

@@ -25,8 +25,7 @@ std::shared_ptr<Peer> Peers::Meet(const std::string& name)
     Identity identity{self_.busId, name, 0};
     uid_t uid = 0;
     // Watched first, so that its end is noticed whenever it comes.
-    if (bus.Watch(name) != name || !bus.GetCredentials(name, identity.pid, uid)) {
-        bus.Unwatch(name);
+    if (!bus.WatchProcess(name, identity.pid, uid)) {
         return nullptr;
     }
     const auto connect = [identity, ours = self_.name](
