@@ -136,7 +136,8 @@ public:
             return ERR_DEAD_OBJECT;
         }
         if (availability_.Subscribe(systemAbilityId, listener) && HasBus()) {
-            Bus::Get().Ask([&] { return Watch(systemAbilityId); }); // Where there is none yet, once there is.
+            // Where there is none yet, once there is.
+            Bus::Get().Ask([&] { return Bus::Get().IsWatched(NameOf(systemAbilityId)) || Watch(systemAbilityId); });
         }
         return ERR_NONE;
     }
