@@ -19,12 +19,13 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <iterator>
 #include <string_view>
 
 namespace {
 
-constexpr std::string_view LEVEL_LETTERS = "DIWEF"; // From LOG_DEBUG upwards.
-constexpr size_t TAG_CAPACITY = 32;                 // A text's capacity counts its NUL.
+constexpr std::string_view LEVELS[] = {"D", "I", "W", "E", "F", "OFF"}; // From LOG_DEBUG upwards.
+constexpr size_t TAG_CAPACITY = 32;                                     // A text's capacity counts its NUL.
 constexpr size_t MESSAGE_CAPACITY = 4096;
 constexpr size_t LINE_CAPACITY = MESSAGE_CAPACITY + 256; // The rest is for the line's head.
 constexpr unsigned int DOMAIN_MASK = 0xFFFFF;
@@ -35,30 +36,17 @@ std::atomic<unsigned> g_lostLines{0}; // Those that standard error did not take.
 
 // A bounded text on the stack: logging must work without memory, and throw nothing. What does not fit is cut off.
 template <size_t CAPACITY>
-class Text {
-public:
+struct Text {
     // `format` must match `args`, of which there is at least one.
     template <typename... Args>
     void Append(const char* format, Args... args)
     {
-        const int count = std::snprintf(data_ + size_, CAPACITY - size_, format, args...);
-        size_ += std::min(static_cast<size_t>(std::max(count, 0)), CAPACITY - 1 - size_);
+        const int count = std::snprintf(data + size, CAPACITY - size, format, args...);
+        size += std::min(static_cast<size_t>(std::max(count, 0)), CAPACITY - 1 - size);
     }
 
-    // Replaces the control characters from `start` on, which could forge lines or command a terminal.
-    void MakePrintable(size_t start)
-    {
-        std::replace_if(
-            data_ + start, data_ + size_, [](unsigned char letter) { return std::iscntrl(letter) != 0; }, '?');
-    }
-
-    const char* GetData() const { return data_; }
-
-    size_t GetSize() const { return size_; }
-
-private:
-    char data_[CAPACITY] = {}; // There is always a NUL at size_.
-    size_t size_ = 0;
+    char data[CAPACITY] = {}; // There is always a NUL at `size`.
+    size_t size = 0;
 };
 
 bool SkipWord(const char*& at, std::string_view word)
@@ -81,13 +69,12 @@ void AppendMessage(Text<MESSAGE_CAPACITY>& message, const char* fmt, va_list arg
         if (*at != 's' && *at != 'd') {
             break;
         }
-        message.Append("%.*s", static_cast<int>(std::min<ptrdiff_t>(percent - fmt, INT_MAX)), fmt);
-        const char* const text = *at == 's' ? va_arg(arguments, const char*) : nullptr;
-        const int number = *at == 'd' ? va_arg(arguments, int) : 0;
-        if (isPublic && *at == 'd') {
-            message.Append("%d", number);
+        message.Append("%.*s", static_cast<int>(percent - fmt), fmt);
+        if (*at == 'd') {
+            message.Append(isPublic ? "%d" : "<private>", va_arg(arguments, int));
         } else {
-            message.Append("%s", !isPublic ? "<private>" : text != nullptr ? text : "(null)");
+            const char* const text = va_arg(arguments, const char*);
+            message.Append(isPublic ? "%s" : "<private>", text != nullptr ? text : "(null)");
         }
         fmt = at + 1;
     }
@@ -150,26 +137,24 @@ void PrintLine(LogType type, LogLevel level, unsigned int domain, const char* ta
     if (lost > 0) {
         line.Append("[%u lines lost]\n", lost);
     }
-    const size_t start = line.GetSize();
-    line.Append("%02d-%02d %02d:%02d:%02d.%03ld  %d  %d %c %c%05x/%s: %s", local.tm_mon + 1, local.tm_mday,
+    const size_t start = line.size;
+    line.Append("%02d-%02d %02d:%02d:%02d.%03ld  %d  %d %s %c%05x/%s: %s", local.tm_mon + 1, local.tm_mday,
         local.tm_hour, local.tm_min, local.tm_sec, now.tv_nsec / NANOSECONDS_PER_MILLISECOND, getpid(), gettid(),
-        LEVEL_LETTERS[static_cast<size_t>(level - LOG_DEBUG)], typeLetter, domain & DOMAIN_MASK, tag, message);
-    line.MakePrintable(start);
+        LEVELS[level - LOG_DEBUG].data(), typeLetter, domain & DOMAIN_MASK, tag, message);
+    // Control characters could forge lines or command a terminal.
+    std::replace_if(
+        line.data + start, line.data + line.size, [](unsigned char letter) { return std::iscntrl(letter) != 0; }, '?');
     line.Append("%c", '\n');
-    if (!WriteSilently(line.GetData(), line.GetSize())) {
+    if (!WriteSilently(line.data, line.size)) {
         g_lostLines += lost + 1;
     }
 }
 
 int ReadThreshold()
 {
-    const char* const value = secure_getenv("HILOG_LEVEL");
-    const std::string_view name = value != nullptr ? value : "I";
-    if (name == "OFF") {
-        return LOG_FATAL + 1;
-    }
-    const size_t index = name.size() == 1 ? LEVEL_LETTERS.find(name) : std::string_view::npos;
-    return index != std::string_view::npos ? LOG_DEBUG + static_cast<int>(index) : LOG_INFO;
+    const char* const name = secure_getenv("HILOG_LEVEL");
+    const auto* const found = std::find(std::begin(LEVELS), std::end(LEVELS), name != nullptr ? name : "");
+    return found != std::end(LEVELS) ? LOG_DEBUG + static_cast<int>(found - LEVELS) : LOG_INFO;
 }
 
 bool IsPrinted(LogLevel level)
@@ -178,7 +163,9 @@ bool IsPrinted(LogLevel level)
     return level >= threshold && level <= LOG_FATAL;
 }
 
-int Print(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, va_list arguments)
+} // namespace
+
+int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, ...)
 {
     if (fmt == nullptr) {
         return -1;
@@ -192,26 +179,18 @@ int Print(LogType type, LogLevel level, unsigned int domain, const char* tag, co
     Text<TAG_CAPACITY> shortTag;
     shortTag.Append("%s", tag != nullptr ? tag : "");
     Text<MESSAGE_CAPACITY> message;
+    va_list arguments;
+    va_start(arguments, fmt);
     AppendMessage(message, fmt, arguments);
+    va_end(arguments);
     if (callback != nullptr) {
-        callback(type, level, domain, shortTag.GetData(), message.GetData());
+        callback(type, level, domain, shortTag.data, message.data);
     }
     if (isPrinted) {
-        PrintLine(type, level, domain, shortTag.GetData(), message.GetData());
+        PrintLine(type, level, domain, shortTag.data, message.data);
     }
     errno = savedErrno;
     return 0;
-}
-
-} // namespace
-
-int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char* tag, const char* fmt, ...)
-{
-    va_list arguments;
-    va_start(arguments, fmt);
-    const int result = Print(type, level, domain, tag, fmt, arguments);
-    va_end(arguments);
-    return result;
 }
 
 bool HiLogIsLoggable(unsigned int /* domain */, const char* /* tag */, LogLevel level)

@@ -15,28 +15,23 @@ public:
     // Inline, so that they are ready for the static initialisers of every file that includes this header.
     static inline const std::string DEFAULT_SUB_SYSTEM_TAG = "KRV";
     static inline const std::string DEFAULT_COMPONENT_TAG = "QNL";
-    static inline const std::string DEFAULT_MODULE_TAG = "default";
 
     /** Makes a tag of the component's log type and domain. */
     static Tag Create(const std::string& module, const std::string& component, const std::string& subSystem);
 
-    /** The log type for HiLogPrint. */
+    /** What HiLogPrint takes; its tag is the subsystem's. */
     LogType GetLogType() const { return LOG_CORE; }
-
-    /** The domain for HiLogPrint. */
     uint32_t GetDomain() const { return 0xD005610; }
-
-    /** The tag for HiLogPrint. This and the next two references are valid as long as the Tag. */
     const std::string& GetSubSystemTag() const { return subSystem_; }
 
-    /** The first field of a line. */
+    /** The first two fields of a line. */
     const std::string& GetComponentTag() const { return component_; }
-
-    /** The second field of a line. */
     const std::string& GetModuleTag() const { return module_; }
 
 private:
-    Tag(const std::string& module, const std::string& component, const std::string& subSystem);
+    Tag(const std::string& module, const std::string& component, const std::string& subSystem)
+        : module_(module), component_(component), subSystem_(subSystem)
+    {}
 
     std::string module_;
     std::string component_;

@@ -8,8 +8,4 @@ Tag Tag::Create(const std::string& module, const std::string& component, const s
     return {module, component, subSystem};
 }
 
-Tag::Tag(const std::string& module, const std::string& component, const std::string& subSystem)
-    : module_(module), component_(component), subSystem_(subSystem)
-{}
-
 } // namespace OHOS::Korvane::Quenlar::Util::OstLog

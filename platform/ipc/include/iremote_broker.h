@@ -5,7 +5,6 @@
 #include <functional>
 #include <map>
 #include <mutex>
-#include <new>
 #include <string>
 
 #include "iremote_object.h"
@@ -16,8 +15,6 @@ namespace OHOS {
 /** Base of every interface whose objects can be remote. Derive plainly: iface_cast casts down statically. */
 class IRemoteBroker : public virtual RefBase {
 public:
-    ~IRemoteBroker() override = default;
-
     /** The object that requests go to; null if there is none. */
     virtual sptr<IRemoteObject> AsObject() = 0;
 };
@@ -30,11 +27,7 @@ public:
 template <typename T>
 class BrokerCreator {
 public:
-    sptr<IRemoteBroker> operator()(const sptr<IRemoteObject>& object)
-    {
-        T* proxy = new (std::nothrow) T(object);
-        return sptr<IRemoteBroker>(static_cast<IRemoteBroker*>(proxy));
-    }
+    sptr<IRemoteBroker> operator()(const sptr<IRemoteObject>& object) { return sptr<T>::MakeSptr(object); }
 };
 
 /** What the registration knows of a delegator. */

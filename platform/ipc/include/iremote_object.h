@@ -27,8 +27,6 @@ public:
         virtual void OnRemoteDied(const wptr<IRemoteObject>& object) = 0;
     };
 
-    ~IRemoteObject() override = default;
-
     virtual int32_t GetObjectRefCount() = 0;
 
     /**

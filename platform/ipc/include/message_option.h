@@ -15,7 +15,6 @@ public:
     static constexpr int TF_ASYNC = 1;
     /** In seconds. */
     static constexpr int TF_WAIT_TIME = 8;
-    static constexpr int MAX_WAIT_TIME = 3000;
 
     MessageOption(int flags = TF_SYNC, int waitTime = TF_WAIT_TIME) : flags_(flags), waitTime_(waitTime) {}
 
@@ -25,7 +24,7 @@ public:
     int GetFlags() const { return flags_; }
 
     /** The longest that a call may take, in seconds: 8 for anything below 1, and 3000 for anything above that. */
-    void SetWaitTime(int waitTime) { waitTime_ = waitTime < 1 ? TF_WAIT_TIME : std::min(waitTime, MAX_WAIT_TIME); }
+    void SetWaitTime(int waitTime) { waitTime_ = waitTime < 1 ? TF_WAIT_TIME : std::min(waitTime, 3000); }
 
     int GetWaitTime() const { return waitTime_; }
 

@@ -35,12 +35,11 @@ sptr<IRemoteBroker> BrokerRegistration::NewInstance(const std::u16string& descri
     {
         std::lock_guard<std::mutex> lock(mutex_);
         const auto found = creators_.find(descriptor);
-        if (found == creators_.end()) {
-            return nullptr;
+        if (found != creators_.end()) {
+            creator = found->second;
         }
-        creator = found->second;
     }
-    return creator(object);
+    return creator ? creator(object) : nullptr;
 }
 
 } // namespace OHOS

@@ -59,7 +59,7 @@ sptr<IRemoteObject> MessageParcel::ReadRemoteObject()
     if (found == objects_.end() || found->position != position) {
         return nullptr;
     }
-    return Skip(Transport::OBJECT_SIZE) ? found->object : nullptr;
+    return Take(Transport::OBJECT_SIZE) != nullptr ? found->object : nullptr;
 }
 
 bool MessageParcel::HasObject(size_t begin, size_t end) const

@@ -25,22 +25,18 @@ ParcelMessage::ParcelMessage(Transport::ObjectTable& table, const MessageParcel&
     message.handles.reserve(parcel.objects_.size());
     for (const auto& [position, object] : parcel.objects_) {
         Handle handle{Handle::SENDER, static_cast<uint32_t>(position), 0};
-        error = Export(object, handle);
+        if (const auto* proxy = dynamic_cast<const IPCObjectProxy*>(object.GetRefPtr())) {
+            handle.owner = Handle::RECEIVER;
+            handle.id = proxy->id_;
+            error = proxy->peer_.get() == &table_ ? 0 : Transport::FOREIGN_OBJECT;
+        } else {
+            error = table_.Pin(object, handle.id) ? 0 : Transport::DEAD;
+        }
         if (error != 0) {
             return;
         }
         message.handles.push_back(handle);
     }
-}
-
-int ParcelMessage::Export(const sptr<IRemoteObject>& object, Handle& handle)
-{
-    if (const auto* proxy = dynamic_cast<const IPCObjectProxy*>(object.GetRefPtr())) {
-        handle.owner = Handle::RECEIVER;
-        handle.id = proxy->id_;
-        return proxy->peer_.get() == &table_ ? 0 : Transport::FOREIGN_OBJECT;
-    }
-    return table_.Pin(object, handle.id) ? 0 : Transport::DEAD;
 }
 
 ParcelMessage::~ParcelMessage()

@@ -31,8 +31,6 @@ public:
     int error = 0;              // 0 or a Transport::Error.
 
 private:
-    int Export(const sptr<IRemoteObject>& object, Transport::Handle& handle);
-
     Transport::ObjectTable& table_;
     const MessageParcel& parcel_;
 };

@@ -6,9 +6,7 @@
 
 namespace OHOS {
 
-constexpr int32_t LAST_SYSTEM_ABILITY_ID = 0x00ffffff;
-
-constexpr bool IsSystemAbilityId(int32_t number) { return number >= 0 && number <= LAST_SYSTEM_ABILITY_ID; }
+constexpr bool IsSystemAbilityId(int32_t number) { return number >= 0 && number <= 0x00ffffff; }
 
 } // namespace OHOS
 

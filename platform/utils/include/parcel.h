@@ -126,8 +126,7 @@ public:
     const uint8_t* ReadBuffer(size_t size);
 
 protected:
-    /** Appends `size` bytes, at least 1, which the caller fills in at once, and their padding. Null if a write fails.
-     */
+    /** Appends `size` bytes, at least 1, which the caller fills in at once, and padding. Null if a write fails. */
     uint8_t* Extend(size_t size)
     {
         const size_t padding = PaddingOf(size);
@@ -141,8 +140,8 @@ protected:
         return begin;
     }
 
-    /** Cuts the data to `size` bytes: data from outside, once copied in, need not end with padding. */
-    void Truncate(size_t size);
+    /** Cuts unread data, down to `size` bytes: what came from outside need not end with padding. */
+    void Truncate(size_t size) { dataSize_ = size; }
 
     /** Ends writing: what came from outside is only read. */
     void SetReceived()
@@ -154,18 +153,7 @@ protected:
     /** Begins to ask HasObject. */
     void SetHasObjects() { hasObjects_ = true; }
 
-    /** Moves the read cursor past `size` bytes and their padding. False, and no change, if there are fewer. */
-    bool Skip(size_t size) { return Take(size) != nullptr; }
-
-    /** True if any byte from `begin` up to `end` is a remote object's; a plain parcel has none. */
-    virtual bool HasObject(size_t /* begin */, size_t /* end */) const { return false; }
-
-private:
-    static constexpr size_t ALIGNMENT = 4;
-
-    static size_t PaddingOf(size_t size) { return -size % ALIGNMENT; }
-
-    bool Grow(size_t size, size_t padding);
+    /** The next `size` bytes: the read cursor moves past them and their padding. Null if there are fewer. */
     const uint8_t* Take(size_t size)
     {
         const size_t readable = GetReadableBytes();
@@ -176,6 +164,16 @@ private:
         readPosition_ += size + std::min(PaddingOf(size), readable - size);
         return begin;
     }
+
+    /** True if any byte from `begin` up to `end` is a remote object's; a plain parcel has none. */
+    virtual bool HasObject(size_t /* begin */, size_t /* end */) const { return false; }
+
+private:
+    static constexpr size_t ALIGNMENT = 4;
+
+    static size_t PaddingOf(size_t size) { return -size % ALIGNMENT; }
+
+    bool Grow(size_t size, size_t padding);
     template <typename T>
     bool Write(T value)
     {
@@ -184,11 +182,24 @@ private:
     template <typename Char>
     bool Write(const std::basic_string<Char>& text);
     template <typename T>
-    bool Read(T& value);
+    bool Read(T& value)
+    {
+        const uint8_t* begin = Take(sizeof(value));
+        if (begin == nullptr || (hasObjects_ && HasObject(readPosition_ - sizeof(value), readPosition_))) {
+            return false;
+        }
+        std::memcpy(&value, begin, sizeof(value));
+        return true;
+    }
     template <typename Char>
     bool Read(std::basic_string<Char>& text);
     template <typename T>
-    T ReadOrEmpty();
+    T ReadOrEmpty()
+    {
+        T value{};
+        Read(value);
+        return value;
+    }
 
     uint8_t* data_ = nullptr; // Null, first_, or allocated.
     size_t dataSize_ = 0;
@@ -199,25 +210,6 @@ private:
     bool hasObjects_ = false;
     alignas(ALIGNMENT) uint8_t first_[256]; // Most requests and replies fit in here.
 };
-
-template <typename T>
-bool Parcel::Read(T& value)
-{
-    const uint8_t* begin = Take(sizeof(value));
-    if (begin == nullptr || (hasObjects_ && HasObject(readPosition_ - sizeof(value), readPosition_))) {
-        return false;
-    }
-    std::memcpy(&value, begin, sizeof(value));
-    return true;
-}
-
-template <typename T>
-T Parcel::ReadOrEmpty()
-{
-    T value{};
-    Read(value);
-    return value;
-}
 
 } // namespace OHOS
 

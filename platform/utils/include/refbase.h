@@ -26,7 +26,6 @@ public:
 
     int GetStrong() const { return strong_.load(std::memory_order_relaxed); }
 
-    /** Adds a weak reference. */
     void IncWeak() { weak_.fetch_add(1, std::memory_order_relaxed); }
 
     /** Takes a weak reference away, and with the last one the counter itself. */
@@ -126,7 +125,6 @@ public:
         return sptr(new (std::nothrow) T(std::forward<Args>(args)...));
     }
 
-    /** The object, still owned by the sptr; null if there is none. */
     T* GetRefPtr() const { return object_; }
 
     operator T*() const { return object_; }
@@ -175,7 +173,6 @@ public:
         }
     }
 
-    /** Assigns whatever a wptr can be made from. */
     wptr& operator=(wptr other) noexcept
     {
         std::swap(object_, other.object_);

@@ -71,15 +71,6 @@ bool Parcel::Grow(size_t size, size_t padding)
     return true;
 }
 
-void Parcel::Truncate(size_t size)
-{
-    dataSize_ = std::min(dataSize_, size);
-    readPosition_ = std::min(readPosition_, dataSize_);
-    if (received_) {
-        SetReceived();
-    }
-}
-
 template <typename Char>
 bool Parcel::Write(const std::basic_string<Char>& text)
 {
@@ -137,10 +128,7 @@ bool Parcel::ReadBool(bool& value)
 
 bool Parcel::WriteParcelable(const Parcelable* object)
 {
-    if (object == nullptr) {
-        return WriteInt32(0);
-    }
-    return WriteInt32(1) && object->Marshalling(*this);
+    return object != nullptr ? WriteInt32(1) && object->Marshalling(*this) : WriteInt32(0);
 }
 
 bool Parcel::WriteStrongParcelable(const sptr<Parcelable>& object)

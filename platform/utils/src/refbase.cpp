@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "refbase.h"
 
+#include <memory>
+
 namespace OHOS {
 
 bool RefCounter::TryIncStrong()
@@ -33,14 +35,13 @@ RefBase::~RefBase()
 RefCounter* RefBase::GetRefCounter() const
 {
     RefCounter* counter = counter_.load(std::memory_order_acquire);
-    if (counter != nullptr) {
-        return counter;
+    if (counter == nullptr) {
+        auto fresh = std::make_unique<RefCounter>();
+        if (counter_.compare_exchange_strong(
+                counter, fresh.get(), std::memory_order_acq_rel, std::memory_order_acquire)) {
+            counter = fresh.release();
+        }
     }
-    auto* fresh = new RefCounter;
-    if (counter_.compare_exchange_strong(counter, fresh, std::memory_order_acq_rel, std::memory_order_acquire)) {
-        return fresh;
-    }
-    delete fresh;
     return counter;
 }
 
@@ -59,10 +60,6 @@ void RefBase::DecStrongRef(const void* objectId)
     }
 }
 
-int RefBase::GetSptrRefCount() const
-{
-    const RefCounter* counter = counter_.load(std::memory_order_acquire);
-    return counter != nullptr ? counter->GetStrong() : 0;
-}
+int RefBase::GetSptrRefCount() const { return GetRefCounter()->GetStrong(); }
 
 } // namespace OHOS

@@ -7,49 +7,13 @@
 namespace OHOS {
 namespace {
 
-constexpr char32_t FIRST_HIGH_SURROGATE = 0xD800;
-constexpr char32_t FIRST_LOW_SURROGATE = 0xDC00;
-constexpr char32_t LAST_SURROGATE = 0xDFFF;
-constexpr char32_t FIRST_SUPPLEMENTARY = 0x10000;
-constexpr unsigned SURROGATE_BITS = 10;
-constexpr char32_t SURROGATE_MASK = 0x3FF;
-constexpr unsigned TAIL_BITS = 6;
-constexpr char32_t TAIL_MASK = 0x3F;
+constexpr char32_t HIGH_SURROGATES = 0xD800; // The first ones, the first low ones, and what follows those.
+constexpr char32_t LOW_SURROGATES = 0xDC00;
+constexpr char32_t SURROGATES_END = 0xE000;
+constexpr char32_t SUPPLEMENTARY = 0x10000; // The first code point that takes two units of UTF-16.
 
-// The forms of a code point in UTF-8, by the number of bytes that follow the lead byte: the least lead byte, the bits
-// of it that belong to the code point, and the least code point that needs the form.
-struct Form {
-    unsigned char lead;
-    unsigned char mask;
-    char32_t least;
-};
-constexpr Form FORMS[] = {{0, 0xFF, 0}, {0xC0, 0x1F, 0x80}, {0xE0, 0x0F, 0x800}, {0xF0, 0x07, FIRST_SUPPLEMENTARY}};
-constexpr size_t MOST_TAILS = 3;
-
-void AppendUtf16(std::u16string& text, char32_t point)
-{
-    if (point < FIRST_SUPPLEMENTARY) {
-        text += static_cast<char16_t>(point);
-        return;
-    }
-    point -= FIRST_SUPPLEMENTARY;
-    text += static_cast<char16_t>(FIRST_HIGH_SURROGATE + (point >> SURROGATE_BITS));
-    text += static_cast<char16_t>(FIRST_LOW_SURROGATE + (point & SURROGATE_MASK));
-}
-
-void AppendUtf8(std::string& text, char32_t point)
-{
-    size_t tails = 0;
-    while (tails < MOST_TAILS && point >= FORMS[tails + 1].least) {
-        tails++;
-    }
-    size_t shift = tails * TAIL_BITS;
-    text += static_cast<char>(FORMS[tails].lead | (point >> shift));
-    while (shift > 0) {
-        shift -= TAIL_BITS;
-        text += static_cast<char>(0x80 | ((point >> shift) & TAIL_MASK));
-    }
-}
+// How a first byte of UTF-8 begins, by the number of bytes that follow it.
+constexpr unsigned char LEADS[] = {0, 0xC0, 0xE0, 0xF0};
 
 } // namespace
 
@@ -59,18 +23,21 @@ std::u16string Str8ToStr16(const std::string& text)
     result.reserve(text.size());
     for (size_t at = 0; at < text.size();) {
         const auto lead = static_cast<unsigned char>(text[at++]);
-        size_t tails = 0;
-        while (tails < MOST_TAILS && lead >= FORMS[tails + 1].lead) {
-            tails++;
-        }
+        const size_t tails = lead < LEADS[1] ? 0 : lead < LEADS[2] ? 1 : lead < LEADS[3] ? 2 : 3;
         if (tails > text.size() - at) {
             return {};
         }
-        char32_t point = lead & FORMS[tails].mask;
+        char32_t point = tails == 0 ? lead : lead & (0x3Fu >> tails);
         for (const size_t end = at + tails; at < end; at++) {
-            point = (point << TAIL_BITS) | (static_cast<unsigned char>(text[at]) & TAIL_MASK);
+            point = (point << 6) | (static_cast<unsigned char>(text[at]) & 0x3Fu);
         }
-        AppendUtf16(result, point);
+        if (point < SUPPLEMENTARY) {
+            result += static_cast<char16_t>(point);
+        } else {
+            point -= SUPPLEMENTARY;
+            result += static_cast<char16_t>(HIGH_SURROGATES + (point >> 10));
+            result += static_cast<char16_t>(LOW_SURROGATES + (point & 0x3FF));
+        }
     }
     // A NUL may also come of two bytes or more.
     result.resize(std::min(result.find(u'\0'), result.size()));
@@ -82,15 +49,19 @@ std::string Str16ToStr8(const std::u16string& text)
     std::string result;
     for (size_t at = 0; at < text.size() && text[at] != u'\0'; at++) {
         char32_t point = text[at];
-        if (point >= FIRST_HIGH_SURROGATE && point <= LAST_SURROGATE) {
-            const char32_t low = at + 1 < text.size() ? text[at + 1] : u'\0';
-            if (point >= FIRST_LOW_SURROGATE || low < FIRST_LOW_SURROGATE || low > LAST_SURROGATE) {
+        if (point >= HIGH_SURROGATES && point < SURROGATES_END) {
+            const char32_t low = text[at + 1]; // At the end a NUL.
+            if (point >= LOW_SURROGATES || low < LOW_SURROGATES || low >= SURROGATES_END) {
                 continue;
             }
             at++;
-            point = FIRST_SUPPLEMENTARY + ((point & SURROGATE_MASK) << SURROGATE_BITS) + (low & SURROGATE_MASK);
+            point = SUPPLEMENTARY + ((point & 0x3FF) << 10) + (low & 0x3FF);
         }
-        AppendUtf8(result, point);
+        size_t tails = point < 0x80 ? 0 : point < 0x800 ? 1 : point < SUPPLEMENTARY ? 2 : 3;
+        result += static_cast<char>(LEADS[tails] | (point >> 6 * tails));
+        while (tails-- > 0) {
+            result += static_cast<char>(0x80 | ((point >> 6 * tails) & 0x3F));
+        }
     }
     return result;
 }

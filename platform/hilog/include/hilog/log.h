@@ -26,9 +26,8 @@ typedef enum {
 
 /**
  * Logs one message, cut at 4095 bytes, under a tag, cut at 31. `fmt` knows two conversions, s and d, each with a
- * privacy:
- * "%{public}s" prints its argument, "%{private}s" and a bare "%s" print "<private>". Where another one is met, the rest
- * of `fmt` is printed as it stands.
+ * privacy: "%{public}s" prints its argument, "%{private}s" and a bare "%s" print "<private>". Where another one is met,
+ * the rest of `fmt` is printed as it stands.
  *
  * A message whose level reaches the environment's HILOG_LEVEL (D, I, W, E, F or OFF, read once; else I) goes to
  * standard error as one line and one write, with "?" for control characters. A line that standard error does not take
