@@ -170,9 +170,7 @@ int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char* ta
     if (fmt == nullptr) {
         return -1;
     }
-    const LogCallback callback = g_callback.load();
-    const bool isPrinted = IsPrinted(level);
-    if (callback == nullptr && !isPrinted) {
+    if (!HiLogIsLoggable(domain, tag, level)) {
         return 0;
     }
     const int savedErrno = errno;
@@ -183,10 +181,10 @@ int HiLogPrint(LogType type, LogLevel level, unsigned int domain, const char* ta
     va_start(arguments, fmt);
     AppendMessage(message, fmt, arguments);
     va_end(arguments);
-    if (callback != nullptr) {
+    if (const LogCallback callback = g_callback.load()) {
         callback(type, level, domain, shortTag.data, message.data);
     }
-    if (isPrinted) {
+    if (IsPrinted(level)) {
         PrintLine(type, level, domain, shortTag.data, message.data);
     }
     errno = savedErrno;

@@ -11,18 +11,13 @@
 
 namespace OHOS {
 
-namespace {
-
-constexpr uint32_t LAST_CODE = 0x00ffffff;
-
-} // namespace
-
 IPCObjectProxy::IPCObjectProxy(std::shared_ptr<Transport::Peer> peer, uint64_t id) : peer_(std::move(peer)), id_(id) {}
 
 IPCObjectProxy::~IPCObjectProxy() { peer_->Forget(id_); }
 
 int IPCObjectProxy::SendRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option)
 {
+    constexpr uint32_t LAST_CODE = 0x00ffffff;
     if (code > LAST_CODE) {
         return IPC_PROXY_INVALID_CODE_ERR;
     }

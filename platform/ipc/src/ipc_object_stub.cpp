@@ -11,10 +11,7 @@ IPCObjectStub::IPCObjectStub(std::u16string descriptor, bool serialInvokeFlag)
 
 int IPCObjectStub::SendRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option)
 {
-    std::unique_lock<std::recursive_mutex> lock;
-    if (serial_ != nullptr) {
-        lock = std::unique_lock<std::recursive_mutex>(*serial_);
-    }
+    const auto lock = serial_ != nullptr ? std::unique_lock(*serial_) : std::unique_lock<std::recursive_mutex>();
     return OnRemoteRequest(code, data, reply, option);
 }
 

@@ -8,20 +8,15 @@
 
 namespace OHOS {
 
-namespace {
-
-constexpr int32_t TOKEN_POLICY = 0x100;
-constexpr int32_t TOKEN_WORK_SOURCE = 0;
-
-} // namespace
-
 // By value, as on a device.
 // cppcheck-suppress passedByValue
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 bool MessageParcel::WriteInterfaceToken(std::u16string token)
 {
+    constexpr int32_t POLICY = 0x100;
+    constexpr int32_t WORK_SOURCE = 0;
     const size_t start = GetDataSize();
-    if (!WriteInt32(TOKEN_POLICY) || !WriteInt32(TOKEN_WORK_SOURCE)) {
+    if (!WriteInt32(POLICY) || !WriteInt32(WORK_SOURCE)) {
         Truncate(start);
         return false;
     }

@@ -60,11 +60,7 @@ private:
     }
 };
 
-namespace {
-
 // From the moment when this library is loaded.
-[[maybe_unused]] const auto* const IS_SET = Transport::ObjectLayer::instance = new RemoteObjects();
-
-} // namespace
+[[maybe_unused]] static const auto* const IS_SET = Transport::ObjectLayer::instance = new RemoteObjects();
 
 } // namespace OHOS

@@ -30,11 +30,10 @@ bool HasBus() { return Bus::GetAddress() == Bus::Address::GIVEN; }
 // Whether there can be services at all. Has the bus joined if need be.
 bool IsUsable()
 {
-    if (!Transport::Process::IsUsable()) {
-        return false;
+    if (HasBus() && Transport::Process::IsUsable()) {
+        Bus::Get().Start();
     }
-    Bus::Get().Start();
-    return Bus::GetAddress() != Bus::Address::MALFORMED;
+    return Transport::Process::IsUsable() && Bus::GetAddress() != Bus::Address::MALFORMED;
 }
 
 sptr<IRemoteObject> AsRemote(const sptr<RefBase>& object) { return dynamic_cast<IRemoteObject*>(object.GetRefPtr()); }
