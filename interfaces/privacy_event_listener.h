@@ -20,7 +20,7 @@ public:
      * Called on a platform thread, with the client's lock for privacy event listeners held: it must not register or
      * unregister any listener, nor wait for a thread that does. (A switch listener may register event listeners. If the
      * opposite were allowed too, two callbacks could each wait for the other one's lock.) All other privacy event
-     * listeners wait until it returns, and so does the service (on Linux: for 8 s at most).
+     * listeners wait until it returns, and so does the service.
      */
     virtual void OnPrivacyEventChanged(
         const std::string& dataType, const std::vector<PrivacyEventRemindInfo>& privacyEventRemindInfos) = 0;

@@ -22,8 +22,7 @@ public:
     ~PrivacyEventListenerProxy() override = default;
 
     /**
-     * Sends the events and blocks until the listener has returned, however long that takes (on Linux: 8 s at most).
-     * Failures are only logged.
+     * Sends the events and blocks until the listener has returned, however long that takes. Failures are only logged.
      * The receiving stub refuses an empty list, and one of more than 102400 records.
      */
     void OnPrivacyEventChanged(const std::string& dataType,

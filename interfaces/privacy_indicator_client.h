@@ -42,8 +42,8 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
  * service: they are carried unchanged.
  *
  * Blocking. An operation that reaches the service blocks its thread while the platform looks the service up, one thread
- * at a time, and then until the service has replied, however long that takes (on Linux: 8 s at most). An operation on
- * listeners also waits until no listener of that kind is being called.
+ * at a time, and then until the service has replied, however long that takes. An operation on listeners also waits
+ * until no listener of that kind is being called.
  *
  * Listeners. A listener is called as long as it is registered, also across restarts of the service. Listeners are
  * identified by their address and held while they are registered. When the service goes away, every switch listener is
@@ -90,7 +90,7 @@ public:
     /**
      * The gate to the service, in which alone the library's two variants differ. The emulator's never calls `func`. The
      * device's calls it once, on this thread and without holding the proxy's lock, with the service's proxy, or with
-     * null if there is no service. `func` must not be empty.
+     * null if there is no service, so that an app can learn that there is none. `func` must not be empty.
      */
     void WithSystemAbilityProxy(const std::function<void(const sptr<PrivacyIndicatorServiceIntf>&)>& func) noexcept;
 
@@ -118,7 +118,7 @@ public:
     int32_t TurnOnIndicator(const PrivacySensorType& privacySensorType, const Indicator::IndicatorPosition& position,
         const Indicator::IndicatorSize& size, int32_t animationType) noexcept;
 
-    /** Turns a sensor's indicator off. Contract: `userId` reaches the service as the type of animation. */
+    /** Turns a sensor's indicator off. Contract: `userId` is no user: the service gets it as the type of animation. */
     int32_t TurnOffIndicator(const PrivacySensorType& privacySensorType, int32_t userId) noexcept;
 
     /** Appends how long the applications of the query used the permission groups of the query to `durations`. */

@@ -16,8 +16,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
  * The caller's side of the service. iface_cast<PrivacyIndicatorServiceIntf> makes one from the service's remote object,
  * which the proxy holds as long as it lives.
  *
- * Every operation blocks until the service has replied, however long that takes (on Linux: 8 s at most). A failure is
- * logged once and returned.
+ * Every operation blocks until the service has replied, however long that takes. A failure is logged once and returned.
  * A query that fails at one of the reply's records leaves the records before it in the vector. Nothing is kept between
  * calls and no lock is held, so that any number of threads may call at once.
  */

@@ -15,6 +15,7 @@ public:
     // Inline, so that they are ready for the static initialisers of every file that includes this header.
     static inline const std::string DEFAULT_SUB_SYSTEM_TAG = "KRV";
     static inline const std::string DEFAULT_COMPONENT_TAG = "QNL";
+    static inline const std::string DEFAULT_MODULE_TAG = "default";
 
     /** Makes a tag of the component's log type and domain. */
     static Tag Create(const std::string& module, const std::string& component, const std::string& subSystem);
