@@ -8,6 +8,7 @@ cmake=$1 cxx=$2 source=$3 build=$4
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+trap 'exit 1' HUP INT TERM # By default, sh ends without its exit trap.
 
 "$cmake" --install "$build" --prefix "$work/installed"
 platform=$work/installed/lib/qnl_privacy_indicator/platform

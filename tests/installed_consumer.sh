@@ -8,6 +8,7 @@ cmake=$1 cxx=$2 source=$3 build=$4
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+trap 'exit 1' HUP INT TERM # By default, sh ends without its exit trap.
 fail()
 {
     echo "$1" >&2
@@ -58,9 +59,12 @@ mkfifo "$work/said"
 # shellcheck disable=SC2016
 "$platform/bin/ohos_bus" sh -euc '
     "$1/moved/bin/indicator_service" </dev/null >"$1/said" &
+    trap "kill $!" EXIT
+    trap "exit 1" HUP INT TERM
     read -r ready <"$1/said"
     "$1/moved/bin/indicator_ctl" on camera
     "$1/build/consumer" >"$1/output"
+    trap - EXIT
     kill $!
     wait $!
 ' sh "$work" || fail "it has no answer from a service"

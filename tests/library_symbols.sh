@@ -9,6 +9,7 @@ build_type=$2
 here=$(dirname "$0")
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+trap 'exit 1' HUP INT TERM # By default, sh ends without its exit trap.
 failed=0
 complain()
 {

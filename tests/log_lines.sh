@@ -6,6 +6,7 @@ set -eu
 cd "$1"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+trap 'exit 1' HUP INT TERM # By default, sh ends without its exit trap.
 
 # The messages are the string literals of these calls, but for the names of functions, which have no blank, dot or "!".
 # A placeholder is an ellipsis on the page.

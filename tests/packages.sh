@@ -43,9 +43,12 @@ dpkg --root="$root" --log=/dev/null --install ./*.deb >"$root/log" 2>&1 || {
 chroot "$root" env -i PATH=/usr/bin:/bin HILOG_LEVEL=E ohos_bus sh -euc '
     mkfifo /tmp/said
     indicator_service </dev/null >/tmp/said &
+    trap "kill $!" EXIT
+    trap "exit 1" HUP INT TERM
     read -r ready </tmp/said
     indicator_ctl on camera
     indicator_ctl active
+    trap - EXIT
     kill $!
     wait $!' >"$root/output"
 diff - "$root/output" <<'END'
