@@ -5,15 +5,19 @@
 
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <memory>
+#include <utility>
+#include <vector>
 
 #include "descriptor.h"
 #include "input.h"
+#include "ipc_object_stub.h"
+#include "object_table.h"
 #include "parcel_message.h"
 #include "peer.h"
-#include "transport/fake_table.h"
 #include "transport_error.h"
 
 using namespace OHOS;
@@ -102,11 +106,45 @@ bool IsSound(const Bytes& packet)
     }
 }
 
+// Filled by hand. An object received from the peer is a new one, which the table keeps.
+struct FakeTable : ObjectTable {
+    bool Pin(const sptr<RefBase>& object, uint64_t& id) override
+    {
+        const auto isIt = [&object](const auto& entry) { return entry.second == object; };
+        const auto found = std::find_if(objects.begin(), objects.end(), isIt);
+        const bool isThere = found != objects.end();
+        id = isThere ? found->first : 0;
+        pins += isThere ? 1 : 0;
+        return isThere;
+    }
+
+    void Unpin(uint64_t /* id */, uint32_t count) override { pins -= count; }
+
+    sptr<RefBase> Find(uint64_t id) override
+    {
+        const auto isIt = [id](const auto& entry) { return entry.first == id; };
+        const auto found = std::find_if(objects.begin(), objects.end(), isIt);
+        return found != objects.end() ? found->second : nullptr;
+    }
+
+    sptr<RefBase> Receive(uint64_t id) override
+    {
+        received.emplace_back(id, sptr<RefBase>(new IPCObjectStub()));
+        return received.back().second;
+    }
+
+    using Objects = std::vector<std::pair<uint64_t, sptr<RefBase>>>;
+
+    Objects objects; // Of this process.
+    Objects received;
+    size_t pins = 0;
+};
+
 // What becomes of a message on its way back, and the error for it.
 enum Fate : uint8_t { SENT, CLOSED, FULL, TOO_LITTLE_BUFFER, TOO_MANY_OBJECTS, TOO_MUCH_DATA, GONE, FOREIGN, FATES };
 constexpr int ERRORS[] = {0, DEAD, BUFFER_FULL, TOO_LARGE, TOO_LARGE, TOO_LARGE, DEAD, FOREIGN_OBJECT};
 
-void SendBack(const Message& received, MessageParcel& parcel, Test::FakeTable& table, Fate fate, const Bytes& expected)
+void SendBack(const Message& received, MessageParcel& parcel, FakeTable& table, Fate fate, const Bytes& expected)
 {
     int fds[2];
     Require(socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, fds) == 0, "there are sockets");
@@ -127,7 +165,7 @@ void SendBack(const Message& received, MessageParcel& parcel, Test::FakeTable& t
             large.WriteBuffer(filler.data(), filler.size());
         }
     } else if (fate == GONE) {
-        table.objects.clear(); // So that nothing can be pinned.
+        table.objects.clear(); // So that nothing can be pinned but what was received.
     }
     if (fate == FOREIGN) {
         const auto connect = [](int& error) { return error = DEAD, Descriptor(); };
@@ -143,11 +181,15 @@ void SendBack(const Message& received, MessageParcel& parcel, Test::FakeTable& t
     for (auto& [id, object] : table.received) { // What came from the peer is this process's own here.
         table.objects.emplace_back(id, object);
     }
-    ParcelMessage message(table, large.GetDataSize() > 0 ? large : parcel);
-    const Header sizes = message.message.header;
-    message.message.header = received.header;
-    message.message.header.dataSize = sizes.dataSize;
-    const int error = message.error != 0 ? message.error : message.message.Send(ours.Get());
+    int error = 0;
+    {
+        ParcelMessage message(table, large.GetDataSize() > 0 ? large : parcel);
+        const Header sizes = message.message.header;
+        message.message.header = received.header;
+        message.message.header.dataSize = sizes.dataSize;
+        error = message.error != 0 ? message.error : message.message.Send(ours.Get());
+    }
+    Require(table.pins == (error == 0 ? received.handles.size() : 0), "what is not sent is taken back");
     Require(error == 0 || error == ERRORS[fate], "a failure's code is the documented one");
     Require(error != 0 || (fate != CLOSED && fate != FULL && fate != TOO_MANY_OBJECTS && fate != TOO_MUCH_DATA &&
                               fate != FOREIGN),
@@ -175,7 +217,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (!isTaken || message.header.kind > 2) {
         return 0;
     }
-    Test::FakeTable table;
+    FakeTable table;
     for (const uint64_t id : OWN) {
         table.objects.emplace_back(id, sptr<RefBase>(new IPCObjectStub()));
     }

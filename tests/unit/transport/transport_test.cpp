@@ -11,9 +11,9 @@
 
 #include "call_connections.h"
 #include "connection.h"
-#include "fake_table.h"
+#include "ipc_object_stub.h"
+#include "message_option.h"
 #include "one_way_connection.h"
-#include "parcel_message.h"
 #include "pins.h"
 #include "transport_error.h"
 
@@ -173,30 +173,6 @@ TEST(OneWayConnectionTest, WhatFindsNoRoomIsRefusedAndReleasesGoWithTheNextCall)
     connection.Close();
     EXPECT_EQ(connection.Send(call), 32);
     EXPECT_EQ(pairs.size(), 2U);
-}
-
-// What is sent, and what is read of it, the fuzz target of messages says.
-TEST(ParcelMessageTest, WhatIsNotSentIsTakenBack)
-{
-    const sptr<IPCObjectStub> own = new IPCObjectStub();
-    FakeTable table;
-    table.objects = {{1, own}};
-    MessageParcel parcel;
-    parcel.WriteRemoteObject(own);
-    {
-        const ParcelMessage message(table, parcel);
-        EXPECT_EQ(table.pins[1], 1);
-    }
-    EXPECT_EQ(table.pins[1], 0);
-    parcel.WriteRemoteObject(new IPCObjectStub()); // Which the table cannot pin, as if the peer were gone.
-    EXPECT_EQ(ParcelMessage(table, parcel).error, 32);
-    EXPECT_EQ(table.pins[1], 0);
-    parcel.SetMaxCapacity(size_t{4} << 20);
-    for (size_t i = 0; i <= MAX_HANDLES; ++i) {
-        parcel.WriteRemoteObject(own);
-    }
-    EXPECT_EQ(ParcelMessage(table, parcel).error, 90);
-    EXPECT_EQ(table.pins[1], 0);
 }
 
 TEST(MessageOptionTest, SettersPutInOrderWhatTheConstructorKeeps)
