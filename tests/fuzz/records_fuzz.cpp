@@ -26,9 +26,9 @@ constexpr size_t MAX_CUT = 256; // Longer ones are cut by the input alone, since
 template <typename T>
 void WriteIntoLittle(const T& record, const Bytes& whole, size_t room)
 {
-    RawParcel parcel;
-    parcel.FillUp(room);
-    const size_t filled = parcel.GetDataSize();
+    MessageParcel parcel;
+    const size_t filled = parcel.GetMaxCapacity() - room;
+    parcel.WriteBuffer(Bytes(filled, 'x').data(), filled);
     Require(record.Marshalling(parcel) == (whole.size() <= room), "a record is written where it fits");
     const Bytes written = BytesOf(parcel).substr(filled);
     Require(whole.compare(0, written.size(), written) == 0, "a write that fails stops between two fields");

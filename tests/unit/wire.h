@@ -73,13 +73,6 @@ public:
         Truncate(bytes.size());
     }
 
-    /** Leaves room for `room` bytes, a multiple of 4. */
-    void FillUp(size_t room)
-    {
-        const Bytes filler(GetMaxCapacity() - GetDataSize() - room, 'x');
-        WriteBuffer(filler.data(), filler.size());
-    }
-
     using Parcel::Extend;
 };
 
