@@ -30,9 +30,8 @@ public:
 
     bool RemoveDeathRecipient(const sptr<DeathRecipient>& removed) override
     {
-        const bool isKnown = takesRecipients && removed == recipient;
-        recipient = isKnown ? nullptr : recipient;
-        return isKnown;
+        recipient = removed == recipient ? nullptr : recipient;
+        return takesRecipients;
     }
 
     int SendRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option) override

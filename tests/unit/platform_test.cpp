@@ -17,22 +17,7 @@ namespace {
 
 using namespace std::string_literals;
 
-// Each kind of item once, as literals: what the other tests put together of items is no better than these. What is read
-// of any bytes, and what does not fit, the fuzz target of the parcel says.
-TEST(ParcelTest, ItemsHaveTheirBytes)
-{
-    const sptr<IRemoteObject> object = new IPCObjectStub();
-    MessageParcel parcel;
-    EXPECT_TRUE(parcel.WriteBool(true) && parcel.WriteInt32(-2) && parcel.WriteInt64(0x0123456789ABCDEF));
-    EXPECT_TRUE(parcel.WriteFloat(-1.5F) && parcel.WriteDouble(0.1) && parcel.WriteString("a\0cd"s));
-    EXPECT_TRUE(parcel.WriteString16(u"a\u20AC") && parcel.WriteBuffer("abcde", 5));
-    EXPECT_TRUE(parcel.WriteStrongParcelable(nullptr) && parcel.WriteRemoteObject(object));
-    EXPECT_EQ(BytesOf(parcel), "\1\0\0\0\xFE\xFF\xFF\xFF\xEF\xCD\xAB\x89\x67\x45\x23\x01"
-                               "\0\0\xC0\xBF\x9A\x99\x99\x99\x99\x99\xB9\x3F\4\0\0\0a\0cd\0\0\0\0"
-                               "\2\0\0\0a\0\xAC\x20\0\0\0\0abcde\0\0\0\0\0\0\0"s +
-                                   Bytes(24, '\0'));
-}
-
+// What is written, what is read of any bytes, and what does not fit, the fuzz target of the parcel says.
 TEST(ParcelTest, WhatIsNoSizeIsNotTaken)
 {
     RawParcel parcel;
@@ -154,13 +139,11 @@ TEST(HilogTest, PlaceholdersPrintPublicArgumentsOnly)
 
 TEST(HilogDeathTest, LinesFromTheLevelOfTheEnvironmentUpwardsArePrinted)
 {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto logAtEveryLevel = [] {
         for (int level = LOG_DEBUG; level <= LOG_FATAL; ++level) {
             const char letter[] = {"DIWEF"[level - LOG_DEBUG], '\0'};
             HiLogPrint(LOG_INIT, static_cast<LogLevel>(level), 0xD012AB5, "LABEL", "%{public}s", letter);
         }
-        _exit(0);
     };
     for (const auto& [name, printed] : {std::make_pair("D", "DIWEF"s), {"W", "WEF"}, {"F", "F"}, {"OFF", ""},
              {"", "IWEF"}, {"d", "IWEF"}, {"DEBUG", "IWEF"}}) {
@@ -170,13 +153,12 @@ TEST(HilogDeathTest, LinesFromTheLevelOfTheEnvironmentUpwardsArePrinted)
             lines += "[01][0-9]-[0-3][0-9] [0-2][0-9]:[0-5][0-9]:[0-9]{2}\\.[0-9]{3}  [0-9]+  [0-9]+ ";
             lines += letter + " I12ab5/LABEL: "s + letter + "\n";
         }
-        EXPECT_EXIT(logAtEveryLevel(), testing::ExitedWithCode(0), lines + "$");
+        InNewProcess(logAtEveryLevel, lines + "$");
     }
     const auto logMuch = [text = std::string(5000, 'x')] {
         HiLogPrint(LOG_CORE, LOG_FATAL, 0, text.c_str(), "\n\x1B%{public}s", text.c_str());
-        _exit(0);
     };
-    EXPECT_EXIT(logMuch(), testing::ExitedWithCode(0), "^[^\n]* F C00000/x{31}: \\?\\?x{4093}\n$");
+    InNewProcess(logMuch, "^[^\n]* F C00000/x{31}: \\?\\?x{4093}\n$");
 }
 
 TEST(HilogDeathTest, LinesThatNobodyReadsAreLostAndCounted)

@@ -3,7 +3,6 @@
 #define SUPPORT_H
 
 #include <cstdio>
-#include <mutex>
 #include <sstream>
 #include <string>
 #include <unistd.h>
@@ -35,8 +34,8 @@ inline Lines operator+(Lines lines, const Lines& more)
 }
 
 /**
- * What happens, in its order: the calls that the fakes and listeners add, and, while one of these lives, what the
- * library logs: level, type, domain, tag and text of each line. One at a time.
+ * What happens on this thread, in its order: the calls that the fakes and listeners add, and, while one of these lives,
+ * what the library logs: level, type, domain, tag and text of each line. One at a time.
  */
 class Journal {
 public:
@@ -54,27 +53,21 @@ public:
 
     ~Journal() { LOG_SetCallback(nullptr); }
 
-    static void Add(const std::string& line)
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        lines.push_back(line);
-    }
+    static void Add(const std::string& line) { lines.push_back(line); }
 
     /** The lines since the last time. */
-    static Lines Take()
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        return std::exchange(lines, {});
-    }
+    static Lines Take() { return std::exchange(lines, {}); }
 
 private:
-    static inline std::mutex mutex;
-    static inline Lines lines;
+    static inline thread_local Lines lines;
 };
 
-/** Runs the test up to here, and then `body`, in a new process: the client and what it keeps exist once in each. */
+/**
+ * Runs the test up to here, and then `body`, in a new process: the client and what it keeps exist once in each. Its
+ * standard error must match `errors`.
+ */
 template <typename Body>
-void InNewProcess(Body body)
+void InNewProcess(Body body, const std::string& errors = "")
 {
     const auto run = [&body] {
         body();
@@ -82,7 +75,7 @@ void InNewProcess(Body body)
         _exit(testing::Test::HasFailure() ? 1 : 0); // Nothing of the test's is to be ended here.
     };
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(run(), testing::ExitedWithCode(0), errors);
 }
 
 } // namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Test

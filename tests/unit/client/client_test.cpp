@@ -289,30 +289,31 @@ TEST_F(ClientTest, TheServicesEndTurnsEverySensorOff)
 TEST_F(ClientTest, ARegistryIsLockedWhileItIsUsed)
 {
     using Step = std::function<int32_t()>;
-    std::future<int32_t> other;
-    const auto expectAllWaiting = [&](const Step& add, const Step& remove, const std::vector<Step>& others) {
-        const std::function<void()> wait = [&] {
+    const Step nothing = [] { return 0; };
+    const Step addSwitch = [this] { return client.RegisterPrivacyIndicatorSwitchListener(first); };
+    const Step removeSwitch = [this] { return client.UnregisterPrivacyIndicatorSwitchListener(first); };
+    const Step addEvent = [this] { return client.RegisterPrivacyEventListener("A", second); };
+    const Step removeEvent = [this] { return client.UnregisterPrivacyEventListener(second); };
+    // What comes before, what uses the registry, and what another thread must wait with meanwhile.
+    const std::tuple<Step, Step, Step> cases[] = {{nothing, addSwitch, removeSwitch},
+        {addSwitch, [this] { return client.ReRegisterPrivacyIndicatorSwitchListener(), 0; }, removeSwitch},
+        {addSwitch, [this] { return client.DispatchOnIndicatorSwitchChanged(data), 0; }, removeSwitch},
+        {nothing, addEvent, removeEvent},
+        {addEvent, [this] { return client.ReRegisterPrivacyEventListener(), 0; }, removeEvent},
+        {addEvent, [this] { return client.DispatchOnPrivacyEventChanged("A", {info}), 0; }, removeEvent}};
+    for (const auto& [before, use, remove] : cases) {
+        std::future<int32_t> other;
+        const std::function<void()> wait = [&, &step = remove] {
             g_atGate = [] {};
-            other = std::async(std::launch::async, remove);
+            other = std::async(std::launch::async, step);
             EXPECT_EQ(other.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
         };
         first->hear = second->hear = [&wait](const std::string& /* text */) { wait(); };
-        for (size_t i = 0; i < others.size(); ++i) {
-            g_atGate = [] {};
-            EXPECT_EQ(i == 0 ? 0 : add(), 0); // The first of them adds it itself.
-            g_atGate = wait;
-            EXPECT_EQ(others[i](), 0);
-            EXPECT_EQ(other.get(), 0);
-        }
-    };
-    const Step addSwitch = [this] { return client.RegisterPrivacyIndicatorSwitchListener(first); };
-    const Step addEvent = [this] { return client.RegisterPrivacyEventListener("A", second); };
-    expectAllWaiting(addSwitch, [this] { return client.UnregisterPrivacyIndicatorSwitchListener(first); },
-        {addSwitch, [this] { return client.ReRegisterPrivacyIndicatorSwitchListener(), 0; },
-            [this] { return client.DispatchOnIndicatorSwitchChanged(data), 0; }});
-    expectAllWaiting(addEvent, [this] { return client.UnregisterPrivacyEventListener(second); },
-        {addEvent, [this] { return client.ReRegisterPrivacyEventListener(), 0; },
-            [this] { return client.DispatchOnPrivacyEventChanged("A", {info}), 0; }});
+        EXPECT_EQ(before(), 0);
+        g_atGate = wait;
+        EXPECT_EQ(use(), 0);
+        EXPECT_EQ(other.get(), 0);
+    }
 }
 
 TEST_F(ClientTest, TheReportersPowerEventIsReportedAgainBeforeTheStubs)
