@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -31,27 +31,18 @@ protected:
         ExpectSaid(said);
     }
 
-    /** The service's next line is this, about the file. */
+    /** The service's next complaint is this, about the file. */
     void ExpectSaid(const std::string& said)
     {
-        std::string line;
-        do { // A client may register more than once.
-            line = service_->ReadLine();
-        } while (line.find(" listener of process ") != std::string::npos);
-        EXPECT_EQ(line, "indicator_service: " + camera_ + said);
+        EXPECT_EQ(AwaitLine(*service_, "indicator_service: "), "indicator_service: " + camera_ + said);
     }
 
     static int Open(const std::string& path) { return open(path.c_str(), O_RDONLY | O_CLOEXEC); }
 
-    /** The next use that the monitor prints. */
-    std::string NextUse()
+    /** The next use that the monitor prints is this. */
+    void ExpectUse(const std::string& use)
     {
-        const std::string mark = "  use        ";
-        std::string line;
-        do {
-            line = monitor_->ReadLine();
-        } while (line.find(mark) == std::string::npos && !HasFailure());
-        return line.substr(std::min(line.size(), line.find(mark) + mark.size()));
+        EXPECT_THAT(AwaitLine(*monitor_, "  use  "), testing::EndsWith("  use        " + use));
     }
 
     const std::string camera_ = folder_ + "/camera";
@@ -66,9 +57,9 @@ TEST_F(FileWatchTest, AnAbsentFileIsWaitedForAndAnUnseenUseIsOfAnUnknownProcess)
     const int file = Open(camera_);
     void* const mapping = mmap(nullptr, 1, PROT_READ, MAP_SHARED, file, 0);
     close(file);
-    EXPECT_EQ(NextUse(), "camera by unknown process on");
+    ExpectUse("camera by unknown process on");
     munmap(mapping, 1);
-    EXPECT_EQ(NextUse(), "camera by unknown process off");
+    ExpectUse("camera by unknown process off");
 }
 
 TEST_F(FileWatchTest, AFileIsFollowedThroughRemovalAndReplacementAndIsUsedOnceByAProcess)
@@ -76,20 +67,20 @@ TEST_F(FileWatchTest, AFileIsFollowedThroughRemovalAndReplacementAndIsUsedOnceBy
     Create();
     const int first = Open(camera_);
     const int second = Open(camera_);
-    EXPECT_EQ(NextUse(), "camera by tools_tests on");
+    ExpectUse("camera by tools_tests on");
     close(first);
     const int other = Open(location_); // Which is told; the end of the first one is not.
-    EXPECT_EQ(NextUse(), "location by tools_tests on");
+    ExpectUse("location by tools_tests on");
     close(other);
-    EXPECT_EQ(NextUse(), "location by tools_tests off");
+    ExpectUse("location by tools_tests off");
     std::filesystem::remove(camera_);
     ExpectSaid(" is gone: No such file or directory");
     Create(" is back");
     close(second); // It had the removed one open until now.
-    EXPECT_EQ(NextUse(), "camera by tools_tests off");
+    ExpectUse("camera by tools_tests off");
     Create(" was replaced");
     const int replaced = Open(camera_);
-    EXPECT_EQ(NextUse(), "camera by tools_tests on");
+    ExpectUse("camera by tools_tests on");
     close(replaced);
 }
 
@@ -97,12 +88,12 @@ TEST_F(FileWatchTest, AProgramThatBecomesAnotherOneIsNamedAnew)
 {
     Create();
     Helper user({"bash", "-c", "exec 9<" + camera_ + "; read line; exec tail -f /dev/null"}, "");
-    EXPECT_EQ(NextUse(), "camera by bash on");
+    ExpectUse("camera by bash on");
     user.EndInput();
-    EXPECT_EQ(NextUse(), "camera by tail on");
-    EXPECT_EQ(NextUse(), "camera by bash off");
+    ExpectUse("camera by tail on");
+    ExpectUse("camera by bash off");
     user.Kill();
-    EXPECT_EQ(NextUse(), "camera by tail off");
+    ExpectUse("camera by tail off");
 }
 
 TEST_F(FileWatchTest, AFolderMustBeThere)
