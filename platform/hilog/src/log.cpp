@@ -45,7 +45,7 @@ struct Text {
         size += std::min(static_cast<size_t>(std::max(count, 0)), CAPACITY - 1 - size);
     }
 
-    char data[CAPACITY] = {}; // There is always a NUL at `size`.
+    char data[CAPACITY]; // With a NUL at `size` once something has been appended.
     size_t size = 0;
 };
 
@@ -138,9 +138,9 @@ void PrintLine(LogType type, LogLevel level, unsigned int domain, const char* ta
         line.Append("[%u lines lost]\n", lost);
     }
     const size_t start = line.size;
-    line.Append("%02d-%02d %02d:%02d:%02d.%03ld  %d  %d %s %c%05x/%s: %s", local.tm_mon + 1, local.tm_mday,
+    line.Append("%02d-%02d %02d:%02d:%02d.%03ld  %d  %d %c %c%05x/%s: %s", local.tm_mon + 1, local.tm_mday,
         local.tm_hour, local.tm_min, local.tm_sec, now.tv_nsec / NANOSECONDS_PER_MILLISECOND, getpid(), gettid(),
-        LEVELS[level - LOG_DEBUG].data(), typeLetter, domain & DOMAIN_MASK, tag, message);
+        LEVELS[level - LOG_DEBUG][0], typeLetter, domain & DOMAIN_MASK, tag, message);
     // Control characters could forge lines or command a terminal.
     std::replace_if(
         line.data + start, line.data + line.size, [](unsigned char letter) { return std::iscntrl(letter) != 0; }, '?');
