@@ -27,7 +27,6 @@ public:
 
     bool IsProxyObject() const override { return false; }
 
-    /** Writes nothing. */
     int Dump(int /* fd */, const std::vector<std::u16string>& /* args */) override { return ERR_NONE; }
 
     /**

@@ -2,8 +2,8 @@
 #ifndef MESSAGE_PARCEL_H
 #define MESSAGE_PARCEL_H
 
+#include <map>
 #include <string>
-#include <vector>
 
 #include "iremote_object.h"
 #include "parcel.h"
@@ -37,12 +37,7 @@ protected:
 private:
     friend class ParcelMessage;
 
-    struct Entry {
-        size_t position;
-        sptr<IRemoteObject> object;
-    };
-
-    std::vector<Entry> objects_; // By rising position.
+    std::map<size_t, sptr<IRemoteObject>> objects_; // By position.
 };
 
 } // namespace OHOS

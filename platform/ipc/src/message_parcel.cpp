@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "message_parcel.h"
 
-#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 #include "message.h"
 
@@ -41,27 +41,21 @@ bool MessageParcel::WriteRemoteObject(const sptr<IRemoteObject>& object)
         return false;
     }
     std::memset(bytes, 0, Transport::OBJECT_SIZE);
-    objects_.push_back({position, object});
+    objects_.emplace(position, object);
     SetHasObjects();
     return true;
 }
 
 sptr<IRemoteObject> MessageParcel::ReadRemoteObject()
 {
-    const size_t position = GetReadPosition();
-    const auto found = std::lower_bound(objects_.begin(), objects_.end(), position,
-        [](const Entry& entry, size_t wanted) { return entry.position < wanted; });
-    if (found == objects_.end() || found->position != position) {
-        return nullptr;
-    }
-    return Take(Transport::OBJECT_SIZE) != nullptr ? found->object : nullptr;
+    const auto found = objects_.find(GetReadPosition());
+    return found != objects_.end() && Take(Transport::OBJECT_SIZE) != nullptr ? found->second : nullptr;
 }
 
 bool MessageParcel::HasObject(size_t begin, size_t end) const
 {
-    const auto next = std::partition_point(objects_.begin(), objects_.end(),
-        [begin](const Entry& entry) { return entry.position + Transport::OBJECT_SIZE <= begin; });
-    return next != objects_.end() && next->position < end;
+    const auto next = objects_.lower_bound(end);
+    return next != objects_.begin() && std::prev(next)->first + Transport::OBJECT_SIZE > begin;
 }
 
 } // namespace OHOS

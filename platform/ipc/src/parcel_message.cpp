@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "parcel_message.h"
 
-#include <iterator>
-
 #include "ipc_object_proxy.h"
 #include "peer.h"
 #include "transport_error.h"
@@ -51,9 +49,9 @@ ParcelMessage::~ParcelMessage()
 Transport::ObjectLayer::Objects ParcelMessage::HomeBound() const
 {
     Transport::ObjectLayer::Objects objects;
-    for (size_t i = 0; i < message.handles.size(); ++i) {
-        if (message.handles[i].owner == Handle::RECEIVER) {
-            objects.emplace_back(parcel_.objects_[i].object);
+    for (const Handle& handle : message.handles) {
+        if (handle.owner == Handle::RECEIVER) {
+            objects.emplace_back(parcel_.objects_.at(handle.position));
         }
     }
     return objects;
@@ -62,11 +60,11 @@ Transport::ObjectLayer::Objects ParcelMessage::HomeBound() const
 int ParcelMessage::Read(const Transport::Message& message, Transport::ObjectTable& table, MessageParcel& parcel)
 {
     const size_t start = parcel.GetDataSize();
-    std::vector<MessageParcel::Entry> objects;
+    decltype(parcel.objects_) objects;
     bool areKnown = true;
     for (const Handle& handle : message.handles) { // All of them: what is brought is released even if others fail.
         const sptr<RefBase> object = handle.owner == Handle::SENDER ? table.Receive(handle.id) : table.Find(handle.id);
-        objects.push_back({start + handle.position, dynamic_cast<IRemoteObject*>(object.GetRefPtr())});
+        objects.emplace(start + handle.position, dynamic_cast<IRemoteObject*>(object.GetRefPtr()));
         areKnown = areKnown && object != nullptr;
     }
     if (!areKnown) {
@@ -79,7 +77,7 @@ int ParcelMessage::Read(const Transport::Message& message, Transport::ObjectTabl
         }
     }
     if (!objects.empty()) {
-        std::move(objects.begin(), objects.end(), std::back_inserter(parcel.objects_));
+        parcel.objects_.merge(objects);
         parcel.SetHasObjects();
     }
     parcel.SetReceived();
