@@ -168,7 +168,7 @@ tabulate()
         }' "$work/figures"
 }
 
-# Prints which aims are met.
+# Prints which aims are met, and why others are not.
 judge()
 {
     echo "| aim | at most | measured | |"
@@ -178,7 +178,9 @@ judge()
         NR == FNR { value[$1, $2, $3] = $4; next }
         { measured = value[$1, $2, $3]
           printf "| %s | %s | %s | %s |\n", $5, $4 + 0, measured == "" ? "-" : sprintf("%.4g", measured),
-              measured == "" ? "not measured" : measured <= $4 ? "met" : "**not met**" }' "$work/figures" "$folder/aims.txt"
+              measured == "" ? "not measured" : measured <= $4 ? "met" : "**not met**"
+          if (measured > $4 && $6 != "") reasons = reasons "- " $5 ": " $6 ".\n" }
+        END { if (reasons != "") printf "\nWhy not:\n\n%s", reasons }' "$work/figures" "$folder/aims.txt"
 }
 
 # Prints a bar for each contender's small call.
@@ -219,6 +221,8 @@ END
         printf '\n## %s\n\n%s\n\n' "${table^}" "$text"
         tabulate "$table"
     done < <(grep -v '^#' "$folder/tables.txt")
+    printf '\n'
+    cat "$folder/notes.md"
 }
 
 report()

@@ -2,6 +2,7 @@
 #ifndef BY_HAND_H
 #define BY_HAND_H
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -40,6 +41,7 @@ template <typename T>
 int32_t ReadRecordsByHand(MessageParcel& reply, std::vector<T>& records)
 {
     const int32_t count = reply.ReadInt32();
+    records.reserve(records.size() + static_cast<size_t>(std::clamp(count, 0, 1024))); // A sender may lie.
     for (int32_t i = 0; i < count; ++i) {
         const std::unique_ptr<T> record(reply.ReadParcelable<T>());
         if (record == nullptr) {

@@ -33,7 +33,8 @@ using namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Bench;
 
 namespace {
 
-constexpr int LISTENERS = 1000;
+constexpr size_t LISTENERS = 1000;
+constexpr size_t MANY_LISTENERS = 10000;
 
 enum Side { CLIENT, SERVICE };
 
@@ -131,7 +132,7 @@ void StartService(Counts& counts)
 
 sptr<PrivacyIndicatorServiceIntf> FindService()
 {
-    const auto service = iface_cast<PrivacyIndicatorServiceIntf>(Manager()->GetSystemAbility(PRIVACY_INDICATOR_SA_ID));
+    auto service = iface_cast<PrivacyIndicatorServiceIntf>(Manager()->GetSystemAbility(PRIVACY_INDICATOR_SA_ID));
     if (service == nullptr) {
         Fail("the service is not found");
     }
@@ -219,34 +220,35 @@ struct SilentListener : Indicator::IndicatorSwitchListener {
     void OnSwitchChanged(const Indicator::IndicatorData& /* data */) override {}
 };
 
+/** The bytes that this process has allocated. */
+double Allocated() { return static_cast<double>(mallinfo2().uordblks); }
+
 void CountMemory()
 {
     const auto service = FindService();
     std::vector<sptr<SwitchListener>> stubs;
     stubs.reserve(LISTENERS);
-    int32_t ofService = service->NotifyPowerEvent(1);
-    auto ofClient = static_cast<int64_t>(mallinfo2().uordblks);
-    for (int i = 0; i < LISTENERS; ++i) {
+    const double ofService = service->NotifyPowerEvent(1);
+    const double ofStubs = Allocated();
+    for (size_t i = 0; i < LISTENERS; ++i) {
         stubs.emplace_back(new Indicator::IndicatorSwitchListenerStubImpl(nullptr));
         service->RegisterPrivacyIndicatorSwitchListener(stubs.back());
     }
-    ofClient = static_cast<int64_t>(mallinfo2().uordblks) - ofClient;
-    ofService = service->NotifyPowerEvent(1) - ofService;
-    PrintFigure("memory, bytes", "a listener's proxy in the service", "", ofService / LISTENERS);
-    PrintFigure("memory, bytes", "a listener's stub in its process", "", static_cast<double>(ofClient / LISTENERS));
+    PrintFigure("memory, bytes", "a listener's stub in its process", "", (Allocated() - ofStubs) / LISTENERS);
+    PrintFigure("memory, bytes", "a listener's proxy in the service", "",
+        (service->NotifyPowerEvent(1) - ofService) / LISTENERS);
 
     auto& client = PrivacyIndicatorClient::GetInstance();
-    std::vector<std::shared_ptr<SilentListener>> listeners(10 * LISTENERS); // Many, since other threads allocate, too.
+    std::vector<std::shared_ptr<SilentListener>> listeners(MANY_LISTENERS); // Since other threads allocate, too.
     for (auto& listener : listeners) {
         listener = std::make_shared<SilentListener>();
     }
     client.RegisterPrivacyIndicatorSwitchListener(listeners.front()); // The stub is made.
-    ofClient = static_cast<int64_t>(mallinfo2().uordblks);
+    const double ofListeners = Allocated();
     for (const auto& listener : listeners) {
         client.RegisterPrivacyIndicatorSwitchListener(listener);
     }
-    ofClient = static_cast<int64_t>(mallinfo2().uordblks) - ofClient;
-    PrintFigure("memory, bytes", "an app's listener", "", static_cast<double>(ofClient / (10 * LISTENERS)));
+    PrintFigure("memory, bytes", "an app's listener", "", (Allocated() - ofListeners) / MANY_LISTENERS);
 }
 
 void SendForTrace(const std::string& name, int count)
