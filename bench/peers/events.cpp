@@ -290,7 +290,7 @@ private:
     template <typename Kept>
     static sptr<Kept> Start()
     {
-        const sptr<Kept> service(new Kept());
+        sptr<Kept> service(new Kept());
         if (SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager()->AddSystemAbility(
                 PRIVACY_INDICATOR_SA_ID, service) != 0) {
             Fail("events: no bus");

@@ -32,6 +32,7 @@ double TimeOf(Contender& contender, const Task& task)
     const std::shared_future<void> open = gate.get_future().share();
     std::vector<std::promise<void>> connected(static_cast<size_t>(task.threads));
     std::vector<std::thread> threads;
+    threads.reserve(connected.size());
     for (auto& isConnected : connected) {
         threads.emplace_back([&, open] {
             contender.Call();

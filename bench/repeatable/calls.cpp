@@ -271,7 +271,7 @@ int main(int argc, char** argv)
     if (shared == MAP_FAILED) {
         Fail("no memory");
     }
-    auto& counts = *new (shared) Counts{};
+    Counts& counts = *new (shared) Counts();
     const std::string mode = argc > 1 ? argv[1] : "";
     mode == "memory" ? StartService<MeasuredService>(counts) : StartService<CountedService>(counts);
     allocationCount = &counts[CLIENT];
