@@ -20,7 +20,7 @@ class MessageParcel;
 /** An object that requests can be sent to, in this process or in another. Any thread may call anything. */
 class IRemoteObject : public virtual Parcelable, public virtual RefBase {
 public:
-    /** Hears of the end of a remote object. */
+    /** Is notified of the end of a remote object. */
     class DeathRecipient : public virtual RefBase {
     public:
         /** Called once, on the notice thread. A slow one delays later notices, never a call. */

@@ -9,7 +9,7 @@
 
 namespace OHOS {
 
-/** Hears of a service's coming and going: on one thread, in order, and free to call anything. */
+/** Is notified when a service comes or goes: on one thread, in order, and free to call anything. */
 class ISystemAbilityStatusChange : public IRemoteBroker {
 public:
     /** `deviceId` is empty. */

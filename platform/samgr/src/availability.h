@@ -15,12 +15,12 @@
 
 namespace OHOS {
 
-/** Which services are up, and who hears of it, on the notice thread. Any thread may call anything. */
+/** Which services are up, and their subscribers, who are called on the notice thread. Any thread may call anything. */
 class Availability {
 public:
     using Listener = sptr<ISystemAbilityStatusChange>;
 
-    /** Has `listener`, which is held strongly, hear of a service. False if it does so already. */
+    /** Has `listener`, which is held strongly, notified of a service. False if it is already. */
     bool Subscribe(int32_t systemAbilityId, const Listener& listener)
     {
         const Transport::MutexLock lock(mutex_);
@@ -70,7 +70,7 @@ public:
         }
     }
 
-    /** Whether a listener is yet to hear of the service's end. */
+    /** Whether a subscriber is yet to be notified of the service's end. */
     bool IsLeaving(int32_t systemAbilityId)
     {
         const Transport::MutexLock lock(mutex_);
@@ -84,7 +84,7 @@ public:
         return up_;
     }
 
-    /** The services that somebody hears of. */
+    /** The services that have a subscriber. */
     std::set<int32_t> GetSubscribed()
     {
         const Transport::MutexLock lock(mutex_);
@@ -123,7 +123,7 @@ private:
     Transport::Mutex mutex_;
     Subscriptions subscriptions_ GUARDED_BY(mutex_);
     std::set<int32_t> up_ GUARDED_BY(mutex_);
-    std::multiset<int32_t> leaving_ GUARDED_BY(mutex_); // Once for each end that a listener is yet to hear of.
+    std::multiset<int32_t> leaving_ GUARDED_BY(mutex_); // Once for each end that is yet to be announced.
 };
 
 } // namespace OHOS

@@ -57,7 +57,7 @@ class SystemAbilityManager : public ISystemAbilityManager, private Bus::Observer
 public:
     SystemAbilityManager()
     {
-        Peers::Get(); // Which hears of everything first.
+        Peers::Get(); // Which is notified first.
         Bus::Get().Observe(*this);
     }
 
@@ -76,7 +76,7 @@ public:
             return name.empty() ? nullptr : Peers::Get().Meet(name);
         });
         if (owner == nullptr || availability_.IsLeaving(systemAbilityId)) {
-            return nullptr; // Nobody hears from the next one before the former one's end.
+            return nullptr; // Nobody meets the next one before the former one's end is announced.
         }
         return AsRemote(owner->ProxyOf(id, false));
     }
