@@ -8,7 +8,7 @@ namespace {
 constexpr size_t SUMMARY_COLUMN = 42; // Beyond the longest command with its arguments.
 
 constexpr const char* COMMON_OPTIONS =
-    R"(  --json       print a JSON object for each record, a line each, instead of a table
+    R"(  --json          print a JSON object for each record, a line each, instead of a table
   --raw           print the records' own text, a line each, instead of a table
   --wait          wait for a service that is not there yet
   -h, --help      print this and exit
