@@ -11,8 +11,8 @@ programs=$build/bench
 recorded=$folder/recorded.txt
 work=$(mktemp -d "${TMPDIR:-/tmp}/bench.XXXXXX")
 trap 'rm -rf "$work"' EXIT
-toolchain="$(uname -m), $(${CXX:-g++} --version | head -n 1)"
-readonly toolchain
+toolchain="$(uname -m), $(. /etc/os-release && echo "$NAME $VERSION_ID"), g++ $(g++ -dumpfullversion)"
+readonly toolchain # With another one, the figures are others.
 readonly TOLERATED=3 # Per cent that a figure may be worse than it was recorded.
 unset OHOS_BUS_ADDRESS
 
@@ -91,7 +91,7 @@ record()
 {
     {
         echo "# SPDX-License-Identifier: Apache-2.0"
-        echo "# The repeatable figures, written by ./dev bench --record, of a build by:"
+        echo "# The repeatable figures, written by ./dev bench --record, with"
         echo "# $toolchain"
         cat "$work/figures"
     } >"$recorded"
@@ -244,8 +244,7 @@ load=$(cut -d' ' -f1 /proc/loadavg)
 kernel=$(uname -r)
 kernel=${kernel%%-*}
 if [[ $2 == check ]] && ! grep -qxF "# $toolchain" "$recorded"; then
-    echo "Nothing is compared: the figures are of a build by $(sed -n 's/^# \(.*g++.*\)/\1/p' "$recorded"),"
-    echo "and another compiler's are not theirs. This one is $toolchain."
+    echo "Nothing is compared: the figures are those of $(sed -n 's/^# \(.*g++.*\)/\1/p' "$recorded"), this is $toolchain."
     exit
 fi
 measure_repeatable >"$work/figures"
