@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
-#include <pwd.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -24,6 +23,7 @@
 #include <future>
 #include <list>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -106,7 +106,7 @@ public:
     template <typename F>
     std::string Ask(F function)
     {
-        Send(function, false);
+        Send([function] { Print("= " + Result(function)); });
         std::string line;
         while (!(line = ReadLine()).empty() && line[0] == '!') {
             events_.push_back(line);
@@ -134,7 +134,9 @@ public:
     template <typename F>
     void Begin(F function)
     {
-        Send(function, true);
+        Send([function] {
+            background.push_back(std::async(std::launch::async, [function] { Tell("done " + Result(function)); }));
+        });
     }
 
     /** In a helper: prints an event, which may come from any thread. */
@@ -236,14 +238,23 @@ protected:
 private:
     /** Functions are where they are here, and the captures are copied. */
     struct Request {
-        std::string (*run)(const void* captures);
-        bool isBackground;
+        void (*run)(const void* captures);
         alignas(std::max_align_t) std::array<char, 64> captures;
     };
 
-    static std::string Text(const std::string& text) { return text; }
+    static inline std::vector<std::future<void>> background; // A helper's, which waits for all in the end.
 
-    static std::string Text(long number) { return std::to_string(number); }
+    template <typename F>
+    static std::string Result(const F& function)
+    {
+        std::ostringstream text;
+        if constexpr (std::is_void_v<std::invoke_result_t<F>>) {
+            function();
+        } else {
+            text << function();
+        }
+        return text.str();
+    }
 
     // A line is one write, whatever other threads, or the child of a fork, have to say.
     static void Print(const std::string& text)
@@ -255,37 +266,21 @@ private:
     }
 
     template <typename F>
-    void Send(const F& function, bool isBackground) const
+    void Send(const F& function) const
     {
         static_assert(std::is_trivially_copyable_v<F> && sizeof(F) <= sizeof(Request::captures));
-        const auto run = [](const void* captures) -> std::string {
-            const F& copied = *static_cast<const F*>(captures);
-            if constexpr (std::is_void_v<std::invoke_result_t<F>>) {
-                copied();
-                return "";
-            } else {
-                return Text(copied());
-            }
-        };
-        Request request{run, isBackground, {}};
+        Request request{[](const void* captures) { (*static_cast<const F*>(captures))(); }, {}};
         std::memcpy(request.captures.data(), &function, sizeof(F));
         Input({reinterpret_cast<const char*>(&request), sizeof(request)});
     }
 
     [[noreturn]] static void Serve() noexcept
     {
-        {
-            std::vector<std::future<void>> background; // Waits for all in the end.
-            Request request{};
-            while (recv(STDIN_FILENO, &request, sizeof(request), MSG_WAITALL) == sizeof(request)) {
-                const auto run = [request] { return request.run(request.captures.data()); };
-                if (request.isBackground) {
-                    background.push_back(std::async(std::launch::async, [run] { Tell("done " + run()); }));
-                } else {
-                    Print("= " + run());
-                }
-            }
+        Request request{};
+        while (recv(STDIN_FILENO, &request, sizeof(request), MSG_WAITALL) == sizeof(request)) {
+            request.run(request.captures.data());
         }
+        background.clear();
         std::exit(0);
     }
 
@@ -297,18 +292,11 @@ private:
 /** A test with a bus daemon, and a folder, of its own. The helpers that run to its end must end well. */
 class BusTest : public testing::Test {
 public:
-    /** Services may be had by `serviceUser` alone. */
-    explicit BusTest(const std::string& serviceUser = getpwuid(getuid())->pw_name)
+    BusTest()
     {
         std::string path = "/tmp/ohos_bus_test.XXXXXX";
         folder_ = mkdtemp(path.data());
         busAddress_ = "unix:path=" + folder_ + "/bus";
-        std::ifstream file(BUS_CONFIGURATION);
-        std::string text{std::istreambuf_iterator<char>(file), {}};
-        for (const auto& [what, with] : {std::pair("@SERVICE_USER@", serviceUser), {"@SOCKET@", folder_ + "/bus"}}) {
-            text.replace(text.find(what), std::strlen(what), with);
-        }
-        std::ofstream(folder_ + "/bus.conf") << text;
         StartDaemon();
     }
 
@@ -337,12 +325,15 @@ protected:
         return helper;
     }
 
-    /** At the same address as ever. */
-    void StartDaemon()
+    /** At the same address as ever. Services may be had by one user alone, by default the one who runs this. */
+    void StartDaemon(const std::string& serviceUser = "$(id -un)")
     {
-        const std::string command =
-            "exec dbus-daemon --nofork --nopidfile --print-address=1 2>/dev/null --config-file=";
-        daemon_ = std::make_unique<Helper>(std::vector<std::string>{"sh", "-c", command + folder_ + "/bus.conf"}, "");
+        const std::string configure =
+            "sed \"s|@SOCKET@|" + folder_ + "/bus|; s|@SERVICE_USER@|" + serviceUser + "|\" " BUS_CONFIGURATION;
+        const std::string file = folder_ + "/bus.conf";
+        const std::string run = "exec dbus-daemon --nofork --nopidfile --print-address=1 2>/dev/null --config-file=";
+        const std::vector<std::string> command{"sh", "-c", configure + " >" + file + "; " + run + file};
+        daemon_ = std::make_unique<Helper>(command, "");
         daemon_->ReadLine(); // Once it listens.
     }
 
