@@ -29,6 +29,8 @@
 #include <utility>
 #include <vector>
 
+using Clock = std::chrono::steady_clock;
+
 /** Enough for what takes milliseconds, in a sanitizer's build on a busy machine. */
 constexpr int PATIENCE_S = 20;
 
@@ -43,9 +45,9 @@ inline int FromEnvironment(const char* name, int otherwise)
 template <typename F>
 bool AwaitThat(F isSo)
 {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(PATIENCE_S);
+    const auto deadline = Clock::now() + std::chrono::seconds(PATIENCE_S);
     bool isItSo = isSo();
-    for (; !isItSo && std::chrono::steady_clock::now() < deadline; isItSo = isSo()) {
+    for (; !isItSo && Clock::now() < deadline; isItSo = isSo()) {
         usleep(5000);
     }
     return isItSo;
@@ -57,8 +59,8 @@ bool AwaitThat(F isSo)
  */
 class Helper {
 public:
-    /** Without a command, a fork. It gets `busAddress` as OHOS_BUS_ADDRESS; none where it is empty. Its input and
-     * output are a socket, or a terminal that it is in front of. */
+    /** Without a command, a fork. It gets `busAddress` as OHOS_BUS_ADDRESS. Its input and output are a socket, or a
+     * terminal that it is in front of. */
     Helper(const std::vector<std::string>& command, const std::string& busAddress, bool isOnTerminal = false)
     {
         int ends[2];
@@ -79,7 +81,7 @@ public:
             isOnTerminal ? login_tty(ends[1]) : dup2(ends[1], STDIN_FILENO) + dup2(ends[1], STDOUT_FILENO);
             close_range(STDERR_FILENO + 1, ~0U, 0);
             setenv("HILOG_LEVEL", "OFF", 1);
-            busAddress.empty() ? unsetenv("OHOS_BUS_ADDRESS") : setenv("OHOS_BUS_ADDRESS", busAddress.c_str(), 1);
+            setenv("OHOS_BUS_ADDRESS", busAddress.c_str(), 1);
             if (command.empty()) {
                 Serve();
             }

@@ -13,7 +13,6 @@
 namespace {
 
 using namespace OHOS::Korvane::Quenlar::PrivacyIndicator;
-using Clock = std::chrono::steady_clock;
 
 // What helpers do that are apps.
 

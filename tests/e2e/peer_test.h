@@ -30,7 +30,7 @@ struct PeerState {
 class PeerTest : public BusTest {
 public:
     /** What the objects serve. Every request carries a text, and some an object after it; so do the replies. */
-    enum Code : uint32_t { REPEAT = 1, WHO, EVENT, TAKE, GIVE, CALL_BACK, WAIT, FAIL, FAIL_WITH_REPLY, CRASH };
+    enum Code : uint32_t { REPEAT = 1, WHO, EVENT, TAKE, GIVE, CALL_BACK, WAIT, FAIL, CRASH };
 
     static auto Manager() { return OHOS::SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager(); }
 
@@ -209,10 +209,8 @@ private:
             case WAIT:
                 WaitWhileHeld("waiting");
                 return Reply(reply, text);
-            case FAIL_WITH_REPLY:
-                reply.WriteString(text);
-                [[fallthrough]];
             case FAIL:
+                reply.WriteString(text);
                 return std::stoi(text);
             case CRASH:
                 return raise(std::stoi(text));
