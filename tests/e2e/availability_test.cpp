@@ -8,26 +8,18 @@ using AvailabilityTest = PeerTest;
 
 TEST_F(AvailabilityTest, EverySubscriberHearsOfEveryChangeAndFindsTheNextServiceAfterTheFormerOnesEnd)
 {
-    Helper& early = Start([] { Watch(100), Watch(100, "too"); });
-    Helper& service = Start([] { Watch(100), Serve(100); });
-    Helper& late = Start([] { Watch(100); });
-    early.Hears({"up 100", "up 100too"});
-    service.Hears({"up 100"});
-    late.Hears({"up 100"});
-    service.Ask([] { Unserve(100), Serve(100); });
-    early.Hears({"down 100", "down 100too", "up 100", "up 100too"});
-    service.Hears({"down 100", "up 100"});
-    late.Hears({"down 100", "up 100"});
-    early.Ask(Hold);
+    Helper& watcher = Start([] { Watch(100), Watch(100, "too"); });
+    Helper& service = Start([] { Watch(100), Serve(100), Unserve(100), Serve(100); });
+    service.Hears({"up 100", "down 100", "up 100"});
+    watcher.Hears({"up 100", "up 100too", "down 100", "down 100too", "up 100", "up 100too"});
+    watcher.Ask(Hold);
     service.Kill();
-    early.Hears({"down 100"}); // Is told, and not yet heard out.
-    Start([] { Serve(100); });
-    late.Hears({"down 100", "up 100"});
-    late.Expect("0", [] { return Find("s", 100); });
-    early.Expect("null", [] { return Find("s", 100); });
-    early.Ask(Release);
-    early.Hears({"down 100too", "up 100", "up 100too"});
-    early.Expect("0", [] { return Find("s", 100); });
+    watcher.Hears({"down 100"}); // Is told, and not yet heard out.
+    Start([] { Serve(100), Watch(100); }).Hears({"up 100"});
+    watcher.Expect("null", [] { return Find("s", 100); });
+    watcher.Ask(Release);
+    watcher.Hears({"down 100too", "up 100", "up 100too"});
+    watcher.Expect("0", [] { return Find("s", 100); });
 }
 
 TEST_F(AvailabilityTest, NothingIsToldAfterUnsubscribing)
@@ -103,8 +95,8 @@ TEST_F(AvailabilityTest, ABusThatComesLateEndsAndComesBackIsJoined)
         caller.Await("0", [] { return Find("s", 100); });
         caller.Expect("1", [] { return Mourn("s"); });
         service.Ask(Hold);
-        caller.Begin([] { return Call("s", WAIT); });
-        service.Hears({"waiting"});
+        caller.Begin([] { return Call("s", EVENT, "waits"); });
+        service.Hears({"me waits"});
         KillDaemon();
         EXPECT_EQ(caller.Events(3), (std::vector<std::string>{"dead s", "done 32", "down 100"}));
         service.Hears({"down 100"});

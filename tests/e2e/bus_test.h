@@ -191,12 +191,6 @@ public:
         return std::distance(begin(all), end(all));
     }
 
-    /** Writes to a program's standard input. */
-    void Input(const std::string& text) const
-    {
-        EXPECT_EQ(send(line_, text.data(), text.size(), MSG_NOSIGNAL), static_cast<ssize_t>(text.size()));
-    }
-
     /** Ends its input, at which a fork exits. */
     void EndInput() const { shutdown(line_, SHUT_WR); }
 
@@ -273,7 +267,7 @@ private:
         static_assert(std::is_trivially_copyable_v<F> && sizeof(F) <= sizeof(Request::captures));
         Request request{[](const void* captures) { (*static_cast<const F*>(captures))(); }, {}};
         std::memcpy(request.captures.data(), &function, sizeof(F));
-        Input({reinterpret_cast<const char*>(&request), sizeof(request)});
+        EXPECT_EQ(send(line_, &request, sizeof(request), MSG_NOSIGNAL), static_cast<ssize_t>(sizeof(request)));
     }
 
     [[noreturn]] static void Serve() noexcept
@@ -350,14 +344,11 @@ protected:
     {
         setenv("OHOS_BUS_ADDRESS", busAddress_.c_str(), 1);
         setenv("HILOG_LEVEL", "OFF", 1);
-        std::FILE* const shell = popen(("{ " + command + "; } 2>&1 </dev/null; echo \"= $?\"").c_str(), "re");
-        std::string output;
-        char bytes[4096];
-        while (const size_t size = std::fread(bytes, 1, sizeof(bytes), shell)) {
-            output.append(bytes, size);
-        }
-        pclose(shell);
-        return output;
+        const std::string file = folder_ + "/printed";
+        EXPECT_EQ(
+            std::system(("{ " + command + "; } >" + file + " 2>&1 </dev/null; echo \"= $?\" >>" + file).c_str()), 0);
+        std::ifstream printed(file);
+        return {std::istreambuf_iterator<char>(printed), {}};
     }
 
     std::string folder_;     // Goes, with all in it.

@@ -77,18 +77,14 @@ Testing::InMemoryService& Service()
     return *service;
 }
 
-// How many listeners of each kind there are, as "4 a, 6 camera, ".
-std::string Registered()
+// How many listeners of each kind there are.
+std::map<std::string, size_t> Registered()
 {
-    std::map<std::string, int> counts;
+    std::map<std::string, size_t> counts;
     for (const auto& registration : Service().GetRegistrations()) {
         ++counts[registration.dataType.empty() ? "switch" : registration.dataType];
     }
-    std::string text;
-    for (const auto& [kind, count] : counts) {
-        text += std::to_string(count) + " " + kind + ", ";
-    }
-    return text;
+    return counts;
 }
 
 // Has every listener hear of a switch and of a use of that generation and number: of `count` of them.
@@ -179,8 +175,8 @@ protected:
         service_.emplace(std::vector<std::string>(), busAddress_);
         ++generation_;
         service_->Ask([] { Manager()->AddSystemAbility(PRIVACY_INDICATOR_SA_ID, &Service()); });
-        const char* const last = TheWay() == EARLY ? "4 a, " : "4 sensorStateChange, ";
-        service_->Await("1", [last] { return Registered().find(last) != std::string::npos; });
+        const char* const last = TheWay() == EARLY ? "a" : Privacy::SENSOR_STATE_CHANGE;
+        service_->Await("1", [last] { return Registered()[last] == KEEPERS; });
         if (TheWay() != EARLY) {
             service_->Ask([generation = generation_] { Push(generation, 0, 1), Service().AwaitDelivery(); });
         }
@@ -242,7 +238,9 @@ protected:
             longest_ = std::max(longest_, longest);
         }
         Restart();
-        service_->Await("4 a, 6 camera, 6 location, 4 sensorStateChange, 6 switch, ", Registered);
+        const std::map<std::string, size_t> all{
+            {"a", 4}, {"camera", 6}, {"location", 6}, {"sensorStateChange", 4}, {"switch", 6}};
+        service_->Await(testing::PrintToString(all), [] { return testing::PrintToString(Registered()); });
     }
 
     // An app's threads and descriptors, once those that served former services are gone, and its heap's bytes in use.

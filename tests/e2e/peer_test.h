@@ -30,7 +30,7 @@ struct PeerState {
 class PeerTest : public BusTest {
 public:
     /** What the objects serve. Every request carries a text, and some an object after it; so do the replies. */
-    enum Code : uint32_t { REPEAT = 1, WHO, EVENT, TAKE, GIVE, CALL_BACK, WAIT, FAIL, CRASH };
+    enum Code : uint32_t { REPEAT = 1, WHO, EVENT, TAKE, GIVE, CALL_BACK, FAIL, CRASH };
 
     static auto Manager() { return OHOS::SystemAbilityManagerClient::GetInstance().GetSystemAbilityManager(); }
 
@@ -148,14 +148,14 @@ public:
         }
     }
 
-    /** Until Release, WAIT (which tells "waiting"), events and notices wait where they are. */
+    /** Until Release, an event or a notice that is told waits where it is. */
     static void Hold() { SetHeld(true); }
 
     static void Release() { SetHeld(false); }
 
     /** Waits while that is so; a Hold that comes after `event`, which is told if it is not empty, is too late for it.
      */
-    static void WaitWhileHeld(const std::string& event = "")
+    static void WaitWhileHeld(const std::string& event)
     {
         std::unique_lock<std::mutex> lock(state.mutex);
         if (!event.empty()) {
@@ -192,8 +192,7 @@ private:
             case WHO:
                 return Reply(reply, Who());
             case EVENT:
-                WaitWhileHeld();
-                Helper::Tell(name_ + " " + text);
+                WaitWhileHeld(name_ + " " + text);
                 return 0;
             case TAKE:
                 return Reply(reply, Name(text, object) == object ? "same"
@@ -206,9 +205,6 @@ private:
                 const Answer inner = Request(object, WHO, "");
                 return Reply(reply, before + " " + std::to_string(inner.code) + " " + inner.text + " " + Who());
             }
-            case WAIT:
-                WaitWhileHeld("waiting");
-                return Reply(reply, text);
             case FAIL:
                 reply.WriteString(text);
                 return std::stoi(text);
