@@ -263,8 +263,8 @@ TEST_F(HostileTest, GarbageEndsNoOtherConnection)
     int fd = attacker_->Connect();
     for (int i = 0; i < Times(20000); ++i) {
         const uint32_t handles = below(8) == 0 ? below(1030) : below(2);
-        const uint32_t words = 2 + 6 * handles + (below(16) == 0 ? below(1 << 18) : 0);
-        Packet packet{below(6), below(2), below(2), handles, 66090, 0, words * 4, below(2)};
+        const uint32_t words = 2 + 6 * handles + (below(4) == 0 ? below(1 << 18) : 0);
+        Packet packet{1 + below(4), below(2), below(2), handles, 66090, 0, words * 4, below(2)};
         for (uint32_t n = 0, owner = below(2), id = below(UINT32_MAX); n < handles; ++n) {
             packet.insert(packet.end(), {owner, 8 + 24 * n, id + n, 1}); // Of objects that there are not.
         }
