@@ -97,7 +97,7 @@ public:
         }
         name_ = name;
         id_ = sd_id128_to_string(id, text.data());
-        listening_ = Listen(name_, getpid());
+        listening_ = Listen(getpid());
     }
 
     Stranger(const Stranger&) = delete;
@@ -110,10 +110,10 @@ public:
         sd_bus_close_unref(bus_);
     }
 
-    /** A socket where others look for the process of that pid under that name. */
-    int Listen(const std::string& name, pid_t pid) const
+    /** A socket where others look for its name, if it is that process's. */
+    int Listen(pid_t pid) const
     {
-        const int fd = OpenSocket(SOCK_SEQPACKET, PathOf(name, pid), bind);
+        const int fd = OpenSocket(SOCK_SEQPACKET, PathOf(name_, pid), bind);
         listen(fd, 0);
         return fd;
     }
@@ -333,7 +333,7 @@ TEST_F(HostileTest, APeerThatIsCalledHarmsItsCallerOnly)
     EXPECT_TRUE(oneWay == "0 then 105" || oneWay == "1 then 0") << oneWay;
     attacker_->StopListening();
     static int taken;
-    Helper& thief = Start([this] { taken = attacker_->Listen(attacker_->Name(), getppid()); });
+    Helper& thief = Start([this] { taken = attacker_->Listen(getppid()); });
     victim_.Expect("111", [] { return Call("x", REPEAT); }); // Another process has taken its address,
     thief.Expect("0", [] { return Receive(accept(taken, nullptr, nullptr)).size(); }); // and gets not even a name.
     thief.Kill();
