@@ -173,12 +173,6 @@ public:
         return answer;
     }
 
-    /** Has the service know an object of the sender's, by the name of x. */
-    bool Offer()
-    {
-        return IsServed(Connect(), {1, PeerTest::TAKE, 0, 1, 66090, 0, 32, 1, 0, 8, 7, 0, 1, 'x', 0, 0, 0, 0, 0, 0});
-    }
-
     /** Takes a connection that the service makes, and reads its name; -1 if none comes. */
     int Accept() const
     {
@@ -302,7 +296,9 @@ TEST_F(HostileTest, AConnectionIsOfWhoMadeIt)
 
 TEST_F(HostileTest, APeerThatIsCalledHarmsItsCallerOnly)
 {
-    EXPECT_TRUE(attacker_->Offer());
+    // Its object 7, which the service is to know as "x".
+    const Packet offer{1, TAKE, 0, 1, 66090, 0, 32, 1, 0, 8, 7, 0, 1, 'x', 0, 0, 0, 0, 0, 0};
+    EXPECT_TRUE(IsServed(attacker_->Connect(), offer));
     victim_.Ask([] { SetWait(1); });
     int fd = -1;
     const auto answer = [&](const std::string& result, const auto& how) { // Whether the connection is kept.
