@@ -1,10 +1,11 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
-# usage: external_platform.sh CMAKE CXX SOURCE_DIR BUILD_DIR
+# usage: external_platform.sh CMAKE CXX SOURCE_DIR BUILD_DIR [STANDARD_LIBRARY_FLAG]
 # Builds the library as for a device, and without exceptions, against a platform that is not in this tree: the installed
-# stand-in takes its place. Its interface, and what it needs of the platform, are as abi/ says.
+# stand-in takes its place. Its interface, and what it needs of the platform, are as abi/ says. With a standard library
+# that is not the compiler's own, that of BUILD_DIR, its names differ, and are not compared.
 set -eu
-cmake=$1 cxx=$2 source=$3 build=$4
+cmake=$1 cxx=$2 source=$3 build=$4 flag=${5-}
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -13,7 +14,7 @@ trap 'exit 1' HUP INT TERM # By default, sh ends without its exit trap.
 "$cmake" --install "$build" --prefix "$work/installed"
 platform=$work/installed/lib/qnl_privacy_indicator/platform
 "$cmake" -G Ninja -S "$source" -B "$work/build" -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_BUILD_TYPE=Debug \
-    -DCMAKE_CXX_FLAGS=-fno-exceptions \
+    -DCMAKE_CXX_FLAGS="-fno-exceptions $flag" \
     -DQNL_PLATFORM=external -DQNL_PLATFORM_INCLUDE_DIRS="$platform/include" -DQNL_PLATFORM_LIBRARY_DIRS="$platform/lib"
 "$cmake" --build "$work/build" --parallel 2
 "$cmake" --install "$work/build" --prefix "$work/device"
@@ -22,14 +23,12 @@ if grep -rF "$source/platform" "$work/build/build.ninja"; then
     echo "the build for a device looks into platform/" >&2
     exit 1
 fi
-LD_LIBRARY_PATH=$platform/lib "$source/tests/library_symbols.sh" \
-    "$work/device/lib/libqnl_privacy_indicator_service_intf.so" Debug no-rtti
 
 # A program that is built from what this installs.
 configure()
 {
     "$cmake" -G Ninja -S "$source/tests/consumer" -B "$work/consumer" -DCMAKE_CXX_COMPILER="$cxx" \
-        -DCMAKE_PREFIX_PATH="$work/device" "$@"
+        -DCMAKE_CXX_FLAGS="$flag" -DCMAKE_PREFIX_PATH="$work/device" "$@"
 }
 if configure 2>"$work/output" || ! grep -F QNL_PLATFORM_INCLUDE_DIRS "$work/output"; then
     echo "the installed package does not say which variable it lacks" >&2
@@ -46,6 +45,9 @@ if grep '^_ZT[IS]' "$work/needed"; then
     echo "the library needs type information of the platform, which it does not export" >&2
     exit 1
 fi
+[ -z "$flag" ] || exit 0
+
+LD_LIBRARY_PATH=$platform/lib "$source/tests/library_symbols.sh" "$library" Debug no-rtti
 # What the kept files say, or, on demand, shall say.
 kept=$source/abi
 if [ "${QNL_ABI_UPDATE-}" ]; then

@@ -1,11 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
-# A sample: Debian's cross compiler. Programs run under its qemu-user.
-set(CMAKE_SYSTEM_NAME Linux)
+# A sample: 64-bit arm.
+set(architecture arm64)
+set(triple aarch64-linux-gnu)
+set(emulator qemu-aarch64)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
-set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
-set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L /usr/aarch64-linux-gnu)
-set(CMAKE_FIND_ROOT_PATH /usr/aarch64-linux-gnu)
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+include(${CMAKE_CURRENT_LIST_DIR}/debian.cmake)

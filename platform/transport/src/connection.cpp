@@ -81,7 +81,7 @@ bool Connection::SetTimeout(Clock::time_point deadline)
     }
     if (std::abs(wanted - timeout_) >= TOLERANCE || (wanted == 0) != (timeout_ == 0)) {
         timeout_ = wanted;
-        const timeval time{timeout_ / SECOND, timeout_ % SECOND};
+        const timeval time{static_cast<time_t>(timeout_ / SECOND), static_cast<suseconds_t>(timeout_ % SECOND)};
         setsockopt(Get(), SOL_SOCKET, SO_RCVTIMEO, &time, sizeof(time));
     }
     return true;
