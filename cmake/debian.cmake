@@ -1,5 +1,8 @@
 # SPDX-License-Identifier: Apache-2.0
 # `cpack` makes three Debian packages of the three components that are installed.
+if(NOT QNL_INSTALL OR NOT TARGET qnl_man_pages)
+    message(FATAL_ERROR "QNL_DEBIAN needs QNL_INSTALL, QNL_BUILD_EXAMPLES, the stand-in and help2man.")
+endif()
 set(CPACK_GENERATOR DEB)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PACKAGE_CONTACT "${PROJECT_NAME} maintainers <maintainers@qnl-privacy-indicator.invalid>")

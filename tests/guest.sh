@@ -40,5 +40,5 @@ fi
 echo "result -1, 0 active indicators" | diff - "$work/output" || fail "the host prints something else"
 "$cmake" --install "$work/build" --prefix "$work/from_host"
 "$cmake" --install "$build" --prefix "$work/from_here"
-# A man page carries the month in which it was made.
-diff -r -x man1 "$work/from_host" "$work/from_here" || fail "two builds install different bytes"
+# The title of a man page has the month in which it was made.
+diff -r -I '^\.TH ' "$work/from_host" "$work/from_here" || fail "two builds install different bytes"
