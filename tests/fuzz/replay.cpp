@@ -21,7 +21,7 @@ int main(int count, char** arguments)
     unsigned long long inputs = 0;
     for (; isRandom && inputs < std::strtoull(arguments[2], nullptr, 10); ++inputs) {
         std::mt19937_64 random(inputs);
-        std::vector<uint8_t> bytes(random() % MAX_RANDOM_SIZE);
+        std::vector<uint8_t> bytes(static_cast<size_t>(random() % MAX_RANDOM_SIZE));
         std::generate(bytes.begin(), bytes.end(), std::ref(random));
         LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
     }
