@@ -191,6 +191,12 @@ public:
         return std::distance(begin(all), end(all));
     }
 
+    /** Writes to a program's standard input. */
+    void Input(const std::string& text) const
+    {
+        EXPECT_EQ(send(line_, text.data(), text.size(), MSG_NOSIGNAL), static_cast<ssize_t>(text.size()));
+    }
+
     /** Ends its input, at which a fork exits. */
     void EndInput() const { shutdown(line_, SHUT_WR); }
 
@@ -267,7 +273,7 @@ private:
         static_assert(std::is_trivially_copyable_v<F> && sizeof(F) <= sizeof(Request::captures));
         Request request{[](const void* captures) { (*static_cast<const F*>(captures))(); }, {}};
         std::memcpy(request.captures.data(), &function, sizeof(F));
-        EXPECT_EQ(send(line_, &request, sizeof(request), MSG_NOSIGNAL), static_cast<ssize_t>(sizeof(request)));
+        Input({reinterpret_cast<const char*>(&request), sizeof(request)});
     }
 
     [[noreturn]] static void Serve() noexcept
