@@ -112,7 +112,7 @@ void FileWatch::CloseAll()
 void FileWatch::WakeAfter(std::chrono::nanoseconds time, bool takesNotices)
 {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
-    const itimerspec due{{}, {seconds.count(), (time - seconds).count()}};
+    const itimerspec due{{}, {seconds.count(), static_cast<long>((time - seconds).count())}};
     timerfd_settime(timer_, 0, &due, nullptr);
     epoll_event event{takesNotices ? EPOLLIN : 0U, {}};
     epoll_ctl(fd_, EPOLL_CTL_MOD, notices_, &event);

@@ -126,7 +126,7 @@ long RunLoad(const std::string& what)
         longest = std::max(longest, Clock::now() - begin);
         std::this_thread::sleep_for(std::chrono::milliseconds(2)); // Else the service would get no time to start.
     }
-    return std::chrono::duration_cast<std::chrono::milliseconds>(longest).count();
+    return static_cast<long>(std::chrono::duration_cast<std::chrono::milliseconds>(longest).count());
 }
 
 void BeginStorm()
