@@ -54,6 +54,10 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
             DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides RENAME ${name} COMPONENT ${component})
     endif()
 endforeach()
+install(FILES README.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME}
+    COMPONENT development)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME}
+    COMPONENT development FILES_MATCHING PATTERN *.md)
 install(CODE [[execute_process(COMMAND sh -c "gzip -9n \"$1\"/*.1" sh
     $ENV{DESTDIR}${CMAKE_INSTALL_PREFIX}/share/man/man1 COMMAND_ERROR_IS_FATAL ANY)]] COMPONENT tools)
 include(CPack)
