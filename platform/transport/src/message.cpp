@@ -26,13 +26,13 @@ bool IsWellFormed(const Header& header, size_t packetSize)
            (isCall || isReply || header.code == 0) && (isCall || header.objectId == 0) && header.dataSize % 4 == 0 &&
            ((isCall && !isOneWay) || isReply) == (header.number != 0) && packetSize <= MAX_MESSAGE_SIZE &&
            header.handleCount <= MAX_HANDLES &&
-           packetSize == sizeof(Header) + header.handleCount * sizeof(Handle) + size_t{header.dataSize};
+           packetSize == sizeof(Header) + header.handleCount * sizeof(Handle) + uint64_t{header.dataSize};
 }
 
 // Handles lie in the data, in rising order, and do not overlap. Those of a release are the peer's to give up.
 bool AreWellFormed(const std::vector<Handle>& handles, const Header& header)
 {
-    size_t end = 0;
+    uint64_t end = 0; // Wider than what a peer says, also on 32 bits.
     for (const Handle& handle : handles) {
         if (header.kind == Header::RELEASE) {
             if (handle.owner != Handle::RECEIVER || handle.position == 0) {
@@ -41,7 +41,7 @@ bool AreWellFormed(const std::vector<Handle>& handles, const Header& header)
             continue;
         }
         if (handle.owner > Handle::RECEIVER || handle.position % 4 != 0 || handle.position < end ||
-            handle.position + OBJECT_SIZE > header.dataSize) {
+            uint64_t{handle.position} + OBJECT_SIZE > header.dataSize) {
             return false;
         }
         end = handle.position + OBJECT_SIZE;
