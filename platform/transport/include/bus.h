@@ -138,7 +138,7 @@ private:
     std::string ownName_;
     std::string id_;
     std::map<std::string, std::shared_ptr<sd_bus_slot>> watched_;
-    bool isMatched_ = false;     // The name that is to be watched.
+    bool isMatched_ = false;     // Whether the daemon has taken the match that Watch has sent.
     std::deque<Change> changes_; // Received, and yet to be announced.
 };
 

@@ -23,6 +23,7 @@ constexpr const char* ADDRESS_VARIABLE = "OHOS_BUS_ADDRESS";
 constexpr const char* DAEMON = "org.freedesktop.DBus";
 constexpr const char* DAEMON_PATH = "/org/freedesktop/DBus";
 constexpr std::chrono::seconds PATIENCE{8};
+constexpr uint64_t TIMEOUT = std::chrono::microseconds(PATIENCE).count(); // The same, for sd-bus.
 constexpr std::chrono::milliseconds NEXT_TRY{500};
 constexpr std::chrono::milliseconds PAUSE{100};
 
@@ -108,8 +109,7 @@ bool Bus::Connect()
 {
     const auto deadline = Clock::now() + PATIENCE;
     if (sd_bus_new(&bus_) < 0 || sd_bus_set_address(bus_, secure_getenv(ADDRESS_VARIABLE)) < 0 ||
-        sd_bus_set_bus_client(bus_, 1) < 0 ||
-        sd_bus_set_method_call_timeout(bus_, std::chrono::microseconds(PATIENCE).count()) < 0) {
+        sd_bus_set_bus_client(bus_, 1) < 0 || sd_bus_set_method_call_timeout(bus_, TIMEOUT) < 0) {
         return false;
     }
     fd_ = Descriptor::Open([this] { return sd_bus_start(bus_) >= 0 ? sd_bus_get_fd(bus_) : -1; });
@@ -206,8 +206,14 @@ bool Bus::Watch(const std::string& name, const std::function<bool()>& ask)
     };
     sd_bus_slot* slot = nullptr;
     isMatched_ = watched_.count(name) != 0;
-    if (!isMatched_ && sd_bus_add_match_async(bus_, &slot, rule.c_str(), receive, receiveAnswer, this) < 0) {
-        return false;
+    if (!isMatched_) {
+        // The deadline of `ask` is that of both: a process that was stopped meanwhile may find both answers after it.
+        sd_bus_set_method_call_timeout(bus_, UINT64_MAX);
+        const int error = sd_bus_add_match_async(bus_, &slot, rule.c_str(), receive, receiveAnswer, this);
+        sd_bus_set_method_call_timeout(bus_, TIMEOUT);
+        if (error < 0) {
+            return false;
+        }
     }
     const std::shared_ptr<sd_bus_slot> match(slot, sd_bus_slot_unref);
     const bool isAnswered = ask();
