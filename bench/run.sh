@@ -3,7 +3,7 @@
 # usage: run.sh BUILD check | run.sh BUILD record | run.sh BUILD report PAGE
 # Measures a build as it ships. `record` keeps the figures that are the same at every run in recorded.txt, `check`
 # compares them with those and fails at a step back, and `report`, which needs the peers, measures everything, prints the
-# tables and writes them to PAGE. A figure is a line "table|row|column|value"; smaller is better in every table of repeatable ones.
+# tables and writes them to PAGE. A figure is a line "table|row|column|value"; of the repeatable ones, smaller is better.
 set -euo pipefail
 folder=$(realpath "$(dirname "${BASH_SOURCE[0]}")")
 build=$(realpath "$1")

@@ -49,6 +49,7 @@ Exit status:
   0  it was ended by a signal
   1  it cannot be the service, or not any more, or cannot watch a file
   2  the command line is wrong
+  4  standard output cannot be written
 )";
 
 constexpr int FOREGROUND_TICK = 1000; // Milliseconds after which a process in the background looks where it is.

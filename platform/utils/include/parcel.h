@@ -140,7 +140,7 @@ protected:
         return begin;
     }
 
-    /** Cuts unread data, down to `size` bytes: what came from outside need not end with padding. */
+    /** Takes back what was written after the first `size` bytes. Not for a parcel that was received or read beyond. */
     void Truncate(size_t size) { dataSize_ = size; }
 
     /** Ends writing: what came from outside is only read. */

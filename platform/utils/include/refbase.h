@@ -39,8 +39,8 @@ private:
 /**
  * Base of everything held by sptr; derive virtually. The object is deleted when its last strong reference goes. One
  * that never had any is deleted plainly or lives on the stack. A copy starts with counts of its own and an assignment
- * leaves both objects' counts alone. Counting is thread-safe. The counter is allocated with the first reference, and
- * std::bad_alloc leaves that call when there is no memory for it.
+ * leaves both objects' counts alone. Counting is thread-safe. The counter is allocated with the first reference, or
+ * when it is asked for, and std::bad_alloc leaves that call when there is no memory for it.
  */
 class RefBase {
 public:

@@ -7,7 +7,7 @@
 namespace OHOS {
 namespace {
 
-constexpr char32_t HIGH_SURROGATES = 0xD800; // The first ones, the first low ones, and what follows those.
+constexpr char32_t HIGH_SURROGATES = 0xD800; // Where these begin, the low ones begin, and those end.
 constexpr char32_t LOW_SURROGATES = 0xDC00;
 constexpr char32_t SURROGATES_END = 0xE000;
 constexpr char32_t SUPPLEMENTARY = 0x10000; // The first code point that takes two units of UTF-16.
