@@ -6,41 +6,41 @@ namespace {
 
 using AvailabilityTest = PeerTest;
 
-TEST_F(AvailabilityTest, EverySubscriberHearsOfEveryChangeAndFindsTheNextServiceAfterTheFormerOnesEnd)
+TEST_F(AvailabilityTest, EverySubscriberIsNotifiedOfEveryChangeAndFindsTheNextServiceAfterTheFormerOnesEnd)
 {
     Helper& watcher = Start([] { Watch(100), Watch(100, "too"); });
     Helper& service = Start([] { Watch(100), Serve(100), Unserve(100), Serve(100); });
-    service.Hears({"up 100", "down 100", "up 100"});
-    watcher.Hears({"up 100", "up 100too", "down 100", "down 100too", "up 100", "up 100too"});
+    service.ExpectEvents({"up 100", "down 100", "up 100"});
+    watcher.ExpectEvents({"up 100", "up 100too", "down 100", "down 100too", "up 100", "up 100too"});
     watcher.Ask(Hold);
     service.Kill();
-    watcher.Hears({"down 100"}); // Is told, and not yet heard out.
-    Start([] { Serve(100), Watch(100); }).Hears({"up 100"});
+    watcher.ExpectEvents({"down 100"}); // One of its two notices is under way.
+    Start([] { Serve(100), Watch(100); }).ExpectEvents({"up 100"});
     watcher.Expect("null", [] { return Find("s", 100); });
     watcher.Ask(Release);
-    watcher.Hears({"down 100too", "up 100", "up 100too"});
+    watcher.ExpectEvents({"down 100too", "up 100", "up 100too"});
     watcher.Expect("0", [] { return Find("s", 100); });
 }
 
-TEST_F(AvailabilityTest, NothingIsToldAfterUnsubscribing)
+TEST_F(AvailabilityTest, NothingIsAnnouncedAfterUnsubscribing)
 {
     Helper& watcher = Start([] { Watch(100), Watch(100, "once"), Watch(200); });
     Helper& service = Start([] { Serve(100); });
-    watcher.Hears({"up 100", "up 100once"}); // Unsubscribes in there.
+    watcher.ExpectEvents({"up 100", "up 100once"}); // Unsubscribes in there.
     watcher.Expect("0", [] { return Unwatch(100); });
     watcher.Expect("0", [] { return Unwatch(100); });
     service.Ask([] { Unserve(100), Serve(100), Serve(200); });
-    watcher.Hears({"up 200"});
-    watcher.Ask([] { Watch(100); }); // Told at once, though it knows.
-    watcher.Hears({"up 100"});
+    watcher.ExpectEvents({"up 200"});
+    watcher.Ask([] { Watch(100); }); // Notified at once, though it is subscribed already.
+    watcher.ExpectEvents({"up 100"});
     watcher.Ask(Hold);
     service.Ask([] { Unserve(200); });
-    watcher.Hears({"down 200"}); // Is being told, and not yet heard out.
+    watcher.ExpectEvents({"down 200"}); // This notice is still under way.
     service.Ask([] { Unserve(100); });
-    watcher.Expect("null", [] { return Find("s", 300); }); // By now the news of it waits to be told.
+    watcher.Expect("null", [] { return Find("s", 300); }); // By now its removal waits to be announced.
     watcher.Ask([] { Unwatch(100), Watch(100), Release(); });
     service.Ask([] { Serve(200); });
-    watcher.Hears({"up 200"});
+    watcher.ExpectEvents({"up 200"});
 }
 
 TEST_F(AvailabilityTest, AServiceIsOfOneProcessAtATime)
@@ -65,11 +65,11 @@ TEST_F(AvailabilityTest, WithoutABusAProcessHasItsOwnServicesAndWithAMalformedAd
 {
     busAddress_.clear();
     Helper& lone = Start([] { Watch(100), Serve(100), Find("s", 100); });
-    lone.Hears({"up 100"});
+    lone.ExpectEvents({"up 100"});
     lone.Expect("0 same", [] { return Call("s", TAKE, "me"); });
     lone.Expect("0", [] { return Mourn("s"); });
     lone.Ask([] { Unserve(100); });
-    lone.Hears({"down 100"});
+    lone.ExpectEvents({"down 100"});
     lone.Expect("null", [] { return Find("s", 100); });
     for (const char* address : {"unix:", "unix:path=", "unixexec:path=/bin/true", "tcp:host=localhost,port=1",
              "unix:path=/nowhere;unix:path=/bus"}) {
@@ -87,32 +87,32 @@ TEST_F(AvailabilityTest, ABusThatComesLateEndsAndComesBackIsJoined)
     service.Expect("32", [] { return Serve(100); });
     StartDaemon();
     Start([] { Serve(200); });
-    service.Hears({"up 200"}); // It has joined.
+    service.ExpectEvents({"up 200"}); // It has joined.
     service.Ask([] { Unwatch(200), Serve(100); });
     for (int i = 0; i < 2; ++i) {
-        caller.Hears({"up 100"}); // The second time the service has registered itself.
-        service.Hears({"up 100"});
+        caller.ExpectEvents({"up 100"}); // The second time the service has registered itself.
+        service.ExpectEvents({"up 100"});
         caller.Await("0", [] { return Find("s", 100); });
         caller.Expect("1", [] { return Mourn("s"); });
         service.Ask(Hold);
         caller.Begin([] { return Call("s", EVENT, "waits"); });
-        service.Hears({"me waits"});
+        service.ExpectEvents({"me waits"});
         KillDaemon();
         EXPECT_EQ(caller.Events(3), (std::vector<std::string>{"dead s", "done 32", "down 100"}));
-        service.Hears({"down 100"});
+        service.ExpectEvents({"down 100"});
         service.Ask(Release);
         for (Helper* helper : {&service, &caller}) {
             helper->Expect("null", [] { return Find("s", 100); });
         }
         StartDaemon();
     }
-    service.Hears({"up 100"});
+    service.ExpectEvents({"up 100"});
     service.Signal(SIGSTOP);
     KillDaemon();
     StartDaemon();
     Start([] { Serve(100), Make("x"); }); // Takes its place.
     service.Signal(SIGCONT);
-    service.Hears({"down 100", "up 100"});
+    service.ExpectEvents({"down 100", "up 100"});
     service.Expect("0", [] { return Find("s", 100); });
     service.Expect("0 other", [] { return Call("s", GIVE, "x"); });
 }

@@ -132,17 +132,17 @@ public:
         EXPECT_EQ(last, answer);
     }
 
-    /** Runs it on a thread of its own, which tells "done RESULT" in the end. */
+    /** Runs it on a thread of its own, which reports "done RESULT" in the end. */
     template <typename F>
     void Begin(F function)
     {
         Send([function] {
-            background.push_back(std::async(std::launch::async, [function] { Tell("done " + Result(function)); }));
+            background.push_back(std::async(std::launch::async, [function] { Report("done " + Result(function)); }));
         });
     }
 
     /** In a helper: prints an event, which may come from any thread. */
-    static void Tell(const std::string& event) { Print("! " + event); }
+    static void Report(const std::string& event) { Print("! " + event); }
 
     /** The next event. */
     std::string Event()
@@ -156,7 +156,7 @@ public:
     }
 
     /** Its next events must be these, in this order. */
-    void Hears(std::initializer_list<std::string> events)
+    void ExpectEvents(std::initializer_list<std::string> events)
     {
         for (const std::string& event : events) {
             EXPECT_EQ(Event(), event);

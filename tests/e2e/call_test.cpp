@@ -66,7 +66,7 @@ TEST_F(CallTest, AnObjectIsOnePointerHoweverItCameAndLivesAsLongAsAPeerHoldsIt)
     caller_.Expect("2", Alive);                               // It, and what the caller serves.
     service_.Expect("1 then 0", [] { return Send("x", 1); }); // Before its release.
     service_.Ask([] { Drop("x"); });
-    caller_.Hears({"x 0"});
+    caller_.ExpectEvents({"x 0"});
     caller_.Await("1", Alive);
 }
 
@@ -81,13 +81,13 @@ TEST_F(CallTest, ACallToAStoppedProcessEndsWithItsWaitOrWithTheProcess)
         EXPECT_LT(Clock::now() - begin, std::chrono::milliseconds(3900)) << isConnected; // Not twice its wait.
         service_.Signal(SIGCONT);
         caller_.Expect("0", [] { return Hammer("s", 2, 100); }); // The late reply is nobody's.
-        caller_.Hears({"begun"});
+        caller_.ExpectEvents({"begun"});
         service_.Signal(SIGSTOP);
     }
     caller_.Ask([] { SetWait(600); });
     caller_.Begin([] { return Call("s", REPEAT); });
     service_.Kill();
-    caller_.Hears({"done 32"});
+    caller_.ExpectEvents({"done 32"});
 }
 
 TEST_F(CallTest, CallsBeyondThePeersConnectionsWaitForOne)
@@ -122,17 +122,17 @@ TEST_F(CallTest, NothingWorksInTheChildOfAForkAndAllGoesOnInTheParent)
     service_.Ask([] {
         Find("c", 200), Call("c", REPEAT);
         if (fork() == 0) {
-            Helper::Tell("child: " + Find("c", 200) + ", " + Call("c", REPEAT) + ", " + Send("c", 1));
+            Helper::Report("child: " + Find("c", 200) + ", " + Call("c", REPEAT) + ", " + Send("c", 1));
             pollfd wait{STDIN_FILENO, 0, 0}; // Stays as long as there is somebody to stay for.
             poll(&wait, 1, -1);
             _exit(0);
         }
     });
-    service_.Hears({"child: no manager, 32, 0 then 32"});
+    service_.ExpectEvents({"child: no manager, 32, 0 then 32"});
     service_.Expect("0", [] { return Call("c", REPEAT); });
     caller_.Expect("0", [] { return Call("s", REPEAT); });
     service_.Kill(); // The child lives on.
-    caller_.Hears({"dead s"});
+    caller_.ExpectEvents({"dead s"});
     caller_.Expect("32", [] { return Call("s", REPEAT); });
 }
 
@@ -149,7 +149,7 @@ TEST_F(CallTest, WithoutADescriptorAConnectionFailsAndNothingElse)
     Helper& passing = Start([] { Find("s", 100), Make("x"), Call("s", TAKE, "x"); });
     service_.Ask([] { Mourn("x"), LimitDescriptors(0); });
     passing.Kill();
-    service_.Hears({"dead x"}); // News still comes.
+    service_.ExpectEvents({"dead x"}); // Notices still come.
     Helper& late = Start([] { Find("s", 100), SetWait(600); });
     late.Begin([] { return Call("s", REPEAT, "late"); });
     caller_.Expect("0 hello", [] { return Call("s", REPEAT, "hello"); });
@@ -159,7 +159,7 @@ TEST_F(CallTest, WithoutADescriptorAConnectionFailsAndNothingElse)
         return std::clock() - before > CLOCKS_PER_SEC / 4;
     });
     service_.Ask([] { LimitDescriptors(4096); });
-    late.Hears({"done 0 late"});
+    late.ExpectEvents({"done 0 late"});
     service_.Expect("0", [] { return Find("s", 100); });
 }
 
@@ -197,7 +197,7 @@ TEST_F(CallTest, AnExitIsCleanWhoeverHasLoadedTheLibrary)
         caller_.Await("0", [] { return Call("loader", EVENT); });
         loader.EndInput();
         EXPECT_EQ(loader.AwaitEnd(), 0);
-        caller_.Hears({"done "});
+        caller_.ExpectEvents({"done "});
     }
 }
 

@@ -19,7 +19,7 @@ using namespace OHOS::Korvane::Quenlar::PrivacyIndicator;
 PrivacyIndicatorClient& Client() { return PrivacyIndicatorClient::GetInstance(); }
 
 /**
- * Tells "s SENSOR STATE GENERATION NUMBER" of a switch, and "e", then "SENSOR STATE GENERATION NUMBER" of each use,
+ * Reports "s SENSOR STATE GENERATION NUMBER" of a switch, and "e", then "SENSOR STATE GENERATION NUMBER" of each use,
  * which are Push's, or nothing.
  */
 class Listener : public Indicator::IndicatorSwitchListener, public Privacy::PrivacyEventListener {
@@ -50,7 +50,7 @@ private:
     const bool isSilent_;
 };
 
-// What they hear when the service is gone.
+// What they are called with when the service is gone.
 const std::vector<std::string>& SWITCHES_OFF = *new std::vector<std::string>{"s 0 1 0 0", "s 1 1 0 0", "s 2 1 0 0"};
 constexpr const char* USES_OFF = "e 0 2  -1 1 2  -1 2 2  -1";
 
@@ -87,7 +87,7 @@ std::map<std::string, size_t> Registered()
     return counts;
 }
 
-// Has every listener hear of a switch and of a use of that generation and number: of `count` of them.
+// Has every listener called with a switch and a use of that generation and number: with `count` of them.
 void Push(int generation, int first, int count)
 {
     Indicator::IndicatorPosition position;
@@ -152,8 +152,8 @@ class StormTest : public PeerTest {
 protected:
     enum Way { AT_ANY_TIME, STOPPED, IN_ITS_EVENTS, EARLY, CLEANLY, SLOWLY, WAYS }; // How a service ends.
 
-    static constexpr size_t KEEPERS = 4;   // Apps whose listeners are always there, and check what they hear.
-    static constexpr int MORE = 40;        // What keepers hear after the first, at most.
+    static constexpr size_t KEEPERS = 4;   // Apps whose listeners are always there, and check their calls.
+    static constexpr int MORE = 40;        // Calls of keepers after the first, at most.
     static constexpr long LOADS = 5;       // Threads that call at once, with a connection each.
     static constexpr long LONGEST = 16000; // In ms: a call's wait and the look-up before it.
 
@@ -204,7 +204,7 @@ protected:
         }
     }
 
-    // A keeper has heard of the last service but one, in order, then of its end, and nothing else.
+    // A keeper was called for the last service but one, in order, then for its end, and for nothing else.
     void ExpectLife(Helper& keeper, int ended) const
     {
         std::vector<std::string> switches;

@@ -8,11 +8,11 @@ struct DeathTest : PairTest {
     DeathTest()
     {
         caller_.Ask([] { Watch(100), Make("x"), Call("s", TAKE, "x"); });
-        caller_.Hears({"up 100"});
+        caller_.ExpectEvents({"up 100"});
     }
 };
 
-TEST_F(DeathTest, EveryRecipientHearsOfItAsOftenAsItWasAdded)
+TEST_F(DeathTest, EveryRecipientIsCalledAsOftenAsItWasAdded)
 {
     service_.Ask([] { Make("y"), Hold(); });
     caller_.Ask([] { Mourn("s"), Mourn("s"), Mourn("s"), Unmourn("s"), Call("s", GIVE, "y"); });
@@ -22,7 +22,7 @@ TEST_F(DeathTest, EveryRecipientHearsOfItAsOftenAsItWasAdded)
     caller_.Expect("1", [] { return Mourn("y"); });
     caller_.Expect("0", [] { return IsDead("s"); });
     caller_.Begin([] { return Call("s", EVENT, "waits"); });
-    service_.Hears({"me waits"});
+    service_.ExpectEvents({"me waits"});
     service_.Kill();
     EXPECT_EQ(caller_.Events(5), (std::vector<std::string>{"dead s", "dead s", "dead y", "done 32", "down 100"}));
     caller_.Expect("0", [] { return Mourn("s"); });
@@ -42,7 +42,7 @@ TEST_F(DeathTest, LastEventsComeBeforeTheNewsOfAnEndAndOfASuccessor)
         sendLate([] { Unserve(100), Serve(100); });
         caller_.Ask(Release);
         ExpectEvents(caller_, "x", 50);
-        caller_.Hears({"down 100", "up 100"});
+        caller_.ExpectEvents({"down 100", "up 100"});
     }
     caller_.Await("0", [] { return Find("s", 100); });
     caller_.Expect("0 hello", [] { return Call("s", REPEAT, "hello"); });
@@ -54,7 +54,7 @@ TEST_F(DeathTest, LastEventsComeBeforeTheNewsOfAnEndAndOfASuccessor)
     successor.Await("0", [] { return Serve(100); });
     caller_.Ask(Release);
     ExpectEvents(caller_, "x", 50);
-    caller_.Hears({"dead s", "down 100", "up 100"});
+    caller_.ExpectEvents({"dead s", "down 100", "up 100"});
 }
 
 TEST_F(DeathTest, TheNewsOfAnEndDoesNotWaitForeverForAReaderOfLastEvents)
@@ -65,14 +65,14 @@ TEST_F(DeathTest, TheNewsOfAnEndDoesNotWaitForeverForAReaderOfLastEvents)
     };
     sendLate(service_);
     service_.Expect("0", [] { return Unserve(100); });
-    caller_.Hears({"x 0", "down 100"});
+    caller_.ExpectEvents({"x 0", "down 100"});
     caller_.Ask(Release); // The other event is dropped.
     service_.Ask([] { Serve(100); });
-    caller_.Hears({"up 100"});
+    caller_.ExpectEvents({"up 100"});
     caller_.Ask([] { Mourn("s"); });
     sendLate(service_); // On a new connection.
     service_.Kill();
-    caller_.Hears({"x 0", "dead s", "down 100"});
+    caller_.ExpectEvents({"x 0", "dead s", "down 100"});
     caller_.Ask([] { Drop("x"), Release(); });
     caller_.Await("0", Alive);
 }

@@ -121,7 +121,7 @@ public:
     /** Leaves its address to others. */
     void StopListening() { close(std::exchange(listening_, -1)); }
 
-    /** A connection to the service, which is yet to hear a name on it. */
+    /** A connection to the service, on which no name was sent yet. */
     int Open()
     {
         sd_bus_creds* owner = nullptr;
@@ -207,14 +207,14 @@ protected:
         std::ofstream("/proc/" + std::to_string(victim_.Pid()) + "/clear_refs") << 5; // VmHWM starts anew.
         memory_ = Memory("VmRSS");
         caller_.Begin([count = Times(400)] { return Find("s", 66090), Hammer("s", 8, count); });
-        caller_.Hears({"begun"});
+        caller_.ExpectEvents({"begun"});
         attacker_.emplace(busAddress_);
     }
 
     void TearDown() override
     {
         newcomer_.Expect("0", [] { return Find("s", 66090), Call("s", CALL_BACK, "me").substr(0, 1); });
-        caller_.Hears({"done 0"});
+        caller_.ExpectEvents({"done 0"});
         const long taken = Memory("VmHWM") - memory_;
         std::printf("the service took %ld KiB more at most\n", taken);
         EXPECT_TRUE(IS_SANITIZED || taken < 32 << 10) << taken << " KiB, from " << memory_;
@@ -336,13 +336,13 @@ TEST_F(HostileTest, APeerThatIsCalledHarmsItsCallerOnly)
     victim_.Ask([] { Mourn("x"), SetWait(600); });
     victim_.Expect("32", [] { return Call("x", REPEAT); }); // Which proves its death; the daemon knows of none.
     victim_.Expect("1", [] { return IsDead("x"); });
-    victim_.Hears({"dead x"});
+    victim_.ExpectEvents({"dead x"});
 }
 
 TEST_F(HostileTest, TheDaemonAloneSaysWhoOwnsANameAndCarriesNothingBetweenProcesses)
 {
     victim_.Ask([] { Watch(66090); });
-    victim_.Hears({"up 66090"});
+    victim_.ExpectEvents({"up 66090"});
     const std::string victim = VICTIM;
     const std::string send = "dbus-send --bus=$OHOS_BUS_ADDRESS ";
     const std::string daemon = " /org/freedesktop/DBus org.freedesktop.DBus.";
@@ -358,14 +358,14 @@ TEST_F(HostileTest, TheDaemonAloneSaysWhoOwnsANameAndCarriesNothingBetweenProces
     EXPECT_THAT(Run(ask + "RequestName string:" + victim + " uint32:6"), HasSubstr("   uint32 3\n"));
     victim_.Expect("null", [] { return Find("none", 100); }); // What was sent to it so far has come.
     victim_.Ask([] { Watch(66090, "b"); });
-    victim_.Hears({"up 66090b"});
+    victim_.ExpectEvents({"up 66090b"});
 }
 
 TEST_F(HostileTest, AProcessThatStandsStillMissesNothingThoughOthersComeAndGo)
 {
     victim_.Ask([] { Serve(100); });
     newcomer_.Ask([] { Watch(100), Find("s", 66090), Mourn("s"); });
-    newcomer_.Hears({"up 100"});
+    newcomer_.ExpectEvents({"up 100"});
     Helper& peer = Start([] { Serve(200); });
     newcomer_.Ask([] { Find("p", 200), Mourn("p"); });
     newcomer_.Signal(SIGSTOP);
@@ -375,7 +375,7 @@ TEST_F(HostileTest, AProcessThatStandsStillMissesNothingThoughOthersComeAndGo)
     peer.Kill();
     victim_.Ask([] { Unserve(100), Serve(100); });
     newcomer_.Signal(SIGCONT);
-    newcomer_.Hears({"dead p", "down 100", "up 100"});
+    newcomer_.ExpectEvents({"dead p", "down 100", "up 100"});
 }
 
 TEST_F(HostileTest, HalfOpenAndIdleConnectionsToTheDaemonShutNobodyOut)

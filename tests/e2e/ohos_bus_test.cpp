@@ -48,10 +48,10 @@ TEST_F(OhosBusTest, SignalsGoToTheCommandAndTheBusEndsWithIt)
     Helper bus({OHOS_BUS, "--address", folder_ + "/own", "sh", "-c", "echo ready; exec sleep 60"}, "");
     EXPECT_EQ(bus.ReadLine(), "ready");
     Helper& service = Start([] { Watch(100), Serve(100); });
-    service.Hears({"up 100"});
+    service.ExpectEvents({"up 100"});
     bus.Signal(SIGTERM);
     EXPECT_EQ(bus.AwaitEnd(), -SIGTERM);
-    service.Hears({"down 100"});
+    service.ExpectEvents({"down 100"});
     const std::filesystem::path socket = folder_ + "/own";
     EXPECT_TRUE(AwaitThat([&] { return std::filesystem::is_empty(temporary_) && !exists(socket); }));
 }

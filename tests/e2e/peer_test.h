@@ -46,7 +46,7 @@ public:
 
     static int Unserve(int32_t id) { return Manager()->RemoveSystemAbility(id); }
 
-    /** A new object of this process, under its own name, which then tells its events. */
+    /** A new object of this process, under its own name, which then reports its events. */
     static void Make(const char* name) { Name(name, new Object(name)); }
 
     static void Drop(const char* name) { Name(name, nullptr); }
@@ -89,7 +89,7 @@ public:
 
     /**
      * All kinds of calls on so many threads, which hand objects over that both sides drop at once and one that lasts,
-     * on each until one is not answered well. On how many threads that was so. Tells "begun" when all have begun.
+     * on each until one is not answered well. On how many threads that was so. Reports "begun" when all have begun.
      */
     static int Hammer(const char* name, size_t threads, int count)
     {
@@ -108,7 +108,7 @@ public:
                     return;
                 }
                 if (i == 0 && ++begun == threads) {
-                    Helper::Tell("begun");
+                    Helper::Report("begun");
                 }
             }
         };
@@ -127,12 +127,12 @@ public:
         return std::to_string(IPCSkeleton::GetCallingPid()) + "/" + std::to_string(IPCSkeleton::GetCallingUid());
     }
 
-    /** Tells "dead NAME" at the object's death. False if it is refused. */
+    /** Reports "dead NAME" at the object's death. False if it is refused. */
     static bool Mourn(const char* name) { return Named(name)->AddDeathRecipient(Only<Mourner>(name)); }
 
     static bool Unmourn(const char* name) { return Named(name)->RemoveDeathRecipient(Only<Mourner>(name)); }
 
-    /** Tells "up ID" and "down ID", with `tag` at the end; one with the tag "once" unsubscribes then. */
+    /** Reports "up ID" and "down ID", with `tag` at the end; one with the tag "once" unsubscribes then. */
     static void Watch(int32_t id, const char* tag = "") { Manager()->SubscribeSystemAbility(id, Only<Watcher>(tag)); }
 
     static int Unwatch(int32_t id, const char* tag = "")
@@ -148,18 +148,18 @@ public:
         }
     }
 
-    /** Until Release, an event or a notice that is told waits where it is. */
+    /** Until Release, an event or a notice that is reported waits where it is. */
     static void Hold() { SetHeld(true); }
 
     static void Release() { SetHeld(false); }
 
-    /** Waits while that is so; a Hold that comes after `event`, which is told if it is not empty, is too late for it.
+    /** Waits while that is so; a Hold that comes after `event`, which is reported if it is not empty, is too late.
      */
     static void WaitWhileHeld(const std::string& event)
     {
         std::unique_lock<std::mutex> lock(state.mutex);
         if (!event.empty()) {
-            Helper::Tell(event);
+            Helper::Report(event);
         }
         state.released.wait(lock, [] { return !state.isHeld; });
     }
@@ -232,7 +232,7 @@ private:
 
         void OnRemoteDied(const OHOS::wptr<OHOS::IRemoteObject>& object) override
         {
-            Helper::Tell((object.promote() == Named(name_) ? "dead " : "not ") + name_);
+            Helper::Report((object.promote() == Named(name_) ? "dead " : "not ") + name_);
         }
 
     private:

@@ -69,7 +69,7 @@ TEST_F(FileWatchTest, AFileIsFollowedThroughRemovalAndReplacementAndIsUsedOnceBy
     const int second = Open(camera_);
     ExpectUse("camera by tools_tests on");
     close(first);
-    const int other = Open(location_); // Which is told; the end of the first one is not.
+    const int other = Open(location_); // Which is reported; the end of the first one is not.
     ExpectUse("location by tools_tests on");
     close(other);
     ExpectUse("location by tools_tests off");

@@ -61,14 +61,14 @@ TEST_F(ServiceTest, TheServiceEndsItsPushesBeforeItGoes)
     StartService();
     Helper& app = Start([] { PeerTest::Watch(66090), PeerTest::Hold(), RegisterForUses(), RegisterForSwitches(); });
     Helper& other = Start();
-    app.Hears({"up 66090"});
+    app.ExpectEvents({"up 66090"});
     Use("start camera x 1\nstart microphone x 1");
     EXPECT_EQ(app.Events(2), (std::vector<std::string>{"switch 0", "use x"})); // Where they stay.
     service_->Signal(SIGTERM);
     other.Await("28", RegisterForUses); // No push begins any more, of either kind, and the service is still there.
     other.Await("28", RegisterForSwitches);
     app.Ask(PeerTest::Release);
-    app.Hears({"switch 1", "down 66090"}); // Was sent before.
+    app.ExpectEvents({"switch 1", "down 66090"}); // Was sent before.
     EXPECT_EQ(service_->AwaitEnd(), 0);
 }
 

@@ -49,14 +49,14 @@ Lines Failure(const std::string& function, const std::string& message = "proxy i
 // A listener of both kinds.
 class Listener : public Indicator::IndicatorSwitchListener, public Privacy::PrivacyEventListener {
 public:
-    void OnSwitchChanged(const IndicatorData& indicatorData) override { hear(indicatorData.ToString()); }
+    void OnSwitchChanged(const IndicatorData& indicatorData) override { onCall(indicatorData.ToString()); }
 
     void OnPrivacyEventChanged(const std::string& dataType, const std::vector<PrivacyEventRemindInfo>& infos) override
     {
-        hear(dataType + " " + std::to_string(infos.size()) + " " + infos.at(0).ToString());
+        onCall(dataType + " " + std::to_string(infos.size()) + " " + infos.at(0).ToString());
     }
 
-    std::function<void(const std::string&)> hear;
+    std::function<void(const std::string&)> onCall;
 };
 
 // The client is one for all tests of a process, and keeps what it is given: see InNewProcess.
@@ -66,8 +66,8 @@ public:
     {
         g_service = service;
         g_atGate = [] {};
-        first->hear = [](const auto& text) { Journal::Add("1 " + text); };
-        second->hear = [](const auto& text) { Journal::Add("2 " + text); };
+        first->onCall = [](const auto& text) { Journal::Add("1 " + text); };
+        second->onCall = [](const auto& text) { Journal::Add("2 " + text); };
     }
 
 protected:
@@ -78,24 +78,24 @@ protected:
         EXPECT_EQ(Journal::Take(), lines);
     }
 
-    // A switch changes, or the event comes, by the service's stub if there is one: `heardBy` are the listeners that
-    // hear of it, in the client's order.
-    void ExpectSwitch(const std::string& heardBy)
+    // A switch changes, or the event comes, by the service's stub if there is one: `calledOn` are the listeners that
+    // are called, in the client's order.
+    void ExpectSwitch(const std::string& calledOn)
     {
         client.DispatchOnIndicatorSwitchChanged(data);
         Lines lines;
-        for (const char listener : heardBy) {
+        for (const char listener : calledOn) {
             lines = lines + START_DISPATCH + Lines{listener + (" " + DATA.text)};
         }
         EXPECT_EQ(Journal::Take(), lines);
     }
 
-    void ExpectEvent(const std::string& type, const std::string& heardBy, const sptr<EventListener>& stub = nullptr)
+    void ExpectEvent(const std::string& type, const std::string& calledOn, const sptr<EventListener>& stub = nullptr)
     {
         stub != nullptr ? stub->OnPrivacyEventChanged(type, {info})
                         : client.DispatchOnPrivacyEventChanged(type, {info});
         Lines lines;
-        for (const char listener : heardBy) {
+        for (const char listener : calledOn) {
             lines = lines + START_EVENT + Line('D', "DispatchOnPrivacyEventChanged: '" + REMIND_INFO.text + "'") +
                     Lines{listener + (" " + type + " 1 " + REMIND_INFO.text)};
         }
@@ -206,7 +206,7 @@ TEST_F(ClientTest, SwitchListenersShareOneRegistration)
         // A code of the service's keeps no listener out.
         Expect(client.RegisterPrivacyIndicatorSwitchListener(second), -9, START_SWITCH + Lines{"RegisterSwitch"});
         EXPECT_EQ(service->listenerObject, stub);
-        second->hear = [this](const auto& text) { // It may register event listeners.
+        second->onCall = [this](const auto& text) { // It may register event listeners.
             EXPECT_EQ(text, DATA.text);
             EXPECT_EQ(client.RegisterPrivacyEventListener("A", second), -9);
         };
@@ -308,7 +308,7 @@ TEST_F(ClientTest, ARegistryIsLockedWhileItIsUsed)
             other = std::async(std::launch::async, step);
             EXPECT_EQ(other.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
         };
-        first->hear = second->hear = [&wait](const std::string& /* text */) { wait(); };
+        first->onCall = second->onCall = [&wait](const std::string& /* text */) { wait(); };
         EXPECT_EQ(before(), 0);
         g_atGate = wait;
         EXPECT_EQ(use(), 0);
