@@ -19,19 +19,19 @@ using namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Bench;
 namespace {
 
 struct SwitchCounter : Indicator::IndicatorSwitchListener {
-    void OnSwitchChanged(const Indicator::IndicatorData& /* data */) override { ++heard; }
+    void OnSwitchChanged(const Indicator::IndicatorData& /* data */) override { ++calls; }
 
-    int heard = 0;
+    int calls = 0;
 };
 
 struct EventCounter : Privacy::PrivacyEventListener {
     void OnPrivacyEventChanged(
         const std::string& /* dataType */, const std::vector<Privacy::PrivacyEventRemindInfo>& /* infos */) override
     {
-        ++heard;
+        ++calls;
     }
 
-    int heard = 0;
+    int calls = 0;
 };
 
 template <typename Counter>
@@ -55,8 +55,8 @@ void DispatchSwitch(benchmark::State& state)
     for ([[maybe_unused]] auto step : state) {
         client.DispatchOnIndicatorSwitchChanged(data);
     }
-    if (counters.back()->heard == 0) {
-        state.SkipWithError("the listeners hear nothing");
+    if (counters.back()->calls == 0) {
+        state.SkipWithError("no listener was called");
     }
     for (const auto& counter : counters) {
         client.UnregisterPrivacyIndicatorSwitchListener(counter);
@@ -74,8 +74,8 @@ void DispatchEvent(benchmark::State& state)
     for ([[maybe_unused]] auto step : state) {
         client.DispatchOnPrivacyEventChanged(Privacy::SENSOR_STATE_CHANGE, infos);
     }
-    if (counters.back()->heard == 0) {
-        state.SkipWithError("the listeners hear nothing");
+    if (counters.back()->calls == 0) {
+        state.SkipWithError("no listener was called");
     }
     for (const auto& counter : counters) {
         client.UnregisterPrivacyEventListener(counter);

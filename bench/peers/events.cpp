@@ -48,9 +48,9 @@ constexpr int REPEATED = 20;
 constexpr int ROUNDS = 31;
 
 /** Counts, for all processes, how many of them have an event. */
-class Heard {
+class Receipts {
 public:
-    explicit Heard(uint32_t all) : all_(all) {}
+    explicit Receipts(uint32_t all) : all_(all) {}
 
     void Add()
     {
@@ -64,7 +64,7 @@ public:
         const timespec patience{10, 0};
         for (uint32_t now = count_; now < all_; now = count_) {
             if (syscall(SYS_futex, &count_, FUTEX_WAIT, now, &patience, nullptr, 0) != 0 && errno == ETIMEDOUT) {
-                Fail("events: only " + std::to_string(now) + " of " + std::to_string(all_) + " processes heard");
+                Fail("events: only " + std::to_string(now) + " of " + std::to_string(all_) + " processes received it");
             }
         }
         count_ = 0;
@@ -75,19 +75,20 @@ private:
     const uint32_t all_;
 };
 
-std::unique_ptr<Heard, void (*)(Heard*)> MakeHeard(int processes)
+std::unique_ptr<Receipts, void (*)(Receipts*)> MakeReceipts(int processes)
 {
-    void* memory = mmap(nullptr, sizeof(Heard), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    void* memory = mmap(nullptr, sizeof(Receipts), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED) {
         Fail("no shared memory");
     }
-    return {new (memory) Heard(static_cast<uint32_t>(processes)), [](Heard* heard) { munmap(heard, sizeof(Heard)); }};
+    return {new (memory) Receipts(static_cast<uint32_t>(processes)),
+        [](Receipts* receipts) { munmap(receipts, sizeof(Receipts)); }};
 }
 
 /** A sender and its listeners, each a process. */
 class Audience {
 public:
-    explicit Audience(int processes) : heard_(MakeHeard(processes)) {}
+    explicit Audience(int processes) : receipts_(MakeReceipts(processes)) {}
     virtual ~Audience() = default;
 
     /** The seconds that an event took. */
@@ -126,7 +127,7 @@ protected:
         sender_->Receive<char>();
     }
 
-    const std::unique_ptr<Heard, void (*)(Heard*)> heard_;
+    const std::unique_ptr<Receipts, void (*)(Receipts*)> receipts_;
 
 private:
     std::unique_ptr<Worker> sender_;
@@ -146,7 +147,7 @@ public:
                 std::string event(SizeOf(kind), '\0');
                 SendAll(ready, "", 1);
                 while (ReceiveAll(line[1], event.data(), event.size())) {
-                    heard_->Add();
+                    receipts_->Add();
                     if (kind == Kind::EVENT) {
                         SendAll(line[1], event.data(), ANSWER_SIZE);
                     }
@@ -171,7 +172,7 @@ private:
             for (const auto& line : lines) {
                 SendOne(kind, line[0]);
             }
-            heard_->AwaitAll();
+            receipts_->AwaitAll();
             for (size_t i = 0; kind == Kind::EVENT && i < lines.size(); ++i) {
                 ReceiveAnswer(lines[i][0]);
             }
@@ -195,7 +196,7 @@ private:
                     }
                 });
             }
-            heard_->AwaitAll();
+            receipts_->AwaitAll();
             for (auto& each : queues) {
                 each.AwaitCalls();
             }
@@ -219,17 +220,17 @@ private:
 };
 
 struct Listener : Indicator::IndicatorSwitchListener, Privacy::PrivacyEventListener {
-    explicit Listener(Heard& toAdd) : heard(toAdd) {}
+    explicit Listener(Receipts& toAdd) : receipts(toAdd) {}
 
-    void OnSwitchChanged(const Indicator::IndicatorData& /* data */) override { heard.Add(); }
+    void OnSwitchChanged(const Indicator::IndicatorData& /* data */) override { receipts.Add(); }
 
     void OnPrivacyEventChanged(
         const std::string& /* dataType */, const std::vector<Privacy::PrivacyEventRemindInfo>& /* infos */) override
     {
-        heard.Add();
+        receipts.Add();
     }
 
-    Heard& heard;
+    Receipts& receipts;
 };
 
 /** Calls its listeners one after the other, on one thread. */
@@ -277,7 +278,7 @@ public:
         for (int i = 0; i < processes; ++i) {
             AddListener([&, kind](int line) {
                 auto& client = PrivacyIndicatorClient::GetInstance();
-                const auto listener = std::make_shared<Listener>(*heard_);
+                const auto listener = std::make_shared<Listener>(*receipts_);
                 kind == Kind::SWITCH ? client.RegisterPrivacyIndicatorSwitchListener(listener)
                                      : client.RegisterPrivacyEventListener(Privacy::SENSOR_STATE_CHANGE, listener);
                 SendAll(line, "", 1);
@@ -303,7 +304,7 @@ private:
         const auto service = Start<SendingService>();
         SendEvents(line, [&](int /* number */) {
             service->SendToAll();
-            heard_->AwaitAll();
+            receipts_->AwaitAll();
         });
     }
 
@@ -317,7 +318,7 @@ private:
             } else {
                 number % 2 == 0 ? service->BeginUse(use) : service->EndUse(use);
             }
-            heard_->AwaitAll();
+            receipts_->AwaitAll();
             service->AwaitDelivery();
         });
     }
