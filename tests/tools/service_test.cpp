@@ -35,6 +35,16 @@ int32_t RegisterForSwitches()
     return Service()->RegisterPrivacyIndicatorSwitchListener(listener);
 }
 
+// Whether something waits to be read from a socket of this process.
+bool HasUnread()
+{
+    int size = 0;
+    for (int fd = STDERR_FILENO + 1; fd < 64 && size == 0; ++fd) {
+        ioctl(fd, FIONREAD, &size);
+    }
+    return size > 0;
+}
+
 using ServiceTest = ToolsTest;
 
 TEST_F(ServiceTest, NothingWaitsForWhoDoesNotReadWhatIsPrinted)
@@ -64,11 +74,12 @@ TEST_F(ServiceTest, TheServiceEndsItsPushesBeforeItGoes)
     app.ExpectEvents({"up 66090"});
     Use("start camera x 1\nstart microphone x 1");
     EXPECT_EQ(app.Events(2), (std::vector<std::string>{"switch 0", "use x"})); // Where they stay.
+    app.Await("1", HasUnread);                                                 // The next switch was sent.
     service_->Signal(SIGTERM);
     other.Await("28", RegisterForUses); // No push begins any more, of either kind, and the service is still there.
     other.Await("28", RegisterForSwitches);
     app.Ask(PeerTest::Release);
-    app.ExpectEvents({"switch 1", "down 66090"}); // Was sent before.
+    app.ExpectEvents({"switch 1", "down 66090"});
     EXPECT_EQ(service_->AwaitEnd(), 0);
 }
 
