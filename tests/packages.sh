@@ -5,8 +5,8 @@
 # this machine, and nothing else; a service and its caller then run there.
 set -euo pipefail
 if [[ ${2-} != isolated ]]; then
-    # Root, and mounts, of its own.
-    exec unshare --map-root-user --mount bash "$0" "$1" isolated
+    # Root, mounts and processes of its own; these end with it.
+    exec unshare --map-root-user --mount --pid --fork --kill-child bash "$0" "$1" isolated
 fi
 
 cd "$1"
