@@ -54,6 +54,9 @@ for program in consumer module_consumer; do
     echo "result -1, 0 active indicators" | diff - "$work/output" || fail "with no service, it prints something else"
 done
 
+"$work/moved/bin/indicator_ctl" --version | sed s/indicator_ctl/ohos_bus/ >"$work/output"
+"$platform/bin/ohos_bus" --version | diff - "$work/output" || fail "ohos_bus is of another version than indicator_ctl"
+
 # The service says "ready" once it can be found, or ends and closes the pipe.
 mkfifo "$work/said"
 # shellcheck disable=SC2016
