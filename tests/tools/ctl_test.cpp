@@ -91,17 +91,4 @@ TEST_F(CtlTest, WhatATerminalGetsIsPrintable)
     EXPECT_EQ(terminal.Bytes().find('\033'), std::string::npos);
 }
 
-TEST_F(ToolsTest, CompletionOffersWhatTheHelpNames)
-{
-    const auto complete = [this](const std::string& line) {
-        return Run("bash -c 'PATH=" EXAMPLES_DIR ":$PATH; . " COMPLETION "; compopt() { :; }; COMP_WORDS=(" + line +
-                   "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _indicator_tool ${COMP_WORDS[0]} ${COMP_WORDS[-1]}; "
-                   "echo ${COMPREPLY[*]}'");
-    };
-    EXPECT_EQ(complete("indicator_ctl e"), "events\n= 0\n");
-    EXPECT_EQ(complete("indicator_ctl events --u"), "--user=\n= 0\n");
-    EXPECT_EQ(complete("indicator_ctl off m"), "microphone\n= 0\n");
-    EXPECT_EQ(complete("indicator_monitor --j"), "--json\n= 0\n");
-}
-
 } // namespace
