@@ -28,6 +28,7 @@ fi
 configure()
 {
     "$cmake" -G Ninja -S "$source/tests/consumer" -B "$work/consumer" -DCMAKE_CXX_COMPILER="$cxx" \
+        -DREADME="$source/README.md" \
         -DCMAKE_CXX_FLAGS="$flag" -DCMAKE_PREFIX_PATH="$work/device" "$@"
 }
 if configure 2>"$work/output" || ! grep -F QNL_PLATFORM_INCLUDE_DIRS "$work/output"; then

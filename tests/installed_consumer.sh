@@ -23,7 +23,7 @@ cp -r "$source/tests/consumer" "$work/consumer"
 configure()
 {
     "$cmake" -G Ninja -S "$work/consumer" -B "$work/build" -DCMAKE_CXX_COMPILER="$cxx" \
-        -DCMAKE_PREFIX_PATH="$work/moved" -DFURTHER_COMPONENTS="$1"
+        -DREADME="$source/README.md" -DCMAKE_PREFIX_PATH="$work/moved" -DFURTHER_COMPONENTS="$1"
 }
 if configure "testing;dvice" 2>"$work/output"; then
     fail "it finds a component that does not exist"
@@ -46,7 +46,7 @@ ldd "$work/build/device_consumer" | grep -qF "$work/moved/lib/qnl_privacy_indica
     fail "a program for the device's variant loads another one"
 find "$work/moved" -name '*.pc' -exec dirname {} \; | sort -u >"$work/modules"
 PKG_CONFIG_PATH=$(cat "$work/modules") pkg-config --cflags --libs qnl_privacy_indicator_testing >"$work/flags"
-xargs "$cxx" -std=c++17 "$work/consumer/main.cpp" -o "$work/build/module_consumer" <"$work/flags"
+xargs "$cxx" -std=c++17 "$work/build/main.cpp" -o "$work/build/module_consumer" <"$work/flags"
 for program in consumer module_consumer; do
     if "$work/build/$program" >"$work/output"; then
         fail "$program found a service where none is"
