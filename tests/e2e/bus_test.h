@@ -3,7 +3,6 @@
 #define BUS_TEST_H
 
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <pty.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
@@ -26,7 +25,6 @@
 #include <sstream>
 #include <string>
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 using Clock = std::chrono::steady_clock;
@@ -59,8 +57,7 @@ bool AwaitThat(F isSo)
  */
 class Helper {
 public:
-    /** Without a command, a fork. It gets `busAddress` as OHOS_BUS_ADDRESS. Its input and output are a socket, or a
-     * terminal that it is in front of. */
+    /** Without a command, a fork. Its input and output are a socket, or a terminal that it is in front of. */
     Helper(const std::vector<std::string>& command, const std::string& busAddress, bool isOnTerminal = false)
     {
         int ends[2];
@@ -132,7 +129,7 @@ public:
         EXPECT_EQ(last, answer);
     }
 
-    /** Runs it on a thread of its own, which reports "done RESULT" in the end. */
+    /** Runs it on a thread of its own, which reports the event "done RESULT" in the end. */
     template <typename F>
     void Begin(F function)
     {
@@ -141,10 +138,8 @@ public:
         });
     }
 
-    /** In a helper: prints an event, which may come from any thread. */
     static void Report(const std::string& event) { Print("! " + event); }
 
-    /** The next event. */
     std::string Event()
     {
         if (events_.empty()) {
@@ -155,7 +150,6 @@ public:
         return event.substr(std::min<size_t>(event.size(), 2));
     }
 
-    /** Its next events must be these, in this order. */
     void ExpectEvents(std::initializer_list<std::string> events)
     {
         for (const std::string& event : events) {
@@ -163,7 +157,6 @@ public:
         }
     }
 
-    /** The next `count` events, sorted. */
     std::vector<std::string> Events(size_t count)
     {
         std::vector<std::string> events(count);
@@ -191,7 +184,6 @@ public:
         return std::distance(begin(all), end(all));
     }
 
-    /** Writes to a program's standard input. */
     void Input(const std::string& text) const
     {
         EXPECT_EQ(send(line_, text.data(), text.size(), MSG_NOSIGNAL), static_cast<ssize_t>(text.size()));

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/resource.h>
 
 #include <ctime>

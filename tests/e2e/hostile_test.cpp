@@ -118,7 +118,6 @@ public:
         return fd;
     }
 
-    /** Leaves its address to others. */
     void StopListening() { close(std::exchange(listening_, -1)); }
 
     /** A connection to the service, on which no name was sent yet. */
@@ -156,7 +155,6 @@ public:
         return connections_.size();
     }
 
-    /** Closes the last connection. */
     void HangUp()
     {
         close(connections_.back());

@@ -153,8 +153,7 @@ public:
 
     static void Release() { SetHeld(false); }
 
-    /** Waits while that is so; a Hold that comes after `event`, which is reported if it is not empty, is too late.
-     */
+    /** Reports `event` if it is not empty, and waits while that is so; a later Hold does not count. */
     static void WaitWhileHeld(const std::string& event)
     {
         std::unique_lock<std::mutex> lock(state.mutex);

@@ -105,15 +105,4 @@ TEST_F(MonitorTest, JsonIsAnObjectALine)
     EXPECT_EQ(use["uses"][0]["bundleName"], "\"\xef\xbf\xbd");
 }
 
-TEST_F(MonitorTest, ABrokenPipeEndsIt)
-{
-    StartService();
-    Helper monitor({"bash", "-c", MONITOR + " | head -n 1; echo ${PIPESTATUS[0]}"}, busAddress_);
-    EXPECT_EQ(monitor.ReadLine(), "listening");
-    Use("start camera com.example.chat 5"); // Of its two lines, the first may still meet a reader.
-    Use("start camera com.example.maps 5");
-    EXPECT_EQ(monitor.ReadLine(), "141");
-    EXPECT_EQ(monitor.AwaitEnd(), 0);
-}
-
 } // namespace

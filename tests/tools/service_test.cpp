@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// The example service and its listeners.
 #include "indicator_switch_listener_stub_impl.h"
 #include "privacy_event_listener_stub_impl.h"
 #include "privacy_indicator_service_intf.h"

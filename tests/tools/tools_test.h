@@ -2,6 +2,7 @@
 #ifndef TOOLS_TEST_H
 #define TOOLS_TEST_H
 
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 
@@ -24,7 +25,6 @@ protected:
         AwaitLine(*service_, "ready");
     }
 
-    /** Has the service read a line. */
     void Use(const std::string& line) const { service_->Input(line + "\n"); }
 
     /** The program's next line that holds `text`; empty, and a failed test, if none comes. */
@@ -71,7 +71,6 @@ public:
         ioctl(line_, TIOCSWINSZ, &size);
     }
 
-    /** Reads up to the end, and waits for it. */
     int AwaitEnd()
     {
         while (Read()) {
@@ -79,10 +78,8 @@ public:
         return Helper::AwaitEnd();
     }
 
-    /** All bytes that the terminal has got. */
     const std::string& Bytes() const { return bytes_; }
 
-    /** The terminal's modes. */
     tcflag_t LocalModes() const
     {
         termios modes{};

@@ -55,7 +55,6 @@ public:
 
     static void Add(const std::string& line) { lines.push_back(line); }
 
-    /** The lines since the last time. */
     static Lines Take() { return std::exchange(lines, {}); }
 
 private:

@@ -241,7 +241,6 @@ TEST_F(ClientTest, EventListenersShareOneRegistrationPerType)
         Expect(client.UnregisterPrivacyEventListener(first), -1,
             Line('W', "UnregisterPrivacyEventListener: dataType '' is empty callback!"));
 
-        // A code of the service's keeps no listener out.
         Expect(client.RegisterPrivacyEventListener("B", second), 22, {"RegisterEvent B"});
         EXPECT_EQ(service->listenerObject, stubB);
         ExpectEvent("B", "2");

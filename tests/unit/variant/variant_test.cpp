@@ -34,7 +34,6 @@ public:
     }
 
 protected:
-    // The service from now on.
     sptr<FakeRemote> ProvideNew()
     {
         sptr<FakeRemote> object = new FakeRemote();
