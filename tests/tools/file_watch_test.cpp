@@ -31,7 +31,6 @@ protected:
         ExpectSaid(said);
     }
 
-    /** The service's next complaint is this, about the file. */
     void ExpectSaid(const std::string& said)
     {
         EXPECT_EQ(AwaitLine(*service_, "indicator_service: "), "indicator_service: " + camera_ + said);
@@ -39,7 +38,6 @@ protected:
 
     static int Open(const std::string& path) { return open(path.c_str(), O_RDONLY | O_CLOEXEC); }
 
-    /** The next use that the monitor prints is this. */
     void ExpectUse(const std::string& use)
     {
         EXPECT_THAT(AwaitLine(*monitor_, "  use  "), testing::EndsWith("  use        " + use));

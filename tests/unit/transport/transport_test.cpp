@@ -22,7 +22,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Two ends of a connection.
 struct Pair {
     Pair()
     {
@@ -63,7 +62,6 @@ TEST(PinsTest, AnObjectIsHeldAsLongAsItIsPinned)
     EXPECT_EQ(pins.Find(0x01000002), nullptr);
 }
 
-// Connections whose making can be refused.
 class CallConnectionsTest : public testing::Test {
 protected:
     CallConnections connections_{[this](int& error) {

@@ -42,7 +42,6 @@ protected:
         return object;
     }
 
-    // What the steps log.
     Lines Logged(const std::vector<std::function<void()>>& steps)
     {
         Journal::Take();
