@@ -15,6 +15,8 @@ namespace OHOS {
 /** Base of every interface whose objects can be remote. Derive plainly: iface_cast casts down statically. */
 class IRemoteBroker : public virtual RefBase {
 public:
+    ~IRemoteBroker() override = default; // Declared, since on a device the virtual functions begin with it.
+
     /** The object that requests go to; null if there is none. */
     virtual sptr<IRemoteObject> AsObject() = 0;
 };
@@ -49,7 +51,7 @@ public:
 
     static BrokerRegistration& Get();
 
-    /** False, and no change, if `descriptor` is empty or taken. The delegator is who will unregister it. */
+    /** False, and no change, if `descriptor` is empty or taken. `delegator` unregisters it later. */
     bool Register(const std::u16string& descriptor, const Constructor& creator, const BrokerDelegatorBase* delegator);
 
     void Unregister(const std::u16string& descriptor);

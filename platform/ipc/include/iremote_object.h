@@ -20,6 +20,8 @@ class MessageParcel;
 /** An object that requests can be sent to, in this process or in another. Any thread may call anything. */
 class IRemoteObject : public virtual Parcelable, public virtual RefBase {
 public:
+    ~IRemoteObject() override = default; // Declared, since on a device the virtual functions begin with it.
+
     /** Is notified of the end of a remote object. */
     class DeathRecipient : public virtual RefBase {
     public:

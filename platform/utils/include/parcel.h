@@ -20,6 +20,8 @@ class Parcel;
  */
 class Parcelable : public virtual RefBase {
 public:
+    ~Parcelable() override = default; // Declared, since on a device the virtual functions begin with it.
+
     /** Appends the object to `parcel`. False if a write failed; what was written before it stays. */
     virtual bool Marshalling(Parcel& parcel) const = 0;
 };
