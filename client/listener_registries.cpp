@@ -60,8 +60,9 @@ int32_t PrivacyIndicatorClient::UnregisterPrivacyIndicatorSwitchListener(
         LogError(CLIENT_TAG, FUNCTION, "listener is null!");
         return FAILURE;
     }
+    decltype(switchListeners)::node_type removed; // Its destructor may call the client: after the lock.
     std::lock_guard<std::mutex> lock(switchListenerMutex);
-    switchListeners.erase(listener);
+    removed = switchListeners.extract(listener);
     if (!switchListeners.empty()) {
         return 0;
     }
@@ -133,10 +134,12 @@ int32_t PrivacyIndicatorClient::UnregisterPrivacyEventListener(
         LogError(CLIENT_TAG, FUNCTION, "privacyEventListener is null!");
         return FAILURE;
     }
+    decltype(privacyEventListeners)::mapped_type::node_type removed; // As above.
     std::lock_guard<std::mutex> lock(privacyEventMutex);
     std::string dataType;
     for (auto entry = privacyEventListeners.begin(); entry != privacyEventListeners.end(); ++entry) {
-        if (entry->second.erase(listener) == 0) {
+        removed = entry->second.extract(listener);
+        if (removed.empty()) {
             continue;
         }
         if (!entry->second.empty()) {

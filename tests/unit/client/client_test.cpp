@@ -212,6 +212,10 @@ TEST_F(ClientTest, SwitchListenersShareOneRegistration)
         };
         iface_cast<SwitchListener>(stub)->OnSwitchChanged(data);
         EXPECT_EQ(Journal::Take().back(), "RegisterEvent A");
+        // A listener's destructor may call the client, also where the client held it last.
+        const auto end = [this](Listener*) { client.UnregisterPrivacyIndicatorSwitchListener(second); };
+        client.RegisterPrivacyIndicatorSwitchListener(std::shared_ptr<Listener>(first.get(), end));
+        client.UnregisterPrivacyIndicatorSwitchListener({std::shared_ptr<void>(), first.get()});
     });
 }
 
