@@ -9,7 +9,8 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Composer {
 
 /**
  * Remembers the last valid power event and its sender, for the life of the process. Any thread may call anything. The
- * two are stored one after the other, so a replay in between may see a new event with an old sender.
+ * two are stored one after the other: a replay in between, or two reports at once, may pair an event with the sender of
+ * another one.
  */
 class EventRestorer {
 public:

@@ -25,7 +25,7 @@ public:
     float positionY = 0;                                               ///< Vertical, in the service's own unit.
     float width = 0;                                                   ///< In the service's own unit.
     float height = 0;                                                  ///< In the service's own unit.
-    std::string color;         ///< Any text; the client itself writes "#000000".
+    std::string color;         ///< Any text; "#000000" in what the client reports at the service's end.
     int32_t animationType = 0; ///< The service's own number.
 
     /** @{ As for every record: see privacy_indicator_export.h. */

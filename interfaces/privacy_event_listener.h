@@ -14,8 +14,9 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 class PRIVACY_INDICATOR_EXPORT PrivacyEventListener {
 public:
     /**
-     * Events of `dataType` have happened: an entry for each, perhaps none; or the service has gone, as
-     * PrivacyIndicatorClient says. The arguments are valid during the call only.
+     * Events of `dataType` have happened, and `privacyEventRemindInfos` has a record for each that could be read,
+     * perhaps none; or the service has gone, as PrivacyIndicatorClient says. The arguments are valid during the call
+     * only.
      *
      * Called on a platform thread, with the client's lock for privacy event listeners held: it must not register or
      * unregister any listener, nor wait for a thread that does. (A switch listener may register event listeners. If the

@@ -18,8 +18,9 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator::Privacy {
 class PRIVACY_INDICATOR_EXPORT PrivacyEventListenerStub : public IRemoteStub<PrivacyEventListenerIntf> {
 public:
     /**
-     * Serves one request, and leaves `reply` empty. Returns 0; 1 if the request is for another interface; 22 if it
-     * announces less than one record or more than maxRemindInfoSize; what the platform returns if the code is unknown.
+     * Serves one request, and leaves `reply` empty. Returns 0; 1 if the request is for another interface; 22 if
+     * the number of records that it announces is below 1 or above maxRemindInfoSize; what the platform returns if the
+     * code is unknown.
      */
     int32_t OnRemoteRequest(uint32_t code, MessageParcel& data, MessageParcel& reply, MessageOption& option) override;
 };

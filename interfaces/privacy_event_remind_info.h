@@ -20,8 +20,8 @@ public:
     PrivacyEventRemindInfo(const PrivacyEventRemindInfo&) = default;
     PrivacyEventRemindInfo& operator=(const PrivacyEventRemindInfo&) = default;
 
-    std::string bundleName;         ///< The application; empty for all.
-    int32_t uid = -1;               ///< The user that the application runs as; -1 for all.
+    std::string bundleName;         ///< The application; empty in what the client reports at the service's end.
+    int32_t uid = -1;               ///< The user that the application runs as; likewise -1.
     int32_t privacySensorType = 0;  ///< The number of a PrivacySensorType.
     int32_t privacyAccessState = 0; ///< The access state, such as ACCESS_STATE_OFF.
     uint32_t remindFlag = 0;        ///< The service's own.

@@ -14,8 +14,8 @@ inline constexpr char SENSOR_STATE_CHANGE[] = "sensorStateChange";
 
 /**
  * The access state of a sensor that is not in use any more: the client reports it for every sensor when the service
- * goes away. A service should write it into the history, too. What any other access state stands for is up to the
- * service.
+ * goes away. A service should use it in its PrivacyEventDetail records, too. What any other access state stands for is
+ * up to the service.
  */
 inline constexpr int32_t ACCESS_STATE_OFF = 2;
 

@@ -50,7 +50,7 @@ namespace OHOS::Korvane::Quenlar::PrivacyIndicator {
  * called once for each sensor, with state OFF, the colour "#000000" and 0 for the rest: only a notice of the service's
  * end distinguishes that from a real switch. Then the privacy event listeners of SENSOR_STATE_CHANGE, no others, are
  * called once with a record for each sensor: no name, uid -1, ACCESS_STATE_OFF. An event that the service itself
- * reports should have a name; a filter by user must let the records without one pass.
+ * reports should have a name; a listener that filters by user must let records without a name pass.
  *
  * The state. No listener is called when the service comes back: an app has to query the state again. For that it
  * subscribes to the service with the system ability manager, after its first call of GetInstance(). Where subscribers
@@ -94,7 +94,7 @@ public:
      */
     void WithSystemAbilityProxy(const std::function<void(const sptr<PrivacyIndicatorServiceIntf>&)>& func) noexcept;
 
-    /** Gets a proxy of the service, unless there is a living one. Only the gate calls it: it needs the proxy's lock. */
+    /** Gets a proxy of the service, unless there is a living one. Only the gate calls it, with proxyMutex held. */
     void InitializeProxy() noexcept;
 
     /** Drops the proxy. */
@@ -142,25 +142,26 @@ public:
         const std::shared_ptr<Indicator::IndicatorSwitchListener>& listener) noexcept;
 
     /**
-     * Ends the calls of `listener`: none is under way on return. Returns -1 if it is null. Contract: if no listener is
-     * left, the client's stub is unregistered from the service, even if `listener` was not registered. If there never
-     * was one, the proxy refuses that with PrivacyIndicatorServiceIntf::INVALID_DATA.
+     * `listener` is not called any more: no call is under way on return. Returns -1 if it is null. Contract: if no
+     * listener is left, the client's stub is unregistered from the service, even if `listener` was not registered. If
+     * there never was one, the proxy refuses that with PrivacyIndicatorServiceIntf::INVALID_DATA.
      */
     int32_t UnregisterPrivacyIndicatorSwitchListener(
         const std::shared_ptr<Indicator::IndicatorSwitchListener>& listener) noexcept;
 
     /**
-     * Has `listener` called at privacy events of `dataType`, such as SENSOR_STATE_CHANGE. As with
-     * RegisterPrivacyIndicatorSwitchListener, results and a further try included, for each data type.
+     * Has `listener` called at privacy events of `dataType`, such as SENSOR_STATE_CHANGE. The results and what follows
+     * from them are those of RegisterPrivacyIndicatorSwitchListener, for each data type by itself; the function to try
+     * again with is ReRegisterPrivacyEventListener.
      */
     int32_t RegisterPrivacyEventListener(
         const std::string& dataType, const std::shared_ptr<Privacy::PrivacyEventListener>& listener) noexcept;
 
     /**
-     * Ends the calls of `listener` for the first data type that it is registered for, in alphabetical order: none is
-     * under way on return. Returns -1 if it is null. Contract: a listener that is registered for none counts as the
-     * last one of the empty data type. That gives -1 if no listener was ever registered for it; if one was, the service
-     * ends its calls.
+     * `listener` is not called any more for the first data type that it is registered for, in the order of their bytes:
+     * no call is under way on return. Returns -1 if it is null. Contract: a listener that is registered for none counts
+     * as the last one of the empty data type. That returns -1 if no listener was ever registered for that type;
+     * otherwise the service stops calling every listener of it.
      */
     int32_t UnregisterPrivacyEventListener(const std::shared_ptr<Privacy::PrivacyEventListener>& listener) noexcept;
 

@@ -5,9 +5,11 @@
 /**
  * What holds for all that the library exports, and is not repeated at each class:
  *
- * Exceptions. None leaves the library: a container that cannot get memory, or a callback that throws, ends the
- * process. Only a stub's OnRemoteRequest, which runs on the platform's threads, passes on what its operation throws.
- * Where a comment says that a lack of memory is reported, by a code or by null, the process lives on.
+ * Exceptions. None leaves a noexcept function, as most are: a container that cannot get memory, or a callback that
+ * throws, ends the process. A stub's OnRemoteRequest, which runs on the platform's threads, passes on what its
+ * operation throws, and std::bad_alloc; copies and setters of records may throw that, too. Where a comment says that a
+ * lack of memory is reported, by a code or by null, that holds for the object itself, not for what the platform adds to
+ * it.
  *
  * Records. The classes that derive from Parcelable are values. They hold no lock: several threads may read one at once,
  * but no thread may read one that another one writes. The library carries every number and text unchanged and checks no

@@ -48,11 +48,11 @@ public:
         NOTIFY_POWER_EVENT = 11,
     };
 
-    /** The results that the library itself makes. */
+    /** What the service's proxy and stub return by themselves. */
     enum ErrorCode : int32_t {
         SUCCESS = 0,
         TOKEN_MISMATCH = 1, ///< The request is for another interface.
-        INVALID_DATA = 5,   ///< An argument or a record cannot be written or read, or there is no remote object.
+        INVALID_DATA = 5,   ///< An argument or a record that cannot be written or read, too many, or no remote object.
         INVALID_VALUE = 22, ///< The interface token or the result cannot be written.
     };
 
@@ -68,7 +68,7 @@ public:
     virtual int32_t RegisterPrivacyEventListener(
         const std::string& dataType, const sptr<Privacy::PrivacyEventListenerIntf>& privacyEventListener) = 0;
 
-    /** Ends the calls of `privacyEventListener`, for all data types. */
+    /** Has the service not call `privacyEventListener` any more, for no data type. */
     virtual int32_t UnregisterPrivacyEventListener(
         const sptr<Privacy::PrivacyEventListenerIntf>& privacyEventListener) = 0;
 
@@ -94,7 +94,7 @@ public:
     virtual int32_t RegisterPrivacyIndicatorSwitchListener(
         const sptr<Indicator::IndicatorSwitchListenerIntf>& listener) = 0;
 
-    /** Ends the calls of `listener`. */
+    /** Has the service not call `listener` any more. */
     virtual int32_t UnregisterPrivacyIndicatorSwitchListener(
         const sptr<Indicator::IndicatorSwitchListenerIntf>& listener) = 0;
 

@@ -23,7 +23,7 @@ bool ReadTokenOf(MessageParcel& data)
 {
     const std::u16string& expected = TokenOf<I>();
     const std::u16string token = data.ReadInterfaceToken();
-    // As bytes: the standard library compares the units of a UTF-16 string one by one.
+    // As bytes, which is faster: the standard library compares unit by unit.
     return token.size() == expected.size() &&
            std::memcmp(token.data(), expected.data(), token.size() * sizeof(char16_t)) == 0;
 }

@@ -18,9 +18,10 @@ constexpr size_t MIN_RECORD_SIZE = 28;
 constexpr size_t MAX_RESERVED = 1024;
 
 /**
- * Makes room in `records` for `count` records, at least 1, of which the first one has been read from `parcel` and the
- * others follow there. The count is the sender's and may be false, so room is made for no more records than the parcel
- * can hold. Without it the vector would copy every text each time it grows, since records have no move operations.
+ * Makes room in `records` for `count` records, which is 1 or more, of which the first one has been read from `parcel`
+ * and the others follow there. The count is the sender's and may be false, so room is made for no more records than the
+ * parcel can hold. Without it the vector would copy every text each time it grows, since records have no move
+ * operations.
  */
 template <typename T>
 void ReserveReceived(std::vector<T>& records, int32_t count, const Parcel& parcel)

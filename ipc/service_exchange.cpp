@@ -9,7 +9,7 @@ int32_t ServiceExchange::Fail(int32_t error, const char* failure)
 {
     if (IsGood()) {
         constexpr HiviewDFX::HiLogLabel LABEL = PrivacyIndicatorServiceIntf::LABEL;
-        // The members, since g++ cannot pass a HiLogLabel of a device's to HiLog::Error.
+        // Member by member: g++ cannot pass a device's HiLogLabel to HiLog::Error.
         HiLogPrint(LABEL.type, LOG_ERROR, LABEL.domain, LABEL.tag, failure);
         error_ = error;
     }

@@ -20,7 +20,7 @@ public:
     /** Makes a tag of the component's log type and domain. */
     static Tag Create(const std::string& module, const std::string& component, const std::string& subSystem);
 
-    /** What HiLogPrint takes; its tag is the subsystem's. */
+    /** What HiLogPrint takes: its tag is the subsystem's name. */
     LogType GetLogType() const { return LOG_CORE; }
     uint32_t GetDomain() const { return 0xD005610; }
     const std::string& GetSubSystemTag() const { return subSystem_; }
