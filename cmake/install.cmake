@@ -17,13 +17,21 @@ if(QNL_PLATFORM STREQUAL "standin")
     install(DIRECTORY testing/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${package}_testing COMPONENT development
         FILES_MATCHING PATTERN *.h)
 
-    # For pkg-config. The file's own folder leads to the rest of the tree.
-    file(RELATIVE_PATH prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
-    file(RELATIVE_PATH libdir ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_FULL_LIBDIR})
+    # For pkg-config. Its files name the folder that the tree is installed to, which is known then at the earliest.
+    set(modules_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
     function(qnl_install_module module template variant folder)
         set(file ${CMAKE_CURRENT_BINARY_DIR}/${module}.pc)
         configure_file(cmake/${template}.pc.in ${file} @ONLY)
-        install(FILES ${file} DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+        install(FILES ${file} DESTINATION ${modules_dir} COMPONENT development)
+        install(CODE "set(file \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${modules_dir}/${module}.pc\")"
+            COMPONENT development)
+        install(CODE [[
+            file(READ "${file}" text)
+            cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_PREFIX OUTPUT_VARIABLE prefix)
+            string(REPLACE " " "\\ " prefix "${prefix}")
+            string(REPLACE "<prefix>" "${prefix}" text "${text}")
+            file(WRITE "${file}" "${text}")
+        ]] COMPONENT development)
     endfunction()
     qnl_install_module(${package} ${package} emulator "")
     qnl_install_module(${package}_device ${package} device /${package}/device)

@@ -38,7 +38,7 @@ if "$work/build/host" >"$work/output"; then
     fail "it found a service where none is"
 fi
 echo "result -1, 0 active indicators" | diff - "$work/output" || fail "the host prints something else"
-"$cmake" --install "$work/build" --prefix "$work/from_host"
-"$cmake" --install "$build" --prefix "$work/from_here"
+DESTDIR=$work/from_host "$cmake" --install "$work/build" --prefix /qnl
+DESTDIR=$work/from_here "$cmake" --install "$build" --prefix /qnl
 # The title of a man page has the month in which it was made.
 diff -r -I '^\.TH ' "$work/from_host" "$work/from_here" || fail "two builds install different bytes"

@@ -33,7 +33,8 @@ configure "testing;tools"
 "$cmake" --build "$work/build"
 
 platform=$work/moved/lib/qnl_privacy_indicator/platform
-if grep -rF -e "$source" -e "$build" -e "$work/installed" "$work/moved" "$work/build/build.ninja"; then
+if grep -rF -e "$source" -e "$build" "$work/moved" "$work/build/build.ninja" ||
+    grep -rF --exclude='*.pc' -e "$work/installed" "$work/moved" "$work/build/build.ninja"; then
     fail "the installed package leads back to where it came from"
 fi
 for library in "$work"/moved/lib/*.so "$platform"/lib/*.so "$work"/moved/bin/indicator_*; do
@@ -44,9 +45,12 @@ done
 
 ldd "$work/build/device_consumer" | grep -qF "$work/moved/lib/qnl_privacy_indicator/device/libqnl_" ||
     fail "a program for the device's variant loads another one"
-find "$work/moved" -name '*.pc' -exec dirname {} \; | sort -u >"$work/modules"
-PKG_CONFIG_PATH=$(cat "$work/modules") pkg-config --cflags --libs qnl_privacy_indicator_testing >"$work/flags"
+export PKG_CONFIG_PATH="$work/moved/lib/pkgconfig"
+[ "$(pkg-config --variable=prefix qnl_privacy_indicator_testing)" = "$work/installed" ] ||
+    fail "pkg-config does not know where the tree was installed"
+pkg-config --define-prefix --cflags --libs qnl_privacy_indicator_testing >"$work/flags"
 xargs "$cxx" -std=c++17 "$work/build/main.cpp" -o "$work/build/module_consumer" <"$work/flags"
+rm -r "$PKG_CONFIG_PATH" # Where a program runs, it may be missing.
 for program in consumer module_consumer; do
     if "$work/build/$program" >"$work/output"; then
         fail "$program found a service where none is"
