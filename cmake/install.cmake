@@ -18,13 +18,18 @@ if(QNL_PLATFORM STREQUAL "standin")
         FILES_MATCHING PATTERN *.h)
 
     # For pkg-config. Its files name the folder that the tree is installed to, which is known then at the earliest.
-    set(modules_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+    # A folder that is an absolute path stays as it is.
+    set(libdir [[${prefix}]])
+    set(includedir [[${prefix}]])
+    set(modules_dir [[${CMAKE_INSTALL_PREFIX}]])
+    cmake_path(APPEND libdir ${CMAKE_INSTALL_LIBDIR})
+    cmake_path(APPEND includedir ${CMAKE_INSTALL_INCLUDEDIR})
+    cmake_path(APPEND modules_dir ${CMAKE_INSTALL_LIBDIR} pkgconfig)
     function(qnl_install_module module template variant folder)
         set(file ${CMAKE_CURRENT_BINARY_DIR}/${module}.pc)
         configure_file(cmake/${template}.pc.in ${file} @ONLY)
-        install(FILES ${file} DESTINATION ${modules_dir} COMPONENT development)
-        install(CODE "set(file \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${modules_dir}/${module}.pc\")"
-            COMPONENT development)
+        install(FILES ${file} DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+        install(CODE "set(file \"\$ENV{DESTDIR}${modules_dir}/${module}.pc\")" COMPONENT development)
         install(CODE [[
             file(READ "${file}" text)
             cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_PREFIX OUTPUT_VARIABLE prefix)
