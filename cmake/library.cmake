@@ -48,6 +48,11 @@ function(qnl_add_variant target variant to_platform)
         EXPORT_NAME ${name}
         OUTPUT_NAME ${library}
         LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib/${variant})
+    # A host may set a folder for each configuration, which would be the same for both variants.
+    foreach(config IN LISTS CMAKE_BUILD_TYPE CMAKE_CONFIGURATION_TYPES)
+        string(TOUPPER ${config} config)
+        set_property(TARGET ${target} PROPERTY LIBRARY_OUTPUT_DIRECTORY_${config})
+    endforeach()
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${exports})
     target_link_options(${target}
         PRIVATE
