@@ -5,6 +5,12 @@ if(NOT QNL_INSTALL OR NOT TARGET qnl_man_pages)
 endif()
 set(CPACK_GENERATOR DEB)
 set(CPACK_STRIP_FILES ON)
+# Folders are made with the umask, whichever permissions cpack is told to give them.
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_BINARY_DIR}/packaging/folders.cmake)
+file(WRITE ${CPACK_PRE_BUILD_SCRIPTS} [[
+execute_process(COMMAND find ${CPACK_TEMPORARY_INSTALL_DIRECTORY} -type d -exec chmod 755 {} +
+    COMMAND_ERROR_IS_FATAL ANY)
+]])
 set(CPACK_PACKAGE_CONTACT "${PROJECT_NAME} maintainers <maintainers@qnl-privacy-indicator.invalid>")
 set(CPACK_COMPONENTS_ALL library development tools)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
