@@ -58,6 +58,33 @@ grep -v '^#' "$kept/platform_symbols.txt" | diff - "$work/needed" || {
     echo "the library needs other symbols of the platform than abi/platform_symbols.txt says, see docs/abi.md" >&2
     exit 1
 }
+if [ "$(uname -m)" != x86_64 ]; then
+    echo "abi/ has the layouts for x86-64: those of $(uname -m) are not compared"
+    exit 0
+fi
+
+# All that the headers declare, also what no function of the library uses and its debug information would leave out.
+for header in "$source"/interfaces/*.h; do
+    printf '#include "%s"\n' "${header##*/}"
+done | g++ -std=c++17 -fno-rtti -DOHOS_PLATFORM -gdwarf-5 -fno-eliminate-unused-debug-types -femit-class-debug-always \
+    -I "$source/interfaces" -isystem "$platform/include" -x c++ -c - -o "$work/classes.o"
+readelf --debug-dump=info "$work/classes.o" >"$work/debug"
+awk -f "$kept/classes.awk" "$work/debug" | LC_ALL=C sort -s -t "$(printf '\t')" -k1,1 -k2,2n -k3,3n | cut -f4- |
+    c++filt | sed -E 's/OHOS::Korvane::Quenlar::PrivacyIndicator:://g
+        s/std::__cxx11::basic_string<char, std::char_traits<char>, std::allocator<char> >/std::string/g
+        s/, std::allocator<[^<>]*> >/>/g' >"$work/classes"
+if [ "${QNL_ABI_UPDATE-}" ]; then
+    { echo "# SPDX-License-Identifier: Apache-2.0" && cat "$work/classes"; } >"$kept/classes.txt"
+fi
+grep -v '^#' "$kept/classes.txt" | diff -U 0 -F '^class' - "$work/classes" || {
+    echo "the classes differ from abi/classes.txt: after ./dev abi, git diff abi/ shows how; see docs/abi.md" >&2
+    exit 1
+}
+
+if ! command -v abidiff >/dev/null; then
+    echo "abidiff is not here: the functions' types are not compared with abi/device.xml"
+    exit 0
+fi
 if [ "${QNL_ABI_UPDATE-}" ]; then
     abidw --headers-dir "$source/interfaces" --drop-private-types --suppressions "$kept/outside.ini" \
         --exported-interfaces-only --drop-undefined-syms --no-show-locs --no-comp-dir-path --no-corpus-path \
@@ -65,10 +92,8 @@ if [ "${QNL_ABI_UPDATE-}" ]; then
         sed -E "1a <!-- SPDX-License-Identifier: Apache-2.0 -->
             s| path='[^']*/([a-z]+/[^/']+)'| path='\\1'|" >"$kept/device.xml"
 fi
-if [ "$(uname -m)" = x86_64 ] && command -v abidiff >/dev/null; then
-    abidiff --harmless --headers-dir2 "$source/interfaces" --drop-private-types --suppressions "$kept/outside.ini" \
-        --exported-interfaces-only "$kept/device.xml" "$library" || {
-        echo "the interface differs from abi/device.xml: after ./dev abi, git diff abi/ shows how; see docs/abi.md" >&2
-        exit 1
-    }
-fi
+abidiff --harmless --headers-dir2 "$source/interfaces" --drop-private-types --suppressions "$kept/outside.ini" \
+    --exported-interfaces-only "$kept/device.xml" "$library" || {
+    echo "the interface differs from abi/device.xml: after ./dev abi, git diff abi/ shows how; see docs/abi.md" >&2
+    exit 1
+}
