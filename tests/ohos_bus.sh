@@ -3,7 +3,7 @@
 # usage: ohos_bus.sh SOURCE_DIR
 # What ohos_bus promises to those who run it: where the bus listens, how the command ends, and that nothing is left.
 set -euo pipefail
-bus=$1/platform/samgr/bin/ohos_bus
+bus=$(realpath "$1")/platform/samgr/bin/ohos_bus
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work"
@@ -48,11 +48,12 @@ expect 0 "unix:path=$TMPDIR/ohos_bus.*/bus" "$bus" "${show[@]}"
 ln -s "$bus" link
 expect 0 "unix:path=$work/own" ./link --address own "${show[@]}"
 mkdir copy
-cp "$bus" "$1/platform/samgr/etc/ohos_bus.conf.in" copy
+cp "$bus" "$(dirname "$bus")/../etc/ohos_bus.conf.in" copy
 expect 0 "unix:path=$work/own" copy/ohos_bus --address own "${show[@]}"
 # shellcheck disable=SC2016
 expect 0 '' env TMPDIR=tmp "$bus" sh -c 'test -S "${OHOS_BUS_ADDRESS#unix:path=}"'
 expect 7 x "$bus" sh -c 'echo x; exit 7'
+expect 127 'ohos_bus: there is no command nothing' "$bus" nothing
 
 usage='Usage: ohos_bus [[]--address PATH] COMMAND [[]ARGUMENT...]*'
 expect 0 "$usage" "$bus" --help
@@ -68,14 +69,22 @@ if unshare --map-user=54321 true 2>/dev/null; then # Where there are user namesp
         unshare --map-user=54321 "$bus" true
 fi
 
+# What asks the daemon of DBUS_SESSION_BUS_ADDRESS something.
+ask=(dbus-send --type=method_call --print-reply=literal --dest=org.freedesktop.DBus /org/freedesktop/DBus
+    org.freedesktop.DBus.GetId)
+odd="a b,c;d:e|f&g<h>%\\é'i"
+mkdir "$odd"
+# shellcheck disable=SC2016
+TMPDIR=$work/$odd expect 0 '*' "$bus" sh -c 'DBUS_SESSION_BUS_ADDRESS=$OHOS_BUS_ADDRESS "$@"' - "${ask[@]}"
+expect 0 'unix:path=*/a%20b%2cc%3bd%3ae%7cf%26g%3ch%3e%25%5c%c3%a9%27i/own' "$bus" --address "$odd/own" "${show[@]}"
+
 # The next bus takes the place of one that has died, which leaves it that when its own command ends.
 # shellcheck disable=SC2016
 expect 0 '*' "$bus" --address own bash -c '
     for child in $(<"/proc/$$/task/$$/children"); do
         [[ $(<"/proc/$child/comm") != dbus-daemon ]] || kill -KILL "$child"
     done
-    exec "$@"' - "$bus" --address own dbus-send --bus="unix:path=$work/own" --type=method_call --print-reply=literal \
-    --dest=org.freedesktop.DBus /org/freedesktop/DBus org.freedesktop.DBus.GetId
+    exec "$@"' - "$bus" --address own env DBUS_SESSION_BUS_ADDRESS="unix:path=$work/own" "${ask[@]}"
 await is_over own
 expect 0 '' "$bus" --address own ln -sfn next own
 await is_over gone
