@@ -19,8 +19,9 @@ bool BrokerRegistration::Register(
 
 void BrokerRegistration::Unregister(const std::u16string& descriptor)
 {
+    decltype(creators_)::node_type removed; // Destroyed after the lock is released.
     std::lock_guard<std::mutex> lock(mutex_);
-    creators_.erase(descriptor);
+    removed = creators_.extract(descriptor);
 }
 
 sptr<IRemoteBroker> BrokerRegistration::NewInstance(const std::u16string& descriptor, const sptr<IRemoteObject>& object)
