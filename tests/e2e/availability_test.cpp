@@ -67,6 +67,13 @@ TEST_F(AvailabilityTest, WithoutABusAProcessHasItsOwnServicesAndWithAMalformedAd
     lone.ExpectEvents({"up 100"});
     lone.Expect("0 same", [] { return Call("s", TAKE, "me"); });
     lone.Expect("0", [] { return Mourn("s"); });
+    lone.Expect("0", [] {
+        if (fork() == 0) {
+            _exit(Manager() == nullptr ? 0 : 1); // Nothing works in the child.
+        }
+        int status = 1;
+        return wait(&status), status;
+    });
     lone.Ask([] { Unserve(100); });
     lone.ExpectEvents({"down 100"});
     lone.Expect("null", [] { return Find("s", 100); });

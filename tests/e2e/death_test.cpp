@@ -57,6 +57,16 @@ TEST_F(DeathTest, LastEventsComeBeforeTheNewsOfAnEndAndOfASuccessor)
     caller_.ExpectEvents({"dead s", "down 100", "up 100"});
 }
 
+TEST_F(DeathTest, LastEventsOfAProcessThatNobodyKnewComeBeforeTheNewsOfItsEnd)
+{
+    service_.Ask([] { Watch(200); });
+    for (int i = 0; i < 30; ++i) {
+        Start([] { Find("s", 100), Serve(200), Send("s", 1), Unserve(200); });
+        EXPECT_EQ(service_.Events(2), (std::vector<std::string>{"me 0", "up 200"}));
+        service_.ExpectEvents({"down 200"});
+    }
+}
+
 TEST_F(DeathTest, TheNewsOfAnEndDoesNotWaitForeverForAReaderOfLastEvents)
 {
     const auto sendLate = [this](Helper& service) {

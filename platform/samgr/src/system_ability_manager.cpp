@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "availability.h"
@@ -20,10 +21,10 @@ using Transport::Services;
 
 namespace {
 
-constexpr int32_t ERR_NULL_ABILITY = 3; // As the manager of a device calls it.
-const std::string NAME_PREFIX = "ohos.sa.SA";
+constexpr int32_t ERR_NULL_ABILITY = 3;                // As the manager of a device calls it.
+constexpr std::string_view NAME_PREFIX = "ohos.sa.SA"; // No object: the bus's thread runs on at exit.
 
-std::string NameOf(int32_t systemAbilityId) { return NAME_PREFIX + std::to_string(systemAbilityId); }
+std::string NameOf(int32_t systemAbilityId) { return std::string(NAME_PREFIX) + std::to_string(systemAbilityId); }
 
 bool HasBus() { return Bus::GetAddress() == Bus::Address::GIVEN; }
 
@@ -57,7 +58,8 @@ class SystemAbilityManager : public ISystemAbilityManager, private Bus::Observer
 public:
     SystemAbilityManager()
     {
-        Peers::Get(); // Which is notified first.
+        Transport::Descriptor::WatchForks(); // Also where there is no bus.
+        Peers::Get();                        // Which is notified first.
         Bus::Get().Observe(*this);
     }
 
@@ -100,11 +102,14 @@ public:
         }
         const MutexLock changing(changeMutex_);
         // There to be called before anyone can know of it.
-        const int32_t error = Replace(systemAbilityId, ability) ? ERR_NONE : Own(systemAbilityId);
+        int32_t error = Replace(systemAbilityId, ability) ? ERR_NONE : Own(systemAbilityId);
+        if (Services::Get().Find(static_cast<uint64_t>(systemAbilityId)) == nullptr) {
+            error = ERR_PERMISSION_DENIED; // On a bus that came meanwhile another process had the number.
+        }
         if (error != ERR_NONE) {
             Replace(systemAbilityId, nullptr);
             // Should the name have been granted after all, or the bus have come meanwhile.
-            Bus::Get().Ask([&] { return Bus::Get().ReleaseName(NameOf(systemAbilityId)); });
+            Bus::Get().AskOrRejoin([&] { return Bus::Get().ReleaseName(NameOf(systemAbilityId)); });
         }
         return error;
     }
@@ -123,7 +128,7 @@ public:
             availability_.Set(systemAbilityId, false);
             return ERR_NONE;
         }
-        const bool isReleased = Bus::Get().Ask([&] { return Bus::Get().ReleaseName(NameOf(systemAbilityId)); });
+        const bool isReleased = Bus::Get().AskOrRejoin([&] { return Bus::Get().ReleaseName(NameOf(systemAbilityId)); });
         return isReleased ? ERR_NONE : ERR_DEAD_OBJECT;
     }
 
@@ -137,7 +142,8 @@ public:
         }
         if (availability_.Subscribe(systemAbilityId, listener) && HasBus()) {
             // Where there is none yet, once there is.
-            Bus::Get().Ask([&] { return Bus::Get().IsWatched(NameOf(systemAbilityId)) || Watch(systemAbilityId); });
+            Bus::Get().AskOrRejoin(
+                [&] { return Bus::Get().IsWatched(NameOf(systemAbilityId)) || Watch(systemAbilityId); });
         }
         return ERR_NONE;
     }

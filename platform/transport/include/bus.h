@@ -76,6 +76,21 @@ public:
         return answer;
     }
 
+    /** The same for what must not be lost: where it does not get its turn, the bus is left and joined anew. */
+    template <typename Question>
+    auto AskOrRejoin(const Question& question) noexcept
+    {
+        bool isAsked = false;
+        const auto answer = Ask([&] {
+            isAsked = true;
+            return question();
+        });
+        if (!isAsked && isUp_) {
+            mustRejoin_ = true;
+        }
+        return answer;
+    }
+
     // Within a question or an observer. Each waits for the daemon, for 8 s at most.
 
     /** This process's unique name, and the bus's own id. */
@@ -126,6 +141,7 @@ private:
 
     std::vector<Observer*> observers_;
     std::atomic<bool> isUp_{false};
+    std::atomic<bool> mustRejoin_{false};
 
     Mutex mutex_;
     Condition turnEnded_;

@@ -20,6 +20,9 @@ public:
     /** At once: with the one for one-way calls, a peer grants 32. */
     static constexpr size_t MAX = 31;
 
+    /** A peer that has hung up this many new connections unread wants none. */
+    static constexpr int MAX_HUNG_UP = 3;
+
     /** How soon a new connection is tried again; one that is given back comes first. */
     static constexpr std::chrono::milliseconds RETRY{10};
 

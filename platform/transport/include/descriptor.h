@@ -23,6 +23,9 @@ public:
         return *this;
     }
 
+    /** From now on a fork's child is known to be one. The first descriptor sees to that, too. */
+    static void WatchForks();
+
     /** Owns what `open` returns; none for a negative number, and `errno` says why. */
     static Descriptor Open(const std::function<int()>& open);
 

@@ -71,14 +71,16 @@ private:
         if (error != DEAD || isClosed_) {
             return error;
         }
-        // There is none yet, or the peer has hung up, so that nothing was sent. A new one it hangs up on only to refuse
-        // it.
-        socket_ = connect_(error);
-        if (socket_) {
+        // There is none yet, or the peer has hung up, so that nothing was sent. It hangs up a new one to refuse it, or
+        // when it hears that this process has given up a service.
+        for (int hungUp = 0; error == DEAD && hungUp < CallConnections::MAX_HUNG_UP; ++hungUp) {
+            socket_ = connect_(error);
+            if (!socket_) {
+                return error;
+            }
             error = message.Send(socket_.Get());
-            return error == DEAD ? REFUSED : error;
         }
-        return error;
+        return error == DEAD ? REFUSED : error;
     }
 
     const CallConnections::Connect connect_;

@@ -33,7 +33,8 @@ public:
     /**
      * To be called when a user's code has run on a platform thread, before its caller or the next notice goes on. The
      * main thread's thread-locals end an exit's callbacks, but not where another thread has loaded the library or
-     * exits. Then what was registered last runs first, before the end of the objects that were called until then.
+     * exits. Then what was registered last runs first: before the end of the objects that there were at the latest of
+     * these calls whose number is a power of two.
      */
     static void WatchExit();
 

@@ -33,7 +33,7 @@ public:
 
     Connection connection;
     ucred maker{};                      // The process that has made it, by the kernel's word.
-    bool isHungUp = false;              // For reading. Guarded by the inbound connections.
+    std::atomic<bool> isHungUp{false};  // For reading: what comes later comes on another connection.
     std::atomic<bool> isStopped{false}; // Nothing more is served: what was not read is dropped.
 
 private:

@@ -27,11 +27,18 @@ constexpr uint64_t TIMEOUT = std::chrono::microseconds(PATIENCE).count(); // The
 constexpr std::chrono::milliseconds NEXT_TRY{500};
 constexpr std::chrono::milliseconds PAUSE{100};
 
+// Read once: a program may change its environment later, and must not while another thread reads it.
+const std::string& GetAddressText()
+{
+    static const char* const value = secure_getenv(ADDRESS_VARIABLE);
+    static const auto& text = *new std::string(value != nullptr ? value : "");
+    return text;
+}
+
 // Other kinds of addresses start programs or go over the network.
 Bus::Address ReadAddress()
 {
-    const char* const value = secure_getenv(ADDRESS_VARIABLE);
-    const std::string address = value != nullptr ? value : "";
+    const std::string& address = GetAddressText();
     for (const std::string key : {"unix:path=", "unix:abstract="}) {
         if (address.compare(0, key.size(), key) == 0 && address.size() > key.size() && address[key.size()] != ',' &&
             address.find(';') == std::string::npos) {
@@ -77,12 +84,15 @@ bool Bus::TakeTurn()
             return false;
         }
     }
-    return isTurnTaken_ = true;
+    return isTurnTaken_ = isStarted_; // Before that there is nobody to ask.
 }
 
 void Bus::EndTurn()
 {
     AnnounceChanges();
+    if (mustRejoin_.exchange(false)) {
+        shutdown(fd_.Get(), SHUT_RDWR); // Which the bus's thread finds out.
+    }
     const MutexLock lock(mutex_);
     isTurnTaken_ = false;
     turnEnded_.NotifyAll();
@@ -108,7 +118,7 @@ void Bus::Run()
 bool Bus::Connect()
 {
     const auto deadline = Clock::now() + PATIENCE;
-    if (sd_bus_new(&bus_) < 0 || sd_bus_set_address(bus_, secure_getenv(ADDRESS_VARIABLE)) < 0 ||
+    if (sd_bus_new(&bus_) < 0 || sd_bus_set_address(bus_, GetAddressText().c_str()) < 0 ||
         sd_bus_set_bus_client(bus_, 1) < 0 || sd_bus_set_method_call_timeout(bus_, TIMEOUT) < 0) {
         return false;
     }

@@ -37,6 +37,8 @@ Table& GetTable()
 
 } // namespace
 
+void Descriptor::WatchForks() { GetTable(); }
+
 Descriptor::~Descriptor()
 {
     CloseBy([this] { close(fd_); });

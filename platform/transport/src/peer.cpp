@@ -21,7 +21,7 @@ Peer::Peer(Identity theirs, uid_t user, const CallConnections::Connect& connect,
 
 int Peer::Call(Message& call, Clock::time_point deadline, const ReadReply& read) noexcept
 {
-    while (!isDead_ && Process::IsUsable()) {
+    for (int hungUp = 0; !isDead_ && Process::IsUsable();) {
         int error = 0;
         std::unique_ptr<Connection> connection = calls_.Take(deadline, error);
         if (connection == nullptr) {
@@ -34,8 +34,10 @@ int Peer::Call(Message& call, Clock::time_point deadline, const ReadReply& read)
         bool isUsable = true;
         error = Exchange(*connection, call, deadline, read, isUsable);
         calls_.Return(std::move(connection), isUsable);
-        // To a peer that hung up an idle connection nothing was sent.
-        if (call.wasSent || isNew || error != DEAD) {
+        hungUp += isNew ? 1 : 0;
+        // Where the peer had hung up, nothing was sent. It does that to new connections, too, when it hears that this
+        // process has given up a service.
+        if (call.wasSent || error != DEAD || hungUp == CallConnections::MAX_HUNG_UP) {
             return error;
         }
     }

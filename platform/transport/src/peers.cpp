@@ -37,7 +37,7 @@ std::shared_ptr<Peer> Peers::Meet(const std::string& name)
 
 Inbound::Rest Peers::TakeLeave(const std::string& name)
 {
-    const std::shared_ptr<Peer> peer = Find(name);
+    const std::shared_ptr<Peer> peer = Meet(name); // It may have sent something before it was asked for.
     if (peer == nullptr) {
         return {};
     }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "served_connection.h"
 
+#include <poll.h>
+
 #include <array>
 #include <cstring>
 #include <utility>
@@ -12,6 +14,12 @@
 #include "transport_error.h"
 
 namespace OHOS::Transport {
+
+namespace {
+
+constexpr std::chrono::milliseconds PATIENCE{2000};
+
+} // namespace
 
 ServedConnection::ServedConnection(Descriptor socket) : connection(std::move(socket))
 {
@@ -47,7 +55,9 @@ void ServedConnection::Run(const Introduce& introduce, const std::function<void(
 {
     const std::shared_ptr<Peer> peer = introduce(ReceiveName(), maker.pid);
     if (peer == nullptr) {
-        Refuse();
+        if (!isHungUp) { // Otherwise nothing was read, not even the name.
+            Refuse();
+        }
         return;
     }
     Message message;
@@ -61,6 +71,9 @@ void ServedConnection::Run(const Introduce& introduce, const std::function<void(
         }
     }
     if (!kept_.empty() && !Process::IsForked()) {
+        // Where reading was hung up, the peer may have yet to read the reply. It closes the connection after that.
+        pollfd closed{connection.Get(), 0, 0};
+        poll(&closed, 1, static_cast<int>(PATIENCE.count()));
         Notices::Post([kept = std::move(kept_)] {});
     }
 }
