@@ -17,6 +17,9 @@ namespace OHOS::Transport {
 /** A connection of a peer's into this process. One thread serves it; any thread may hang it up. */
 class ServedConnection {
 public:
+    /** How long the end of a process or of its service waits for what was under way. */
+    static constexpr std::chrono::seconds PATIENCE{2};
+
     /** The peer of that unique name, if the kernel's pid for it is the bus's too; else null. */
     using Introduce = std::function<std::shared_ptr<Peer>(const std::string& name, pid_t pid)>;
 

@@ -15,8 +15,6 @@ namespace OHOS::Transport {
 
 namespace {
 
-constexpr std::chrono::seconds PATIENCE{2};
-
 // Where there is no descriptor for a connection, or not even a place to wait.
 constexpr std::chrono::milliseconds PAUSE{100};
 
@@ -79,7 +77,7 @@ bool Inbound::AcceptAll(const Listener& listener)
 
 bool Inbound::Serve(const std::shared_ptr<ServedConnection>& connection, const Listener& listener)
 {
-    Rest former{{}, Clock::now() + PATIENCE};
+    Rest former{{}, Clock::now() + ServedConnection::PATIENCE};
     size_t ofUser = 0;
     size_t ofProcess = 0;
     for (const auto& other : connections_) {
@@ -117,7 +115,7 @@ void Inbound::Remove(const std::shared_ptr<ServedConnection>& connection)
 
 Inbound::Rest Inbound::HangUpReading(pid_t pid)
 {
-    Rest rest{{}, Clock::now() + PATIENCE};
+    Rest rest{{}, Clock::now() + ServedConnection::PATIENCE};
     const MutexLock lock(mutex_);
     if (listener_ != nullptr) {
         AcceptAll(*listener_); // What is in the queue was sent before, too.

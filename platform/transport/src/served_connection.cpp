@@ -15,12 +15,6 @@
 
 namespace OHOS::Transport {
 
-namespace {
-
-constexpr std::chrono::milliseconds PATIENCE{2000};
-
-} // namespace
-
 ServedConnection::ServedConnection(Descriptor socket) : connection(std::move(socket))
 {
     socklen_t size = sizeof(maker);
@@ -73,7 +67,7 @@ void ServedConnection::Run(const Introduce& introduce, const std::function<void(
     if (!kept_.empty() && !Process::IsForked()) {
         // Where reading was hung up, the peer may have yet to read the reply. It closes the connection after that.
         pollfd closed{connection.Get(), 0, 0};
-        poll(&closed, 1, static_cast<int>(PATIENCE.count()));
+        poll(&closed, 1, static_cast<int>(std::chrono::milliseconds(PATIENCE).count()));
         Notices::Post([kept = std::move(kept_)] {});
     }
 }
